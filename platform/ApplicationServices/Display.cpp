@@ -1,0 +1,45 @@
+#include "platform/ApplicationServices/Display.h"
+
+#include "platform/DesktopLink/Session.h"
+#include "platform/DesktopLink/Transport.h"
+
+namespace application_services {
+
+namespace {
+
+using desktop_link::Operation;
+using desktop_link::Rect;
+using desktop_link::Value;
+
+std::vector<Value> Ask(Operation operation) {
+    desktop_link::Request request;
+    request.operation = operation;
+    auto reply = desktop_link::CurrentTransport().Exchange(request, desktop_link::kSystemTimeout);
+    return reply && reply->error == 0 ? std::move(reply->values) : std::vector<Value>{};
+}
+
+}  // namespace
+
+std::vector<Rect> Screens() {
+    std::vector<Rect> screens;
+    for (const Value& value : Ask(Operation::screens)) {
+        if (const auto* frame = std::get_if<Rect>(&value.content)) {
+            screens.push_back(*frame);
+        }
+    }
+    return screens;
+}
+
+Pointer CurrentPointer() {
+    Pointer pointer;
+    for (const Value& value : Ask(Operation::pointerLocation)) {
+        if (const auto* location = std::get_if<desktop_link::Point>(&value.content)) {
+            pointer.location = *location;
+        } else if (const auto* frame = std::get_if<Rect>(&value.content)) {
+            pointer.mainScreen = *frame;
+        }
+    }
+    return pointer;
+}
+
+}  // namespace application_services

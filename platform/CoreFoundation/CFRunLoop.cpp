@@ -1,0 +1,164 @@
+#include <CoreFoundation/CFRunLoop.h>
+#include <CoreFoundation/CFString.h>
+
+#include <cmath>
+
+#include "platform/CoreFoundation/InterruptHold.h"
+#include "platform/CoreFoundation/RunLoop.h"
+
+using core_foundation::Implementation;
+using core_foundation::Retained;
+using run_loop::RunLoop;
+using run_loop::SignalledSource;
+using run_loop::Source;
+using run_loop::Timer;
+
+extern "C" {
+const CFRunLoopMode kCFRunLoopDefaultMode = CFSTR("kCFRunLoopDefaultMode");
+const CFRunLoopMode kCFRunLoopCommonModes = CFSTR("kCFRunLoopCommonModes");
+}
+
+CFTypeID CFRunLoopGetTypeID(void) {
+    static const CFTypeID type = core_foundation::RegisterType("CFRunLoop");
+    return type;
+}
+
+CFRunLoopRef CFRunLoopGetCurrent(void) {
+    return RunLoop::Current().Ref();
+}
+
+CFRunLoopRef CFRunLoopGetMain(void) {
+    return RunLoop::Main().Ref();
+}
+
+CFRunLoopMode CFRunLoopCopyCurrentMode(CFRunLoopRef rl) {
+    return Implementation<RunLoop>(rl, __func__).CopyCurrentMode();
+}
+
+Boolean CFRunLoopIsWaiting(CFRunLoopRef rl) {
+    return Implementation<RunLoop>(rl, __func__).IsWaiting();
+}
+
+void CFRunLoopAddCommonMode(CFRunLoopRef rl, CFRunLoopMode mode) {
+    Implementation<RunLoop>(rl, __func__).AddCommonMode(mode);
+}
+
+void CFRunLoopRun(void) {
+    CFRunLoopRunResult result = kCFRunLoopRunTimedOut;
+    do {
+        result = CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1e10, false);
+    } while (result != kCFRunLoopRunStopped && result != kCFRunLoopRunFinished);
+}
+
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds,
+                                      Boolean returnAfterSourceHandled) {
+    run_loop::HoldInterrupts();
+    return RunLoop::Current().Run(mode, seconds, returnAfterSourceHandled != 0);
+}
+
+void CFRunLoopStop(CFRunLoopRef rl) {
+    Implementation<RunLoop>(rl, __func__).Stop();
+}
+
+void CFRunLoopWakeUp(CFRunLoopRef rl) {
+    Implementation<RunLoop>(rl, __func__).WakeUp();
+}
+
+void CFRunLoopAddSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+    Implementation<RunLoop>(rl, __func__).AddSource(Implementation<Source>(source, __func__), mode);
+}
+
+void CFRunLoopRemoveSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+    Implementation<RunLoop>(rl, __func__)
+        .RemoveSource(Implementation<Source>(source, __func__), mode);
+}
+
+Boolean CFRunLoopContainsSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+    return Implementation<RunLoop>(rl, __func__)
+        .ContainsSource(Implementation<Source>(source, __func__), mode);
+}
+
+void CFRunLoopAddTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode) {
+    Implementation<RunLoop>(rl, __func__).AddTimer(Implementation<Timer>(timer, __func__), mode);
+}
+
+void CFRunLoopRemoveTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode) {
+    Implementation<RunLoop>(rl, __func__).RemoveTimer(Implementation<Timer>(timer, __func__), mode);
+}
+
+Boolean CFRunLoopContainsTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode) {
+    return Implementation<RunLoop>(rl, __func__)
+        .ContainsTimer(Implementation<Timer>(timer, __func__), mode);
+}
+
+CFTypeID CFRunLoopSourceGetTypeID(void) {
+    static const CFTypeID type = core_foundation::RegisterType("CFRunLoopSource");
+    return type;
+}
+
+CFRunLoopSourceRef CFRunLoopSourceCreate(CFAllocatorRef, CFIndex order,
+                                         CFRunLoopSourceContext* context) {
+    if (context == nullptr) {
+        core_foundation::Stop(__func__, "null context");
+    }
+    return Retained<SignalledSource>::Adopt(new SignalledSource(order, *context)).HandOver()->Ref();
+}
+
+void CFRunLoopSourceSignal(CFRunLoopSourceRef source) {
+    auto* signalled = dynamic_cast<SignalledSource*>(&Implementation<Source>(source, __func__));
+    if (signalled != nullptr) {
+        const std::lock_guard lock(run_loop::StructureMutex());
+        signalled->signalled = true;
+    }
+}
+
+void CFRunLoopSourceInvalidate(CFRunLoopSourceRef source) {
+    const Retained keep(&Implementation<Source>(source, __func__));
+    keep->Invalidate();
+}
+
+Boolean CFRunLoopSourceIsValid(CFRunLoopSourceRef source) {
+    const std::lock_guard lock(run_loop::StructureMutex());
+    return Implementation<Source>(source, __func__).IsValid();
+}
+
+CFTypeID CFRunLoopTimerGetTypeID(void) {
+    static const CFTypeID type = core_foundation::RegisterType("CFRunLoopTimer");
+    return type;
+}
+
+CFRunLoopTimerRef CFRunLoopTimerCreate(CFAllocatorRef, CFAbsoluteTime fireDate,
+                                       CFTimeInterval interval, CFOptionFlags, CFIndex,
+                                       CFRunLoopTimerCallBack callout,
+                                       CFRunLoopTimerContext* context) {
+    if (std::isnan(interval)) {
+        core_foundation::Stop(__func__, "the interval is not a number");
+    }
+    return Retained<Timer>::Adopt(
+               new Timer(fireDate, interval, callout,
+                         context != nullptr ? *context : CFRunLoopTimerContext{}))
+        .HandOver()
+        ->Ref();
+}
+
+void CFRunLoopTimerInvalidate(CFRunLoopTimerRef timer) {
+    const Retained keep(&Implementation<Timer>(timer, __func__));
+    keep->Invalidate();
+}
+
+Boolean CFRunLoopTimerIsValid(CFRunLoopTimerRef timer) {
+    const std::lock_guard lock(run_loop::StructureMutex());
+    return Implementation<Timer>(timer, __func__).IsValid();
+}
+
+CFTimeInterval CFRunLoopTimerGetInterval(CFRunLoopTimerRef timer) {
+    return Implementation<Timer>(timer, __func__).IntervalInSeconds();
+}
+
+CFAbsoluteTime CFRunLoopTimerGetNextFireDate(CFRunLoopTimerRef timer) {
+    return Implementation<Timer>(timer, __func__).NextFireDate();
+}
+
+void CFRunLoopTimerSetNextFireDate(CFRunLoopTimerRef timer, CFAbsoluteTime fireDate) {
+    Implementation<Timer>(timer, __func__).SetNextFireDate(fireDate);
+}

@@ -1,0 +1,13 @@
+// Numbers at the beginning of texts.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace core_foundation {
+
+// Skips white space, takes one sign and the ASCII digits up to the first other character. 0 when
+// there is none; held at the limits of 32 bits.
+std::int32_t LeadingInteger(std::u16string_view text);
+
+}  // namespace core_foundation

@@ -1,0 +1,25 @@
+#import "KeyedArchiverUID.h"
+
+@implementation CFKeyedArchiverUID
+
+- (instancetype)initWithValue:(std::uint32_t)value {
+    if ((self = [super init]) != nil) {
+        _value = value;
+    }
+    return self;
+}
+
+- (std::uint32_t)value {
+    return _value;
+}
+
+- (BOOL)isEqual:(id)other {
+    return [other isKindOfClass:[CFKeyedArchiverUID class]] &&
+           [(CFKeyedArchiverUID*)other value] == _value;
+}
+
+- (NSUInteger)hash {
+    return _value;
+}
+
+@end

@@ -1,0 +1,28 @@
+#include "PropertyListReader.h"
+
+#include <optional>
+#include <string>
+
+#include "BinaryReader.h"
+#include "OpenStepReader.h"
+#include "Text.h"
+#include "XmlReader.h"
+
+namespace property_list {
+
+Document ReadPropertyList(std::span<const std::uint8_t> bytes, CFOptionFlags options) {
+    const ObjectMaker make(options);
+    if (const std::optional<BinaryDocument> binary = BinaryDocument::Open(bytes)) {
+        return {binary->Read(make), kCFPropertyListBinaryFormat_v1_0};
+    }
+    const std::optional<std::u16string> text = DecodeText(bytes);
+    if (!text || text->empty()) {
+        return {nullptr, kCFPropertyListOpenStepFormat};
+    }
+    if (Object root = ReadXml(*text, make)) {
+        return {std::move(root), kCFPropertyListXMLFormat_v1_0};
+    }
+    return {ReadOpenStep(*text, make), kCFPropertyListOpenStepFormat};
+}
+
+}  // namespace property_list

@@ -1,0 +1,266 @@
+// How a run loop runs. One pass performs the signalled sources, waits, fires the timers that became
+// due, performs what became ready, and then asks whether the run is over.
+#include <CoreFoundation/CFString.h>
+#include <sys/eventfd.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/CoreFoundation/AutoreleasePool.h"
+#include "platform/CoreFoundation/RunLoop.h"
+
+namespace run_loop {
+
+// Makes a run the innermost one, however it is left.
+class RunLoop::RunningGuard {
+  public:
+    // The mutex is held.
+    RunningGuard(RunLoop& loop, Activation& activation) : loop_(loop) {
+        loop_.activations_.push_back(&activation);
+    }
+    RunningGuard(const RunningGuard&) = delete;
+    RunningGuard& operator=(const RunningGuard&) = delete;
+    ~RunningGuard() {
+        const std::lock_guard lock(StructureMutex());
+        loop_.activations_.pop_back();
+    }
+
+  private:
+    RunLoop& loop_;
+};
+
+CFRunLoopRunResult RunLoop::Run(CFRunLoopMode modeName, CFTimeInterval seconds,
+                                bool returnAfterSourceHandled) {
+    std::unique_lock lock(StructureMutex());
+    Mode* mode = modeName != nullptr ? FindMode(modeName) : nullptr;
+    if (mode == nullptr || IsEmpty(*mode)) {
+        return kCFRunLoopRunFinished;
+    }
+    Activation activation{mode};
+    const RunningGuard running(*this, activation);
+    lock.unlock();
+
+    const bool once = !(seconds > 0);
+    const Instant deadline = once ? Now() : Later(Now(), Nanoseconds(seconds));
+    for (;;) {
+        const bool handled = Pass(*mode, deadline, once, returnAfterSourceHandled);
+        if (handled && returnAfterSourceHandled) {
+            return kCFRunLoopRunHandledSource;
+        }
+        if (deadline <= Now()) {
+            return kCFRunLoopRunTimedOut;
+        }
+        const std::lock_guard checking(StructureMutex());
+        if (activation.stopped) {
+            return kCFRunLoopRunStopped;
+        }
+        if (IsEmpty(*mode)) {
+            return kCFRunLoopRunFinished;
+        }
+    }
+}
+
+void RunLoop::RunUntil(CFRunLoopMode modeName, Instant deadline,
+                       const std::function<bool()>& done) {
+    if (IsCommonModes(modeName)) {
+        return;
+    }
+    std::unique_lock lock(StructureMutex());
+    Mode& mode = ModeNamed(modeName);
+    Activation activation{&mode};
+    const RunningGuard running(*this, activation);
+    lock.unlock();
+    while (!done()) {
+        Pass(mode, deadline, deadline <= Now(), true);
+        if (deadline <= Now()) {
+            return;
+        }
+    }
+}
+
+bool RunLoop::Pass(Mode& mode, Instant deadline, bool poll, bool onlyOneSource) {
+    const bool signalled = PerformSignalledSources(mode, onlyOneSource);
+    const bool ready = WaitAndPerform(mode, deadline, poll || signalled);
+    return signalled || ready;
+}
+
+// The main thread's loop can always be given work by the system in a common mode.
+bool RunLoop::IsEmpty(const Mode& mode) const {
+    return !(isMain_ && mode.common) && mode.timers.empty() &&
+           std::none_of(mode.sources.begin(), mode.sources.end(),
+                        [](const auto& source) { return source->OccupiesMode(); });
+}
+
+bool RunLoop::PerformSignalledSources(Mode& mode, bool onlyOne) {
+    std::vector<Retained<SignalledSource>> signalled;
+    {
+        const std::lock_guard lock(StructureMutex());
+        for (const auto& source : mode.sources) {
+            if (source->signalled) {
+                if (auto* candidate = dynamic_cast<SignalledSource*>(source.get())) {
+                    signalled.emplace_back(candidate);
+                }
+            }
+        }
+    }
+    std::stable_sort(signalled.begin(), signalled.end(), [](const auto& left, const auto& right) {
+        return left->Order() < right->Order();
+    });
+    bool handled = false;
+    for (const auto& source : signalled) {
+        {
+            const std::lock_guard lock(StructureMutex());
+            if (!source->IsValid() || !std::exchange(source->signalled, false)) {
+                continue;
+            }
+        }
+        core_foundation::WithAutoreleasePool([&] { source->Perform(); });
+        handled = true;
+        if (onlyOne) {
+            break;
+        }
+    }
+    return handled;
+}
+
+// A backlog and ready descriptors take turns, so that neither keeps the other waiting.
+bool RunLoop::WaitAndPerform(Mode& mode, Instant deadline, bool poll) {
+    auto backlogged = SourceWithBacklog(mode);
+    if (backlogged && !mode.workedOffBacklog) {
+        mode.workedOffBacklog = true;
+        FireTimers(mode);
+        return PerformBacklog(*backlogged);
+    }
+    mode.workedOffBacklog = false;
+    const auto readiness = Wait(mode, deadline, poll || backlogged);
+    FireTimers(mode);
+    if (readiness) {
+        return PerformReady(mode, *readiness);
+    }
+    return backlogged && PerformBacklog(*backlogged);
+}
+
+std::optional<Poller::Readiness> RunLoop::Wait(Mode& mode, Instant deadline, bool poll) {
+    if (poll) {
+        return mode.poller.Wait(0);
+    }
+    const Instant until = std::min(deadline, NextTimer(mode));
+    if (TestClockInstalled() && until != kNever) {
+        const auto readiness = mode.poller.Wait(0);
+        if (!readiness) {
+            AdvanceTestClockTo(until);
+        }
+        return readiness;
+    }
+    waiting_ = true;
+    const auto readiness = mode.poller.Wait(until == kNever ? kNever : until - Now());
+    waiting_ = false;
+    return readiness;
+}
+
+Instant RunLoop::NextTimer(const Mode& mode) {
+    const std::lock_guard lock(StructureMutex());
+    Instant next = kNever;
+    for (const auto& timer : mode.timers) {
+        next = std::min(next, timer->NextDue());
+    }
+    return next;
+}
+
+void RunLoop::FireTimers(Mode& mode) {
+    std::vector<Retained<Timer>> due;
+    const Instant now = Now();
+    {
+        const std::lock_guard lock(StructureMutex());
+        for (const auto& timer : mode.timers) {
+            if (timer->NextDue() <= now) {
+                due.push_back(timer);
+            }
+        }
+        std::stable_sort(due.begin(), due.end(), [](const auto& left, const auto& right) {
+            return left->FireTime() < right->FireTime();
+        });
+    }
+    for (const auto& timer : due) {
+        timer->FireIfDue(mode, now);
+    }
+}
+
+bool RunLoop::PerformReady(Mode& mode, const Poller::Readiness& readiness) {
+    if (readiness.token == kWakeToken) {
+        eventfd_t ignored = 0;
+        eventfd_read(wake_.get(), &ignored);
+        return false;
+    }
+    Retained<DescriptorSource> source;
+    int descriptor = -1;
+    {
+        const std::lock_guard lock(StructureMutex());
+        const auto watcher = mode.watchers.find(readiness.token);
+        if (watcher == mode.watchers.end()) {
+            return false;
+        }
+        source = Retained(watcher->second);
+        for (const auto& watch : source->watches) {
+            if (watch.token == readiness.token) {
+                descriptor = watch.descriptor;
+            }
+        }
+    }
+    bool handled = false;
+    core_foundation::WithAutoreleasePool(
+        [&] { handled = source->Perform(descriptor, readiness.events); });
+    return handled;
+}
+
+Retained<DescriptorSource> RunLoop::SourceWithBacklog(const Mode& mode) {
+    const std::lock_guard lock(StructureMutex());
+    for (const auto& source : mode.sources) {
+        if (source->signalled) {
+            if (auto* candidate = dynamic_cast<DescriptorSource*>(source.get())) {
+                return Retained(candidate);
+            }
+        }
+    }
+    return {};
+}
+
+bool RunLoop::PerformBacklog(DescriptorSource& source) {
+    {
+        // A timer that fired in the meantime may have ended the source.
+        const std::lock_guard lock(StructureMutex());
+        if (!source.IsValid() || !source.signalled) {
+            return false;
+        }
+    }
+    bool handled = false;
+    core_foundation::WithAutoreleasePool([&] { handled = source.Perform(-1, 0); });
+    return handled;
+}
+
+void RunLoop::Stop() {
+    {
+        const std::lock_guard lock(StructureMutex());
+        if (activations_.empty()) {
+            return;
+        }
+        activations_.back()->stopped = true;
+    }
+    WakeUp();
+}
+
+// A loop that is awake on its own thread looks at everything again before it waits.
+void RunLoop::WakeUp() {
+    if (!OnOwnThread()) {
+        eventfd_write(wake_.get(), 1);
+    }
+}
+
+CFRunLoopMode RunLoop::CopyCurrentMode() {
+    const std::lock_guard lock(StructureMutex());
+    return activations_.empty()
+               ? nullptr
+               : CFStringCreateCopy(kCFAllocatorDefault, activations_.back()->mode->name);
+}
+
+}  // namespace run_loop

@@ -1,0 +1,84 @@
+#include "platform/CoreFoundation/RunLoopPoller.h"
+
+#include <poll.h>
+#include <sys/epoll.h>
+
+#include <algorithm>
+#include <ctime>
+
+#include "platform/CoreFoundation/InterruptHold.h"
+
+namespace run_loop {
+namespace {
+
+// A span of time as the kernel wants it: no span at all for kNever.
+class Span {
+  public:
+    explicit Span(std::int64_t nanoseconds) : isLimited_(nanoseconds != kNever) {
+        nanoseconds = std::max(nanoseconds, std::int64_t{0});
+        time_.tv_sec = nanoseconds / 1'000'000'000;
+        time_.tv_nsec = nanoseconds % 1'000'000'000;
+    }
+    const timespec* Get() const { return isLimited_ ? &time_ : nullptr; }
+
+  private:
+    bool isLimited_;
+    timespec time_{};
+};
+
+}  // namespace
+
+Poller::Poller() : epoll_(epoll_create1(EPOLL_CLOEXEC)) {}
+
+void Poller::Add(int descriptor, std::uint32_t events, std::uint64_t token) {
+    epoll_event event{.events = events, .data = {.u64 = token}};
+    epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, descriptor, &event);
+}
+
+void Poller::Change(int descriptor, std::uint32_t events, std::uint64_t token) {
+    epoll_event event{.events = events, .data = {.u64 = token}};
+    epoll_ctl(epoll_.get(), EPOLL_CTL_MOD, descriptor, &event);
+}
+
+void Poller::Remove(int descriptor) {
+    epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, descriptor, nullptr);
+}
+
+std::optional<Poller::Readiness> Poller::Wait(std::int64_t longest) {
+    const Span span(longest);
+    if (!epoll_) {
+        // The process had no descriptor left for this mode: its timers go on all the same.
+        ppoll(nullptr, 0, span.Get(), WaitMask());
+        return std::nullopt;
+    }
+    epoll_event event{};
+    if (epoll_pwait2(epoll_.get(), &event, 1, span.Get(), WaitMask()) == 1) {
+        LetInterruptsThroughIfStarved();
+        return Readiness{event.data.u64, event.events};
+    }
+    if (longest > 0) {
+        InterruptsWereLetThrough();
+    } else {
+        LetInterruptsThroughIfStarved();
+    }
+    return std::nullopt;
+}
+
+bool WaitUntilWritable(int socket, Instant deadline) {
+    for (;;) {
+        pollfd wanted{socket, POLLOUT, 0};
+        const bool standsStill = TestClockInstalled() && deadline != kNever;
+        const Span span(standsStill ? 0 : deadline == kNever ? kNever : deadline - Now());
+        if (ppoll(&wanted, 1, span.Get(), WaitMask()) == 1) {
+            return true;
+        }
+        if (standsStill) {
+            AdvanceTestClockTo(deadline);
+        }
+        if (Now() >= deadline) {
+            return false;
+        }
+    }
+}
+
+}  // namespace run_loop

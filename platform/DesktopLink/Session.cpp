@@ -1,0 +1,91 @@
+#include "platform/DesktopLink/Session.h"
+
+#include <cmath>
+
+#include "platform/DesktopLink/Transport.h"
+
+namespace desktop_link {
+
+namespace {
+
+struct Memory {
+    bool asked = false;
+    std::optional<Application> front;
+    unsigned long frontRevision = 0;
+    double messagingTimeout = Session{}.messagingTimeout;
+    void (*handler)() = nullptr;
+};
+
+Memory& Remembered() {
+    static Memory memory;
+    return memory;
+}
+
+void SetFront(const std::optional<Application>& application) {
+    Remembered().front = application;
+    ++Remembered().frontRevision;
+}
+
+void Deliver(const Notification& notification) {
+    SetFront(notification.activated);
+    if (Remembered().handler != nullptr) {
+        Remembered().handler();
+    }
+}
+
+void Ask() {
+    Memory& memory = Remembered();
+    if (memory.asked) {
+        return;
+    }
+    memory.asked = true;
+    Transport& transport = CurrentTransport();
+    if (memory.handler != nullptr) {
+        transport.SetNotificationHandler(Deliver);
+    }
+    const std::optional<Reply> reply = transport.Exchange(Request{}, kSystemTimeout);
+    if (reply && reply->session) {
+        SetFront(reply->session->frontApplication);
+        AdoptMessagingTimeout(reply->session->messagingTimeout);
+    }
+}
+
+}  // namespace
+
+const std::optional<Application>& FrontApplication() {
+    Ask();
+    return Remembered().front;
+}
+
+unsigned long FrontApplicationRevision() {
+    Ask();
+    return Remembered().frontRevision;
+}
+
+void ObserveFrontApplication(void (*handler)()) {
+    Memory& memory = Remembered();
+    memory.handler = handler;
+    if (memory.asked) {
+        CurrentTransport().SetNotificationHandler(Deliver);
+    }
+    Ask();
+}
+
+double MessagingTimeout() {
+    Ask();
+    return Remembered().messagingTimeout;
+}
+
+void AdoptMessagingTimeout(double seconds) {
+    const bool usable = std::isfinite(seconds) && seconds > 0;
+    Remembered().messagingTimeout = usable ? seconds : Session{}.messagingTimeout;
+}
+
+void ForgetSession() {
+    Memory& memory = Remembered();
+    memory.asked = false;
+    memory.messagingTimeout = Session{}.messagingTimeout;
+    SetFront(std::nullopt);
+}
+
+}  // namespace desktop_link

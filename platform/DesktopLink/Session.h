@@ -1,0 +1,34 @@
+// What this process remembers of the log-in session. Main thread only.
+#pragma once
+
+#include <optional>
+
+#include "platform/DesktopLink/Messages.h"
+
+namespace desktop_link {
+
+// The front application as of the last notification that the main run loop delivered; none when
+// nothing is in front or no desktop runs. Asks the desktop at first use.
+const std::optional<Application>& FrontApplication();
+
+// Grows whenever FrontApplication() may have changed.
+unsigned long FrontApplicationRevision();
+
+// From now on `handler` is called on the main run loop after each change of the front application.
+// There is one handler; it stays when the transport is replaced.
+void ObserveFrontApplication(void (*handler)());
+
+// Seconds that an accessibility call waits unless it was told otherwise. Asks the desktop at first
+// use; the usual 6 s while no desktop runs.
+double MessagingTimeout();
+
+// Seconds that any other call to the session waits.
+inline constexpr double kSystemTimeout = 6.0;
+
+// For transports: a desktop was reached anew. Its front application comes as a notification.
+void AdoptMessagingTimeout(double seconds);
+
+// For transports: forgets everything, so that the next use asks again.
+void ForgetSession();
+
+}  // namespace desktop_link

@@ -1,0 +1,168 @@
+// What NSString does differently in GNUstep than on macOS, put right where the driver can tell.
+//
+// Most string classes of GNUstep implement these methods for themselves, so that a category on
+// NSString alone would not reach them.
+#import <Foundation/Foundation.h>
+#include <objc/runtime.h>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/CoreFoundation/IntegerText.h"
+#include "platform/CoreFoundation/StringUnits.h"
+#include "platform/CoreFoundation/TextEncoding.h"
+
+using core_foundation::StringUnits;
+
+namespace {
+
+CFStringEncoding CoreFoundationEncoding(NSStringEncoding encoding) {
+    switch (encoding) {
+        case NSASCIIStringEncoding:
+            return kCFStringEncodingASCII;
+        case NSUTF8StringEncoding:
+            return kCFStringEncodingUTF8;
+        case NSISOLatin1StringEncoding:
+            return kCFStringEncodingISOLatin1;
+        case NSWindowsCP1252StringEncoding:
+            return kCFStringEncodingWindowsLatin1;
+        case NSUnicodeStringEncoding:
+            return kCFStringEncodingUTF16;
+        case NSMacOSRomanStringEncoding:
+            return kCFStringEncodingMacRoman;
+        default:
+            return kCFStringEncodingInvalidId;  // the driver asks for none of the others
+    }
+}
+
+std::optional<std::string> Encoded(NSString* string, NSStringEncoding encoding) {
+    return core_foundation::Encode(StringUnits(string).view(), CoreFoundationEncoding(encoding));
+}
+
+// GNUstep wraps around; macOS stays at the limits.
+int IntValue(NSString* self, SEL) {
+    return core_foundation::LeadingInteger(StringUnits(self).view());
+}
+
+// GNUstep raises an exception for a character that the encoding lacks; macOS answers NO. What does
+// not fit is cut, with the answer NO: GNUstep's mutable strings fetch all but the last character of
+// a constant string that way.
+BOOL GetCString(NSString* self, SEL, char* buffer, NSUInteger size, NSStringEncoding encoding) {
+    if (size == 0) {
+        return NO;
+    }
+    const std::optional<std::string> bytes = Encoded(self, encoding);
+    const std::size_t length = bytes ? std::min<std::size_t>(bytes->size(), size - 1) : 0;
+    if (bytes) {
+        std::memcpy(buffer, bytes->data(), length);
+    }
+    buffer[length] = '\0';
+    return bytes && length == bytes->size();
+}
+
+// Null for a character that the encoding lacks. Valid until the autorelease pool drains.
+const char* CStringUsingEncoding(NSString* self, SEL, NSStringEncoding encoding) {
+    const auto bytes = Encoded(self, encoding);
+    if (!bytes) {
+        return nullptr;
+    }
+    NSData* data = [NSData dataWithBytes:bytes->c_str() length:bytes->size() + 1];
+    return static_cast<const char*>([data bytes]);
+}
+
+const char* UTF8String(NSString* self, SEL selector) {
+    return CStringUsingEncoding(self, selector, NSUTF8StringEncoding);
+}
+
+// Text is equal when its code units are: composed and decomposed characters differ, as in macOS's
+// isEqualToString:.
+BOOL IsEqualToString(NSString* self, SEL, NSString* other) {
+    return other != nil && core_foundation::SameUnits(self, other);
+}
+
+BOOL IsEqual(NSString* self, SEL selector, id other) {
+    return self == other ||
+           ([other isKindOfClass:[NSString class]] && IsEqualToString(self, selector, other));
+}
+
+// By code units, so that the answer is NSOrderedSame only for the same text. macOS may also take
+// composed and decomposed characters for the same; the driver promises a literal comparison. Nil,
+// which macOS leaves undefined, comes before every text.
+NSComparisonResult Compare(NSString* self, SEL, NSString* other) {
+    if (other == nil) {
+        return NSOrderedDescending;
+    }
+    const int order = StringUnits(self).view().compare(StringUnits(other).view());
+    return order < 0 ? NSOrderedAscending : order > 0 ? NSOrderedDescending : NSOrderedSame;
+}
+
+// By code units, like the comparison. An empty text is found nowhere, where GNUstep finds it at 0.
+NSRange RangeOfString(NSString* self, SEL, NSString* wanted) {
+    if (wanted == nil) {
+        [NSException raise:NSInvalidArgumentException format:@"rangeOfString: nil argument"];
+    }
+    const StringUnits text(self);
+    const StringUnits needle(wanted);
+    const std::size_t found =
+        needle.view().empty() ? std::u16string_view::npos : text.view().find(needle.view());
+    return found == std::u16string_view::npos ? NSMakeRange(NSNotFound, 0)
+                                              : NSMakeRange(found, needle.view().size());
+}
+
+NSStringEncoding DefaultCStringEncoding(Class, SEL) {
+    return NSMacOSRomanStringEncoding;
+}
+
+bool Inherits(Class type, Class ancestor) {
+    while (type != Nil && type != ancestor) {
+        type = class_getSuperclass(type);
+    }
+    return type == ancestor;
+}
+
+// Gives every class the function as a method of its own, also those that would inherit it: GNUstep
+// adds methods to some of them later, and does not look up the ones they inherit again.
+template <typename Function>
+void ReplaceEverywhere(const std::vector<Class>& classes, SEL selector, Function* function) {
+    const auto implementation = reinterpret_cast<IMP>(function);
+    const char* types = method_getTypeEncoding(class_getInstanceMethod([NSString class], selector));
+    for (Class type : classes) {
+        // With GCC's runtime class_replaceMethod alone would change the inherited method.
+        if (!class_addMethod(type, selector, implementation, types)) {
+            class_replaceMethod(type, selector, implementation, types);
+        }
+    }
+}
+
+std::vector<Class> StringClasses() {
+    std::vector<Class> classes(static_cast<std::size_t>(objc_getClassList(nullptr, 0)));
+    objc_getClassList(classes.data(), static_cast<int>(classes.size()));
+    std::erase_if(classes, [](Class type) { return !Inherits(type, [NSString class]); });
+    return classes;
+}
+
+}  // namespace
+
+@implementation NSString (Behaviour)
+
++ (void)load {
+    const std::vector<Class> classes = StringClasses();
+    ReplaceEverywhere(classes, @selector(intValue), IntValue);
+    ReplaceEverywhere(classes, @selector(getCString:maxLength:encoding:), GetCString);
+    ReplaceEverywhere(classes, @selector(cStringUsingEncoding:), CStringUsingEncoding);
+    ReplaceEverywhere(classes, @selector(UTF8String), UTF8String);
+    ReplaceEverywhere(classes, @selector(isEqualToString:), IsEqualToString);
+    ReplaceEverywhere(classes, @selector(isEqual:), IsEqual);
+    ReplaceEverywhere(classes, @selector(compare:), Compare);
+    ReplaceEverywhere(classes, @selector(rangeOfString:), RangeOfString);
+
+    const SEL defaultEncoding = @selector(defaultCStringEncoding);
+    const Class metaclass = object_getClass([NSString class]);
+    class_replaceMethod(metaclass, defaultEncoding, reinterpret_cast<IMP>(DefaultCStringEncoding),
+                        method_getTypeEncoding(class_getClassMethod(self, defaultEncoding)));
+}
+
+@end

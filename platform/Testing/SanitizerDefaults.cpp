@@ -1,0 +1,25 @@
+// Options for AddressSanitizer and LeakSanitizer, compiled in so that a test program says the same
+// wherever it is started. The Objective-C runtime keeps what it allocates while classes register;
+// only these functions are excused, so that a leaked object of our own is still seen.
+
+extern "C" {
+
+const char* __asan_default_options() {
+    // Exact stacks, by which the runtime's own functions can be told from ours.
+    return "fast_unwind_on_malloc=0";
+}
+
+const char* __lsan_default_options() {
+    return "print_suppressions=0";
+}
+
+const char* __lsan_default_suppressions() {
+    return "leak:__objc_exec_class\n"
+           "leak:GSObjCAddMethods\n"
+           "leak:GSObjCAddClassBehavior\n"
+           "leak:call_init\n"
+           "leak:GSPropertyListMake\n"
+           "leak:NSLogv\n";
+}
+
+}  // extern "C"

@@ -1,0 +1,36 @@
+// Points, sizes and rectangles of Core Graphics. The struct tags are those of Foundation's NSPoint,
+// NSSize and NSRect, which on macOS are the very same types, so a C++ function that takes a
+// CGPoint& links alike from C++ and from Objective-C++.
+#pragma once
+
+#ifdef __OBJC__
+#import <Foundation/NSGeometry.h>
+
+typedef NSPoint CGPoint;
+typedef NSSize CGSize;
+typedef NSRect CGRect;
+#else
+using CGFloat = double;
+
+typedef struct _NSPoint {
+    CGFloat x;
+    CGFloat y;
+} CGPoint;
+
+typedef struct _NSSize {
+    CGFloat width;
+    CGFloat height;
+} CGSize;
+
+typedef struct _NSRect {
+    CGPoint origin;
+    CGSize size;
+} CGRect;
+#endif
+
+inline CGPoint CGPointMake(CGFloat x, CGFloat y) {
+    return CGPoint{x, y};
+}
+inline CGSize CGSizeMake(CGFloat width, CGFloat height) {
+    return CGSize{width, height};
+}
