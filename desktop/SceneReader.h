@@ -1,0 +1,58 @@
+// From a scene's JSON to the model. Nothing recurses over the tree of elements.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "desktop/Model.h"
+#include "desktop/SceneValue.h"
+
+namespace desktop {
+
+class SceneReader {
+  public:
+    explicit SceneReader(Model& model) : model_(model) {}
+
+    // Fills an empty model. Takes the JSON apart while it reads, so that the two are never in
+    // memory as a whole together. All members throw SceneError; after that the model is of no use.
+    void ReadScene(nlohmann::json scene);
+
+    // Adds one application; the model is unchanged after an error.
+    Application& AddApplication(nlohmann::json application, const std::string& place);
+
+    // Adds one element, or a tree of them; the model is unchanged after an error.
+    Element& AddElement(Element& parent, std::size_t position, nlohmann::json element,
+                        const std::string& place);
+
+  private:
+    // What can only be understood when the whole tree is there: values that mention elements.
+    struct Deferred {
+        Element* element;
+        std::string key;
+        nlohmann::json source;
+        std::string place;
+    };
+
+    Application& ReadApplication(nlohmann::json& source, const std::string& place);
+    void ReadChildren(Element& parent, nlohmann::json::array_t sources, const std::string& place);
+    Element& ReadElement(std::int32_t pid, nlohmann::json source, const std::string& place,
+                         nlohmann::json::array_t* children);
+    void ReadAttribute(Element& element, const std::string& key, nlohmann::json& source,
+                       const std::string& place);
+    void TakeMainWindow(Application& application, Element& window);
+    void ResolveDeferred();
+    void Resolve(Deferred& deferred);
+
+    Model& model_;
+    std::vector<Deferred> deferred_;
+};
+
+// Reads one attribute of an element that stands in its tree, as a scene or a command writes it.
+void SetFromScene(Model& model, Element& element, const std::string& attribute,
+                  const nlohmann::json& source, const std::string& place);
+
+// Resolves addresses; those without application key are of `home`.
+ElementResolver ResolverFor(Model& model, Application* home);
+
+}  // namespace desktop

@@ -1,0 +1,208 @@
+#include "desktop/SceneWriter.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "desktop/Address.h"
+#include "desktop/AttributeReading.h"
+#include "desktop/JsonFields.h"
+#include "desktop/SceneValue.h"
+#include "desktop/Selection.h"
+
+namespace desktop {
+
+using nlohmann::ordered_json;
+
+namespace {
+
+// "key": value, key: value ... of an object, without its braces.
+class Members {
+  public:
+    void Add(const std::string& key, const ordered_json& value) {
+        text_ += text_.empty() ? "" : ", ";
+        text_ += ToText(ordered_json(key)) + ": " + ToText(value);
+    }
+    const std::string& Text() const { return text_; }
+
+  private:
+    std::string text_;
+};
+
+class SceneWriter {
+  public:
+    explicit SceneWriter(Model& model) : model_(model) {}
+
+    std::string Write() {
+        WriteSession();
+        text_ += ",\n  \"applications\": [";
+        for (std::size_t i = 0; i < model_.applications.size(); ++i) {
+            text_ += i == 0 ? "\n" : ",\n";
+            WriteApplication(*model_.applications[i]);
+        }
+        text_ += "\n  ]\n}\n";
+        return std::move(text_);
+    }
+
+  private:
+    void WriteSession() {
+        auto screens = ordered_json::array();
+        for (const desktop_link::Rect& screen : model_.screens) {
+            screens.push_back({{"frame", WriteAnswer(Answer::Of({screen}), "AXFrame", {})}});
+        }
+        text_ = "{ \"trusted\": " + ToText(ordered_json(model_.trusted));
+        text_ += ",\n  \"screens\": " + ToText(screens);
+        text_ += ",\n  \"pointer\": " + ToText(WritePoint(model_.pointer));
+        text_ += ",\n  \"messagingTimeout\": " + ToText(WriteNumber(model_.messagingTimeout));
+        text_ += ",\n  \"activationGap\": " + ToText(WriteNumber(model_.activationGap));
+        text_ += ",\n  \"front\": " + ToText(model_.front == nullptr
+                                                 ? ordered_json(nullptr)
+                                                 : ordered_json(model_.NameOf(*model_.front)));
+        text_ += ",\n  \"midi\": " + ToText(model_.midi.Describe());
+        text_ += ",\n  \"script\": " + ToText(nlohmann::json(model_.script));
+    }
+
+    void WriteApplication(const Application& application) {
+        Members facts;
+        if (application.bundleIdentifier) {
+            facts.Add("bundleID", *application.bundleIdentifier);
+        }
+        facts.Add("name", application.name);
+        facts.Add("pid", application.pid);
+        if (application.info) {
+            facts.Add("info", *application.info);
+        }
+        if (!application.localizations.empty()) {
+            facts.Add("localizations", application.localizations);
+        }
+        if (application.hung) {
+            facts.Add("hung", true);
+        }
+        if (application.dead) {
+            facts.Add("dead", true);
+        }
+        if (application.editor) {
+            facts.Add("editor", DescribeEditor(*application.editor));
+        }
+        AddMisbehaviour(application, application.root, facts);
+        text_ += "    { " + facts.Text() + ",\n      \"windows\": ";
+        if (const Answer* override = application.root.Stored("AXWindows")) {
+            text_ += ToText(Write(application, *override, "AXWindows")) + " }";
+            return;
+        }
+        text_ += "[";
+        WriteTree(application);
+        text_ += "] }";
+    }
+
+    // Walks without recursion: an element is closed when the walk leaves it.
+    void WriteTree(const Application& application) {
+        const Element& root = application.root;
+        std::vector<std::pair<const Element*, std::size_t>> open = {{&root, 0}};
+        while (!open.empty()) {
+            auto& [parent, next] = open.back();
+            if (next == parent->children.size()) {
+                if (parent != &root) {
+                    text_ += "] }";
+                }
+                open.pop_back();
+                continue;
+            }
+            text_ += next == 0 ? "\n" : ",\n";
+            const Element& child = *parent->children[next++];
+            // Deeper than this, indentation would outweigh the elements themselves.
+            constexpr std::size_t kDeepestIndentation = 40;
+            text_.append(6 + std::min(2 * open.size(), kDeepestIndentation), ' ');
+            WriteElement(application, child);
+            if (child.hasChildren) {
+                open.emplace_back(&child, 0);
+            } else {
+                text_ += " }";
+            }
+        }
+    }
+
+    // Up to and including the bracket of its children, when it has that attribute.
+    void WriteElement(const Application& application, const Element& element) {
+        Members members;
+        for (const Attribute* attribute : InOrder(element)) {
+            members.Add(*attribute->name, Write(application, attribute->answer, *attribute->name));
+        }
+        AddTreeAttributes(application, element, members);
+        if (element.details != nullptr && element.details->actions) {
+            members.Add("actions", *element.details->actions);
+        }
+        if (element.details != nullptr && element.details->settable) {
+            members.Add("settable", *element.details->settable);
+        }
+        AddMisbehaviour(application, element, members);
+        text_ += "{ " + members.Text();
+        if (element.hasChildren) {
+            text_ += members.Text().empty() ? "\"AXChildren\": [" : ", \"AXChildren\": [";
+        }
+    }
+
+    static std::vector<const Attribute*> InOrder(const Element& element) {
+        std::vector<const Attribute*> attributes;
+        for (const Attribute& attribute : element.attributes) {
+            attributes.push_back(&attribute);
+        }
+        std::sort(attributes.begin(), attributes.end(), [](const auto* left, const auto* right) {
+            return AttributeComesBefore(*left->name, *right->name);
+        });
+        return attributes;
+    }
+
+    void AddTreeAttributes(const Application& application, const Element& element,
+                           Members& members) {
+        const bool window = element.parent == &application.root;
+        if (window && application.mainWindow == &element) {
+            members.Add("AXMain", true);
+        } else if (window && application.mainWindow == nullptr &&
+                   element.Stored("AXMain") == nullptr && PositionInParent(element) == 0) {
+            members.Add("AXMain", false);  // else the first window would become the main one
+        }
+        if (const auto* rows = SelectedRows(element)) {
+            auto indices = ordered_json::array();
+            for (const Element* row : *rows) {
+                indices.push_back(PositionInParent(*row));
+            }
+            members.Add("AXSelectedRows", indices);
+        }
+    }
+
+    void AddMisbehaviour(const Application& application, const Element& element, Members& members) {
+        const Misbehaviour* misbehaviour = element.OwnMisbehaviour();
+        if (misbehaviour != nullptr && !misbehaviour->Empty()) {
+            members.Add("misbehaviour", WriteMisbehaviour(*misbehaviour, Describer(application)));
+        }
+    }
+
+    ordered_json Write(const Application& application, const Answer& answer,
+                       const std::string& attribute) {
+        return WriteAnswer(answer, attribute, Describer(application));
+    }
+
+    ElementDescriber Describer(const Application& application) {
+        return [this, &application](const desktop_link::ElementReference& reference) {
+            return DescribeElement(model_, &application, reference);
+        };
+    }
+
+    static ordered_json DescribeEditor(const EditorPlaces& editor) {
+        return {{"clipTable", editor.clipTable},
+                {"clipNames", editor.clipNames},
+                {"playhead", editor.playhead},
+                {"framesPerSecond", editor.framesPerSecond}};
+    }
+
+    Model& model_;
+    std::string text_;
+};
+
+}  // namespace
+
+std::string WriteScene(Model& model) {
+    return SceneWriter(model).Write();
+}
+
+}  // namespace desktop
