@@ -1,0 +1,30 @@
+// The driver's language tag: taken from its own bundle, reported to the companion once.
+
+#include <cstring>
+
+#include "driver/CVEK_UserSpaceDriver.h"
+#include "protocol/MessageCodes.h"
+
+// Whether the companion received the tag does not matter to the answer.
+bool CVEK_UserSpaceDriver::GetLocale() {
+    CFStringRef tag = CFBundleCopyLocalizedString(CFBundleGetMainBundle(), CFSTR("VEKLanguage"),
+                                                  CFSTR("VEKLanguage"), nullptr);
+    if (tag == nullptr) {
+        return false;
+    }
+    char text[sizeof language];
+    const bool converted = CFStringGetCString(tag, text, sizeof text, CFStringGetSystemEncoding());
+    CFRelease(tag);
+    if (converted) {
+        strcpy(language, text);
+        SendMessage(kJSLg, reinterpret_cast<unsigned char*>(text), strlen(text) + 1, false,
+                    nullptr);
+    }
+    return converted;
+}
+
+void CVEK_UserSpaceDriver::GetCurrentLanguage(char* out, unsigned length) {
+    if (sSelf != nullptr) {
+        strncpy(out, sSelf->language, length);
+    }
+}

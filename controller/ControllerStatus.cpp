@@ -1,0 +1,58 @@
+// The controller's status, as the companion knows it: the driver reads nothing from the hardware.
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <syslog.h>
+
+#include "driver/CVEK_UserSpaceDriver.h"
+#include "protocol/ByteBuffers.h"
+#include "protocol/MessageCodes.h"
+
+namespace {
+
+constexpr CFIndex kStatusWords = 7;
+constexpr CFIndex kStatusSize = 4 * kStatusWords;  // bytes
+
+}  // namespace
+
+// Hardware input is deliberately dropped. Called on MIDI's own thread, so nothing here may touch
+// the driver.
+void CVEK_UserSpaceDriver::HardwareReadProcEntry(const MIDIPacketList*, void*, void*) {}
+
+// Whatever goes wrong, the next tick asks again.
+void CVEK_UserSpaceDriver::RequestKRTStatus() {
+    CFDataRef reply = nullptr;
+    SendMessage(kStus, nullptr, 0, true, &reply);
+    if (reply == nullptr) {
+        return;
+    }
+    const CFIndex length = CFDataGetLength(reply);
+    if (length >= kStatusSize) {
+        unsigned char status[kStatusSize];
+        CFDataGetBytes(reply, CFRangeMake(0, kStatusSize), status);
+        SetKRTStatus(status);
+    } else if (length > 0) {
+        syslog(LOG_EMERG, "controller status ignored: reply of %ld bytes, %ld are needed\n", length,
+               kStatusSize);
+    }
+    CFRelease(reply);
+}
+
+// The words after the first two carry nothing that this driver keeps.
+void CVEK_UserSpaceDriver::SetKRTStatus(const unsigned char* reply) {
+    statusReserved = 0;
+    unitCount = static_cast<unsigned short>(UFromBuffer::GetLong(reply));
+    channelCount = static_cast<unsigned short>(UFromBuffer::GetLong(reply + 4));
+    statusValid = true;
+}
+
+bool CVEK_UserSpaceDriver::RequestConnectState() {
+    return connectState;
+}
+
+unsigned short CVEK_UserSpaceDriver::GetUnitCount() {
+    return sSelf != nullptr && sSelf->statusValid ? sSelf->unitCount : 0;
+}
+
+unsigned short CVEK_UserSpaceDriver::GetChannelCount() {
+    return sSelf != nullptr && sSelf->statusValid ? sSelf->channelCount : 0;
+}

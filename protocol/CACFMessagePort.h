@@ -1,0 +1,46 @@
+// Owners of the two message ports: the one this process listens on and the companion's.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+class CACFLocalMessagePort {
+  public:
+    // A port that cannot be made leaves the object without port and without source.
+    CACFLocalMessagePort(CFStringRef name, CFMessagePortCallBack callback,
+                         CFMessagePortInvalidationCallBack invalidated, void* info);
+    virtual ~CACFLocalMessagePort();  // invalidates the port
+    CACFLocalMessagePort(const CACFLocalMessagePort&) = delete;
+    CACFLocalMessagePort& operator=(const CACFLocalMessagePort&) = delete;
+
+    CFRunLoopSourceRef GetRunLoopSource() const { return source_; }  // not retained for the caller
+
+    // Whether the port was made; it does not ask whether it has been invalidated since.
+    bool IsValid() const { return port_ != nullptr; }
+
+  private:
+    CFMessagePortRef port_ = nullptr;
+    CFRunLoopSourceRef source_ = nullptr;
+};
+
+class CACFRemoteMessagePort {
+  public:
+    // A port that does not exist leaves the object without port and without source.
+    CACFRemoteMessagePort(CFStringRef name, CFMessagePortInvalidationCallBack invalidated);
+    virtual ~CACFRemoteMessagePort();  // releases the port without invalidating it
+    CACFRemoteMessagePort(const CACFRemoteMessagePort&) = delete;
+    CACFRemoteMessagePort& operator=(const CACFRemoteMessagePort&) = delete;
+
+    // Whether the port existed at construction; it does not ask whether it still does.
+    bool IsValid() const { return port_ != nullptr; }
+
+    // The status of CFMessagePortSendRequest unchanged. Time-outs are seconds. On success with a
+    // reply mode `reply` belongs to the caller.
+    SInt32 SendRequest(SInt32 msgid, CFDataRef data, double sendTimeout, double receiveTimeout,
+                       CFStringRef replyMode, CFDataRef& reply) const;
+    SInt32 SendRequest(SInt32 msgid, CFDataRef data, double sendTimeout,
+                       double receiveTimeout) const;
+
+  private:
+    CFMessagePortRef port_ = nullptr;
+    CFRunLoopSourceRef source_ = nullptr;  // never added to a run loop
+};

@@ -1,0 +1,51 @@
+// The base of every message record and the forms its fields take on the wire.
+//
+// A record holds its values as members, writes them with Serialize() into bytes that it owns, and
+// reads them back with Deserialize(). Every record also answers, by a static CompleteSize(bytes,
+// length), how many of the given bytes one complete record takes, and nothing when the bytes do not
+// hold one: Deserialize() knows no length, so only bytes that CompleteSize() accepted may reach it.
+#pragma once
+
+#include <string>
+
+class SMessageSpec {
+  public:
+    // The order of the virtual operations is the family's, shared with the companion.
+    virtual ~SMessageSpec();
+
+    // The record's own bytes, SerialBufferSize() of them: valid until the record changes or dies.
+    // Null from a record that is only ever read.
+    virtual unsigned char* Serialize() = 0;
+
+    virtual void Deserialize(const unsigned char* src) = 0;
+
+    virtual unsigned int SerialBufferSize();  // bytes
+
+    // Each writer answers the number of bytes written and each reader the number consumed. None
+    // knows the end of either buffer: the caller sizes them.
+
+    // 4 bytes, least significant first.
+    static unsigned int SerializeField(unsigned int value, unsigned char* dst);
+    static unsigned int DeserializeField(const unsigned char* src, unsigned int* value);
+
+    // The string's bytes and one 0 byte. Reading stops after the first 0 byte.
+    static unsigned int SerializeStringField(const std::string& s, unsigned char* dst);
+    static unsigned int DeserializeStringField(const unsigned char* src, std::string& s);
+    static unsigned int SerializeStringField(const char* s, unsigned char* dst);
+    static unsigned int DeserializeStringField(const unsigned char* src, char* s);
+
+    // `count` UTF-16 units, low byte first; neither terminator nor length travels with them.
+    static unsigned int SerializeStringField(const unsigned short* chars, unsigned int count,
+                                             unsigned char* dst);
+    static unsigned int DeserializeStringField(const unsigned char* src, unsigned short* chars,
+                                               unsigned int count);
+
+  protected:
+    explicit SMessageSpec(unsigned int size) : serialSize(size) {}
+    SMessageSpec(const SMessageSpec&) = default;
+    SMessageSpec(SMessageSpec&&) = default;
+    SMessageSpec& operator=(const SMessageSpec&) = default;
+    SMessageSpec& operator=(SMessageSpec&&) = default;
+
+    unsigned int serialSize;  // bytes that Serialize() produces; every record sets it
+};

@@ -1,0 +1,29 @@
+// The one way out to the companion.
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <syslog.h>
+
+#include "driver/CVEK_UserSpaceDriver.h"
+#include "driver/OwnedReference.h"
+
+namespace {
+
+constexpr SInt32 kNoCompanion = -2;
+constexpr double kPatience = 0.01;  // seconds, for sending and for the reply each
+
+}  // namespace
+
+SInt32 CVEK_UserSpaceDriver::SendMessage(int msgid, unsigned char* bytes, unsigned long long length,
+                                         bool wantReply, CFDataRef* reply) {
+    if (remotePort == nullptr || !remotePort->IsValid()) {
+        syslog(LOG_EMERG, "SendMessage no remote port (%p) or remote port invalid",
+               static_cast<void*>(remotePort));
+        return kNoCompanion;
+    }
+    const OwnedReference<CFDataRef> data(
+        CFDataCreate(kCFAllocatorDefault, bytes, static_cast<CFIndex>(length)));
+    return wantReply && reply != nullptr
+               ? remotePort->SendRequest(msgid, data.get(), kPatience, kPatience,
+                                         kCFRunLoopDefaultMode, *reply)
+               : remotePort->SendRequest(msgid, data.get(), kPatience, 0.0);
+}

@@ -1,0 +1,142 @@
+// The table of the companion's requests, and the message port's callback that works from it.
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <syslog.h>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <type_traits>
+
+#include "driver/CVEK_UserSpaceDriver.h"
+#include "protocol/MessageCodes.h"
+#include "protocol/RequestOperations.h"
+#include "protocol/ServerSpec.h"
+
+namespace {
+
+// What is asked of a body before it is looked at. A request that its guard stops is ignored without
+// a word.
+enum class Guard {
+    kNone,
+    kNonEmpty,
+    kPresentNonEmpty,
+};
+
+struct Request {
+    SInt32 code;
+    Guard guard;
+    unsigned int smallestBody;  // bytes
+    std::optional<std::size_t> (*completeSize)(const unsigned char* bytes, std::size_t length);
+    CFDataRef (*serve)(CVEK_UserSpaceDriver& driver, const unsigned char* completeBody);
+};
+
+template <class Body, auto operation, class Reply>
+CFDataRef Serve(CVEK_UserSpaceDriver& driver, const unsigned char* completeBody) {
+    Body body;
+    body.Deserialize(completeBody);
+    if constexpr (std::is_void_v<Reply>) {
+        operation(driver, body);
+        return nullptr;
+    } else {
+        std::optional<Reply> reply = operation(driver, body);
+        return reply ? CFDataCreate(kCFAllocatorDefault, reply->Serialize(),
+                                    static_cast<CFIndex>(reply->SerialBufferSize()))
+                     : nullptr;
+    }
+}
+
+template <SInt32 code, Guard guard, class Body, auto operation, class Reply>
+constexpr Request Row = {code, guard, Body::kSmallestSize, &Body::CompleteSize,
+                         &Serve<Body, operation, Reply>};
+
+using Do = RequestOperations;
+using NoReply = void;
+
+// The guard 'JGRV' lacks is not forgotten: of the requests that name an element it alone has none.
+// 'JSIS', 'JSRV', 'JTWP' and 'JWiP' have none either, so an empty body is one cut short.
+// clang-format off
+constexpr Request kRequests[] = {
+    //  code   guard                    body                      operation                       reply
+    Row<kJAcF, Guard::kNonEmpty,        SThreeIntSpec,            &Do::RefreshAndObserve,         NoReply>,
+    Row<kJBtP, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::PressButton,               NoReply>,
+    Row<kJCPK, Guard::kNonEmpty,        SSendKeystrokeSpec,       &Do::PostKeystroke,             NoReply>,
+    Row<kJEPp, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::ParentPosition,            SPointSpec>,
+    Row<kJESI, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::TextAsNumber,              SOneIntSpec>,
+    Row<kJElP, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::Position,                  SPointSpec>,
+    Row<kJElV, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::Value,                     SOneIntSpec>,
+    Row<kJGRV, Guard::kNone,            ElementIdentifier,        &Do::SelectedRadioButton,       SOneIntSpec>,
+    Row<kJGlM, Guard::kNone,            NoBody,                   &Do::PointerPosition,           SPointSpec>,
+    Row<kJObE, Guard::kNone,            NoBody,                   &Do::ObserveClipSelection,      NoReply>,
+    Row<kJObT, Guard::kNone,            NoBody,                   &Do::ObserveTimelineTimecode,   NoReply>,
+    Row<kJPMC, Guard::kNonEmpty,        SSendMouseSpec,           &Do::ContinueMouseGesture,      NoReply>,
+    Row<kJPME, Guard::kNonEmpty,        SSendMouseSpec,           &Do::EndMouseGesture,           NoReply>,
+    Row<kJPMS, Guard::kNonEmpty,        SSendMouseSpec,           &Do::StartMouseGesture,         NoReply>,
+    Row<kJPth, Guard::kNone,            NoBody,                   &Do::DoNothing,                 NoReply>,
+    Row<kJSIS, Guard::kNone,            STwoIntSpec,              &Do::SetNumberAsText,           NoReply>,
+    Row<kJSRV, Guard::kNone,            STwoIntSpec,              &Do::SelectRadioButton,         NoReply>,
+    Row<kJStO, Guard::kNone,            NoBody,                   &Do::StopObserving,             NoReply>,
+    Row<kJTWP, Guard::kNone,            STargetWindowRequestSpec, &Do::TargetWindowFrame,         STargetPointSizeSpec>,
+    Row<kJWiP, Guard::kNone,            SWindowRequestSpec,       &Do::WindowFrame,               SPointSizeSpec>,
+    Row<kJXRs, Guard::kNone,            NoBody,                   &Do::ForgetElementsAndClipName, NoReply>,
+};
+// clang-format on
+
+// The port's data ends with the callback; a copy of our own lasts for the whole operation.
+class BodyCopy {
+  public:
+    explicit BodyCopy(CFDataRef data) {
+        const CFIndex length = data == nullptr ? 0 : CFDataGetLength(data);
+        if (length > 0) {
+            length_ = static_cast<std::size_t>(length);
+            bytes_ = std::make_unique<unsigned char[]>(length_);
+            CFDataGetBytes(data, CFRangeMake(0, length), bytes_.get());
+        }
+    }
+
+    const unsigned char* Bytes() const { return bytes_.get(); }
+    std::size_t Length() const { return length_; }
+
+  private:
+    std::unique_ptr<unsigned char[]> bytes_;
+    std::size_t length_ = 0;
+};
+
+void LogIncompleteBody(const Request& request, std::size_t length) {
+    const auto character = [&request](int shift) { return request.code >> shift & 0xFF; };
+    syslog(LOG_EMERG,
+           "request '%c%c%c%c' refused: its body of %zu bytes is not one complete record (at least "
+           "%u bytes)\n",
+           character(24), character(16), character(8), character(0), length, request.smallestBody);
+}
+
+}  // namespace
+
+CFDataRef CVEK_UserSpaceDriver::MessageCallbackEntry(CFMessagePortRef port, SInt32 msgid,
+                                                     CFDataRef data, void* info) {
+    return sSelf == nullptr ? nullptr : sSelf->MessageCallback(port, msgid, data, info);
+}
+
+CFDataRef CVEK_UserSpaceDriver::MessageCallback(CFMessagePortRef, SInt32 msgid, CFDataRef data,
+                                                void*) {
+    [[maybe_unused]] const SServerSpec envelope;  // the family's envelope; requests come without it
+    const BodyCopy body(data);
+    const auto* const request =
+        std::find_if(std::begin(kRequests), std::end(kRequests),
+                     [msgid](const Request& candidate) { return candidate.code == msgid; });
+    if (request == std::end(kRequests)) {
+        syslog(LOG_EMERG, "%s - message not handled\n",
+               "CFDataRef CVEK_UserSpaceDriver::MessageCallback(CFMessagePortRef, SInt32, "
+               "CFDataRef, void *)");
+        return nullptr;
+    }
+    if (request->guard != Guard::kNone && body.Length() == 0) {
+        return nullptr;
+    }
+    if (!request->completeSize(body.Bytes(), body.Length())) {
+        LogIncompleteBody(*request, body.Length());
+        return nullptr;
+    }
+    return request->serve(*this, body.Bytes());
+}

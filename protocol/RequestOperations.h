@@ -1,0 +1,76 @@
+// What each request of the companion does, given its decoded body.
+//
+// An operation without reply answers nothing; the others answer their reply record, or nothing when
+// they fail: a failure gets no reply, never a record that says so.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <cstddef>
+#include <optional>
+
+#include "driver/CVEK_UserSpaceDriver.h"
+#include "driver/OwnedReference.h"
+#include "protocol/GeometryRecords.h"
+#include "protocol/InputRecords.h"
+#include "protocol/IntegerRecords.h"
+#include "protocol/TargetWindowRequestSpec.h"
+#include "protocol/WindowRequestSpec.h"
+
+// The body of a request that names one element: its number, 4 bytes in host order, as the string
+// under which the editing application knows it.
+class ElementIdentifier {
+  public:
+    static constexpr unsigned int kSmallestSize = 4;  // bytes, and also the largest
+
+    ElementIdentifier() = default;
+    explicit ElementIdentifier(unsigned int number);  // zero-extended: never negative in the string
+
+    static std::optional<std::size_t> CompleteSize(const unsigned char* bytes, std::size_t length);
+    void Deserialize(const unsigned char* src);
+
+    CFStringRef Text() const { return text_.get(); }
+
+  private:
+    OwnedReference<CFStringRef> text_;
+};
+
+// The body of a request that needs none; one that comes with it is not looked at.
+struct NoBody {
+    static constexpr unsigned int kSmallestSize = 0;
+    static std::optional<std::size_t> CompleteSize(const unsigned char*, std::size_t) { return 0; }
+    void Deserialize(const unsigned char*) {}
+};
+
+struct RequestOperations {
+    using Driver = CVEK_UserSpaceDriver;
+
+    static void RefreshAndObserve(Driver& driver, const SThreeIntSpec& request);
+    static void ObserveClipSelection(Driver& driver, const NoBody&);
+    static void ObserveTimelineTimecode(Driver& driver, const NoBody&);
+    static void StopObserving(Driver& driver, const NoBody&);
+    static void ForgetElementsAndClipName(Driver& driver, const NoBody&);
+    static void DoNothing(Driver& driver, const NoBody&);
+
+    static void PressButton(Driver& driver, const ElementIdentifier& element);
+    static void SetNumberAsText(Driver& driver, const STwoIntSpec& request);
+    static void SelectRadioButton(Driver& driver, const STwoIntSpec& request);
+    static std::optional<SOneIntSpec> Value(Driver& driver, const ElementIdentifier& element);
+    static std::optional<SOneIntSpec> TextAsNumber(Driver& driver,
+                                                   const ElementIdentifier& element);
+    static std::optional<SOneIntSpec> SelectedRadioButton(Driver& driver,
+                                                          const ElementIdentifier& element);
+    static std::optional<SPointSpec> Position(Driver& driver, const ElementIdentifier& element);
+    static std::optional<SPointSpec> ParentPosition(Driver& driver,
+                                                    const ElementIdentifier& element);
+
+    static void PostKeystroke(Driver& driver, const SSendKeystrokeSpec& request);
+    static void StartMouseGesture(Driver& driver, const SSendMouseSpec& request);
+    static void ContinueMouseGesture(Driver& driver, const SSendMouseSpec& request);
+    static void EndMouseGesture(Driver& driver, const SSendMouseSpec& request);
+    static std::optional<SPointSpec> PointerPosition(Driver& driver, const NoBody&);
+
+    static std::optional<SPointSizeSpec> WindowFrame(Driver& driver, SWindowRequestSpec& request);
+    static std::optional<STargetPointSizeSpec> TargetWindowFrame(Driver& driver,
+                                                                 STargetWindowRequestSpec& request);
+};

@@ -1,0 +1,47 @@
+// The request for the frame of the first open window among candidates.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "protocol/MessageSpec.h"
+#include "workspace/VEK_Driver_TargetWindowInfo.h"
+
+struct STargetWindowRequestSpec : SMessageSpec {
+    static constexpr unsigned int kSmallestSize = 4;  // bytes: no candidate
+
+    // Candidates that are read from one body, far more than any application has windows. Each takes
+    // over 4 KB in memory and as little as 25 bytes on the wire, and each is compared with every
+    // window: without this bound one large body could take gigabytes and keep the driver busy for
+    // many seconds.
+    static constexpr unsigned int kMostTargets = 16384;
+
+    STargetWindowRequestSpec();
+
+    // Copies the candidates.
+    STargetWindowRequestSpec(const VEK_Driver_TargetWindowInfo* infos, unsigned int count);
+
+    // Also nothing for more than kMostTargets candidates, and for a name that does not fit its
+    // place in memory: at most 255 bytes, and 1,024 UTF-16 units.
+    static std::optional<std::size_t> CompleteSize(const unsigned char* bytes, std::size_t length);
+
+    // Bytes of one candidate, the second name's own bytes left out: see SerialBufferSize().
+    static unsigned int CalcInfoFieldSize(const VEK_Driver_TargetWindowInfo& info);
+
+    unsigned char* Serialize() override;
+    void Deserialize(const unsigned char* src) override;
+
+    // Not the sum of the fields: each candidate adds the sizes of all candidates up to itself. With
+    // several candidates that is more than the fields take, and the surplus, which holds the
+    // uncounted second names, travels as zeros. A lone second name can still lie beyond this size;
+    // Serialize() has room for it all the same.
+    unsigned int SerialBufferSize() override;
+
+    std::vector<VEK_Driver_TargetWindowInfo> targets;
+
+  private:
+    unsigned int StoredSize() const;
+
+    std::vector<unsigned char> buffer_;
+};
