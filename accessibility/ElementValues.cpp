@@ -1,0 +1,65 @@
+// Siblings in an array of elements, and the values of one element.
+#include "accessibility/ElementAttributes.h"
+#include "accessibility/VEK_C_AXUtils.h"
+#include "driver/OwnedReference.h"
+
+namespace {
+
+bool HasText(AXUIElementRef element, CFStringRef attribute, CFStringRef text) {
+    return SameText(CopyStringAttribute(element, attribute).get(), text);
+}
+
+}  // namespace
+
+AXUIElementRef VEK_C_AXUtils::CopySibling(CFArrayRef children, CFStringRef role,
+                                          CFStringRef description) {
+    for (CFIndex index = 0; index < CountOf(children); ++index) {
+        AXUIElementRef element = ElementAt(children, index);
+        if (HasText(element, kAXRoleAttribute, role) &&
+            HasText(element, kAXDescriptionAttribute, description)) {
+            return Retained(element).release();
+        }
+    }
+    return nullptr;
+}
+
+AXUIElementRef VEK_C_AXUtils::CopySibling(CFArrayRef children, CFStringRef role) {
+    for (CFIndex index = 0; index < CountOf(children); ++index) {
+        AXUIElementRef element = ElementAt(children, index);
+        if (HasText(element, kAXRoleAttribute, role)) {
+            return element;
+        }
+    }
+    return nullptr;
+}
+
+// Only numeric values count: a text is not converted, even one that consists of digits.
+SInt32 VEK_C_AXUtils::IntegerValueForElement(AXUIElementRef element, CFStringRef /*tag*/) {
+    OwnedReference<CFNumberRef> value = CopyNumberAttribute(element, kAXValueAttribute);
+    return value ? SInt32Value(value.get()) : 0;
+}
+
+CFStringRef VEK_C_AXUtils::CopyStringValueForElement(AXUIElementRef element) {
+    return CopyStringAttribute(element, kAXValueAttribute).release();
+}
+
+// A text field takes over a new value only when it is confirmed.
+bool VEK_C_AXUtils::SetStringValueForElement(AXUIElementRef element, CFStringRef text) {
+    return AXUIElementSetAttributeValue(element, kAXValueAttribute, text) == kAXErrorSuccess &&
+           AXUIElementPerformAction(element, kAXConfirmAction) == kAXErrorSuccess;
+}
+
+CFStringRef VEK_C_AXUtils::CopyValueDescriptionForElement(AXUIElementRef element) {
+    return CopyStringAttribute(element, kAXValueDescriptionAttribute).release();
+}
+
+CFStringRef VEK_C_AXUtils::CopyDescriptionForElement(AXUIElementRef element) {
+    return CopyStringAttribute(element, kAXDescriptionAttribute).release();
+}
+
+// The query fails for a destroyed element; whether the attribute is settable does not matter.
+bool VEK_C_AXUtils::ElementIsValid(AXUIElementRef element) {
+    Boolean settable = false;
+    return AXUIElementIsAttributeSettable(element, kAXIdentifierAttribute, &settable) ==
+           kAXErrorSuccess;
+}

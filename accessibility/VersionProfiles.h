@@ -1,0 +1,33 @@
+// What differs between the releases of the editing application.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+// The editing application, compared exactly.
+#define kVEK_FCPX_BundleID CFSTR("com.apple.FinalCut")
+
+// Handed along with look-ups of the timeline-index toggle; decides nothing.
+#define kVEK_FCPX_ToggleTimelineIndexButtonID CFSTR("_TTIB")
+
+// Rows of the profile table, named by the first release of each.
+enum FCPXProfile {
+    kProfile10_1 = 0,
+    kProfile10_2 = 1,
+    kProfile10_3 = 2,
+    kProfile10_3_4 = 3,
+    kProfile10_4 = 4,
+    kProfile10_4_5 = 5,  // and any other release
+};
+
+// Columns of the profile table. Column 2 is carried and read by nothing.
+enum FCPXControl {
+    kTimelineIndexToggle = 0,  // AXRadioGroup before 10.3, AXCheckBox since
+    kClipTable = 1,            // AXTable, there while the timeline index is visible
+    kTimecodeArea = 3,         // AXLayoutArea with the playhead
+    kFirstClipName = 4,        // AXStaticText
+    kSecondClipName = 5,       // AXStaticText
+};
+
+// The identifier in that row and column (FCPXControl) of the table; a row that the table does not
+// have counts as the last. Borrowed and immortal.
+CFStringRef FCPXIdentifier(int profile, int column);

@@ -1,0 +1,29 @@
+// What is known of the front application. All of it belongs to the one front-application observer
+// of the process; main thread only.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <sys/types.h>
+
+#ifdef __OBJC__
+@class NSString;
+#else
+class NSString;
+#endif
+
+void CFWorkspace_StartObservingFrontApplication();
+
+UInt32 CFWorkspace_FrontApplicationSignature();
+
+// True, and *out borrowed, when there is one; else false, and *out untouched.
+bool CFWorkspace_FrontApplicationBundleID(CFStringRef* out);
+bool CFWorkspace_FrontApplicationShortVersion(CFStringRef* out);
+
+// True once after each change of the front application; else false, and nothing written.
+bool CFWorkspace_ChangedFrontApplicationSignatureAndID(UInt32* signature, NSString** bundleID);
+
+// *bundleID is autoreleased, and nil when the front application has none.
+void CFWorkspace_CurrentFrontApplicationSignatureAndID(UInt32* signature, NSString** bundleID);
+
+pid_t CFWorkspace_CurrentFrontApplicationPID();

@@ -1,0 +1,32 @@
+// Keeps what is known of the front application, from the workspace's activation notifications.
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <CoreServices/CoreServices.h>
+
+@interface VEK_Driver_FrontAppObserver : NSObject {
+    NSString* _bundleID;
+    NSString* _shortVersion;
+    OSType _signature;
+    void (*_callback)();
+    BOOL _frontAppChanged;
+    pid_t _processID;
+}
+
+// nil when the front application has none.
+@property(nonatomic, retain) NSString* bundleID;
+@property(nonatomic, retain) NSString* shortVersion;
+@property(assign) OSType signature;                 // '????' when unknown
+@property(nonatomic, assign) void (*callback)();    // stored and answered, never called
+@property(nonatomic, assign) BOOL frontAppChanged;  // set by a change, cleared by who reads it
+@property(nonatomic, assign) pid_t processID;
+
+// The single instance.
++ (VEK_Driver_FrontAppObserver*)frontAppObserver;
+
+- (void)observe;
+- (void)newFrontApp:(NSNotification*)notification;
+- (void)collectFrontAppInfo:(NSRunningApplication*)app;
+
+@end

@@ -1,0 +1,29 @@
+#include "driver/CVEK_UserSpaceDriver.h"
+#include "workspace/WindowAttributes.h"
+
+// Both outputs are written, or neither.
+bool CVEK_UserSpaceDriver::GetPosAndSizeForWindowElement(AXUIElementRef window, CGPoint& position,
+                                                         CGSize& size) {
+    CGPoint readPosition;
+    CGSize readSize;
+    if (!CopyWindowGeometry(window, kAXPositionAttribute, kAXValueTypeCGPoint, &readPosition) ||
+        !CopyWindowGeometry(window, kAXSizeAttribute, kAXValueTypeCGSize, &readSize)) {
+        return false;
+    }
+    position = readPosition;
+    size = readSize;
+    return true;
+}
+
+// The frame is not reported for a window that could not be made the main one.
+bool CVEK_UserSpaceDriver::GetPosAndSizeForWindowName(std::string& name, bool partial,
+                                                      CGPoint& position, CGSize& size) {
+    AXUIElementRef window = GetWindowElementWithTitle(name, partial);
+    if (window == nullptr) {
+        return false;
+    }
+    if (AXUIElementSetAttributeValue(window, kAXMainAttribute, kCFBooleanTrue) != kAXErrorSuccess) {
+        return false;
+    }
+    return GetPosAndSizeForWindowElement(window, position, size);
+}
