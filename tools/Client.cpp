@@ -1,0 +1,33 @@
+#include "tools/Client.h"
+
+namespace krt9ctl {
+
+CFStringRef ReplyMode() {
+    return CFSTR("krt9ctl.reply");
+}
+
+Answer Client::Send(const Request& request) {
+    if (!port_) {
+        port_.reset(CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR("KRT9Background")));
+    }
+    if (!port_) {
+        return {kPortMissing, {}};
+    }
+    Reference<CFDataRef> body;
+    if (!request.body.empty()) {
+        body.reset(CFDataCreate(kCFAllocatorDefault, request.body.data(),
+                                static_cast<CFIndex>(request.body.size())));
+    }
+    CFDataRef received = nullptr;
+    const SInt32 status = CFMessagePortSendRequest(port_.get(), request.code, body.get(), timeout_,
+                                                   timeout_, ReplyMode(), &received);
+    const Reference<CFDataRef> reply(received);
+    Answer answer{status, {}};
+    if (reply) {
+        const UInt8* bytes = CFDataGetBytePtr(reply.get());
+        answer.reply.assign(bytes, bytes + CFDataGetLength(reply.get()));
+    }
+    return answer;
+}
+
+}  // namespace krt9ctl

@@ -1,0 +1,30 @@
+// The way to the driver's message port.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include "tools/Delivery.h"
+#include "tools/Reference.h"
+#include "tools/Request.h"
+
+namespace krt9ctl {
+
+// The run loop runs in this mode while a reply is awaited. A mode of its own: nothing else that is
+// scheduled in the process runs meanwhile.
+CFStringRef ReplyMode();
+
+class Client {
+  public:
+    // `timeout` in seconds, for sending and once more for the reply.
+    explicit Client(double timeout) : timeout_(timeout) {}
+
+    // Waits for the answer, which every request gets: nothing is an answer too. The port is looked
+    // up with the first request.
+    Answer Send(const Request& request);
+
+  private:
+    double timeout_;
+    Reference<CFMessagePortRef> port_;
+};
+
+}  // namespace krt9ctl

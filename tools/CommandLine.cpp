@@ -1,0 +1,197 @@
+#include "tools/CommandLine.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <map>
+
+#include "tools/Text.h"
+#include "tools/Version.h"
+
+namespace krt9ctl {
+
+namespace {
+
+constexpr char kCommonOptions[] =
+    "Every verb takes --json and --timeout SECONDS; see krt9ctl --help, exit codes too.";
+
+// One parameter as the library holds it.
+struct BoundOption {
+    const Parameter* parameter;
+    const CLI::Option* option;
+};
+
+struct BoundVerb {
+    const Verb* verb;
+    const CLI::App* command;
+    std::vector<BoundOption> options;
+};
+
+// The library's own conversions give some texts a meaning of their own ("{}"); the words are taken
+// from the option as they were typed instead.
+CLI::callback_t KeepAsTyped() {
+    return [](const CLI::results_t&) { return true; };
+}
+
+// The library takes a word in square brackets for a list; a mark before it keeps it a word.
+constexpr char kWordMark = '\x1F';
+
+std::string Marked(const std::string& word) {
+    const bool needsMark = word.starts_with('[') || word.starts_with(kWordMark);
+    return needsMark ? kWordMark + word : word;
+}
+
+std::vector<std::string> Unmarked(std::vector<std::string> words) {
+    for (std::string& word : words) {
+        word.erase(0, word.starts_with(kWordMark) ? 1 : 0);
+    }
+    return words;
+}
+
+CLI::Option* AddParameter(CLI::App& command, const Parameter& parameter) {
+    const std::string name(parameter.name);
+    const std::string help(parameter.help);
+    if (parameter.kind == ValueKind::flag) {
+        return command.add_flag(name, help);
+    }
+    CLI::Option* option = command.add_option(name, KeepAsTyped(), help);
+    const bool byPlace = !parameter.name.starts_with("--");
+    option->type_name(std::string(parameter.placeholder));
+    option->required(byPlace && parameter.presence != Presence::optional);
+    const bool isRepeated = parameter.presence == Presence::repeated;
+    option->expected(1, isRepeated ? CLI::detail::expected_max_vector_size : 1);
+    option->allow_extra_args(isRepeated);
+    return option;
+}
+
+std::string VerbFooter(const Verb& verb) {
+    std::string footer;
+    if (!verb.detail.empty()) {
+        footer += fmt::format("{}\n", verb.detail);
+    }
+    if (!verb.requests.empty()) {
+        footer += fmt::format("Request: {}\n", verb.requests);
+    }
+    return footer + fmt::format("Example: {}\n{}", verb.example, kCommonOptions);
+}
+
+class Parser {
+  public:
+    explicit Parser(const Grammar& grammar);
+    std::variant<Invocation, Information> Parse(std::vector<std::string> words);
+
+  private:
+    CLI::App* ParentOf(const Verb& verb);
+    void AddVerb(const Verb& verb);
+    const BoundVerb* ParsedVerb() const;  // null when none was named
+    std::string MissingVerb() const;
+    Invocation Chosen() const;
+
+    const Grammar& grammar_;
+    CLI::App app_{"Talks to the KRT9 background driver.", "krt9ctl"};
+    std::map<std::string, CLI::App*> groups_;
+    std::vector<BoundVerb> verbs_;
+    std::map<std::string_view, const CLI::Option*> common_;
+};
+
+Parser::Parser(const Grammar& grammar) : grammar_(grammar) {
+    app_.fallthrough();
+    app_.require_subcommand(1);
+    app_.set_help_flag("-h,--help", "print this help and leave");
+    app_.set_version_flag("--version", fmt::format("krt9ctl {}", kVersion),
+                          "print the version and leave");
+    for (const Parameter& option : CommonOptions()) {
+        common_[option.name] = AddParameter(app_, option);
+    }
+    app_.footer(ExitCodeHelp());
+    for (const Verb& verb : grammar.verbs) {
+        AddVerb(verb);
+    }
+}
+
+// The command under which the verb's last word stands, made when it is the first of its group.
+CLI::App* Parser::ParentOf(const Verb& verb) {
+    const std::size_t blank = verb.name.find(' ');
+    if (blank == std::string_view::npos) {
+        return &app_;
+    }
+    const std::string name(verb.name.substr(0, blank));
+    if (const auto known = groups_.find(name); known != groups_.end()) {
+        return known->second;
+    }
+    const auto group = std::find_if(grammar_.groups.begin(), grammar_.groups.end(),
+                                    [&name](const VerbGroup& each) { return each.name == name; });
+    CLI::App* command = app_.add_subcommand(name, std::string(group->summary));
+    command->require_subcommand(1);
+    command->footer(kCommonOptions);
+    groups_[name] = command;
+    return command;
+}
+
+void Parser::AddVerb(const Verb& verb) {
+    const std::string lastWord(verb.name.substr(verb.name.find(' ') + 1));
+    CLI::App* command = ParentOf(verb)->add_subcommand(lastWord, std::string(verb.summary));
+    command->require_subcommand(0);
+    command->footer(VerbFooter(verb));
+    BoundVerb bound{&verb, command, {}};
+    for (const Parameter& parameter : verb.parameters) {
+        bound.options.push_back({&parameter, AddParameter(*command, parameter)});
+    }
+    verbs_.push_back(std::move(bound));
+}
+
+const BoundVerb* Parser::ParsedVerb() const {
+    const auto bound = std::find_if(verbs_.begin(), verbs_.end(),
+                                    [](const BoundVerb& each) { return each.command->parsed(); });
+    return bound == verbs_.end() ? nullptr : &*bound;
+}
+
+std::string Parser::MissingVerb() const {
+    const auto words = Unmarked(app_.remaining(true));
+    return words.empty() ? "a verb is missing"
+                         : fmt::format("'{}' is no verb", Printable(words.front()));
+}
+
+Invocation Parser::Chosen() const {
+    const BoundVerb* bound = ParsedVerb();
+    if (bound == nullptr) {
+        throw UsageError(MissingVerb());
+    }
+    Invocation invocation;
+    invocation.verb = bound->verb;
+    invocation.json = common_.at("--json")->count() > 0;
+    if (const CLI::Option* timeout = common_.at("--timeout"); timeout->count() > 0) {
+        invocation.timeout = ParseSeconds("--timeout", Unmarked(timeout->results()).back());
+    }
+    for (const auto& [parameter, option] : bound->options) {
+        if (option->count() > 0) {
+            invocation.given[parameter->name] = Unmarked(option->results());
+        }
+    }
+    return invocation;
+}
+
+std::variant<Invocation, Information> Parser::Parse(std::vector<std::string> words) {
+    std::transform(words.begin(), words.end(), words.begin(), Marked);
+    std::reverse(words.begin(), words.end());  // as the library wants them
+    try {
+        app_.parse(std::move(words));
+    } catch (const CLI::CallForHelp&) {
+        return Information{app_.help()};
+    } catch (const CLI::CallForVersion& version) {
+        return Information{fmt::format("{}\n", version.what())};
+    } catch (const CLI::ParseError& error) {
+        throw UsageError(ParsedVerb() != nullptr ? Printable(error.what()) : MissingVerb());
+    }
+    return Chosen();
+}
+
+}  // namespace
+
+std::variant<Invocation, Information> ParseCommandLine(const Grammar& grammar,
+                                                       std::vector<std::string> words) {
+    return Parser(grammar).Parse(std::move(words));
+}
+
+}  // namespace krt9ctl

@@ -1,0 +1,110 @@
+#include "tools/CompanionMessage.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "protocol/ByteBuffers.h"
+#include "protocol/MessageCodes.h"
+#include "tools/Text.h"
+
+namespace krt9ctl {
+
+namespace {
+
+struct MessageRow {
+    MessageCode code;
+    std::string_view meaning;
+    bool hasText;
+};
+
+constexpr std::array kMessages{
+    MessageRow{kStus, "status query", false},
+    MessageRow{kJSLg, "language", true},
+    MessageRow{kJFSC, "clip", true},
+    MessageRow{kJFTC, "timecode", true},
+};
+
+// On a terminal; JSON holds every byte.
+constexpr std::size_t kMostBytesShown = 64;
+
+const MessageRow* FindMessage(MessageCode code) {
+    for (const MessageRow& row : kMessages) {
+        if (row.code == code) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+// Nothing unless the body is one text with its terminator and no more.
+std::optional<std::string> TextOf(const Bytes& body) {
+    if (body.empty() || std::find(body.begin(), body.end(), 0) != body.end() - 1) {
+        return std::nullopt;
+    }
+    return FromSystemEncoding(std::span(body).first(body.size() - 1));
+}
+
+std::string ShownBytes(const Bytes& body) {
+    const auto shown = std::span(body).first(std::min(body.size(), kMostBytesShown));
+    return fmt::format("{} bytes {}{}", body.size(), FormatHex(shown),
+                       shown.size() < body.size() ? "..." : "");
+}
+
+long Milliseconds(std::chrono::system_clock::time_point time) {
+    const auto sinceEpoch = time.time_since_epoch();
+    return static_cast<long>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(sinceEpoch).count() % 1000);
+}
+
+}  // namespace
+
+Bytes StatusReply(const ControllerStatus& status) {
+    const std::array<std::uint32_t, 7> words{status.units, status.channels};
+    Bytes reply(words.size() * 4);
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        UToBuffer::StoreLong(words[i], reply.data() + i * 4);
+    }
+    return reply;
+}
+
+Json MessageObject(const CompanionMessage& message) {
+    const auto time = std::chrono::system_clock::to_time_t(message.time);
+    Json object{{"time", fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", fmt::gmtime(time),
+                                     Milliseconds(message.time))},
+                {"code", FormatCode(message.code)}};
+    const MessageRow* row = FindMessage(message.code);
+    const auto text = row != nullptr && row->hasText ? TextOf(message.body) : std::nullopt;
+    if (text) {
+        object["text"] = *text;
+    } else if (row != nullptr && (row->hasText || !message.body.empty())) {
+        object["body"] = FormatHex(message.body);
+        object["malformed"] = true;
+    } else if (row == nullptr) {
+        object["body"] = FormatHex(message.body);
+    }
+    return object;
+}
+
+std::string DescribeMessage(const CompanionMessage& message) {
+    const MessageRow* row = FindMessage(message.code);
+    const auto text = row != nullptr && row->hasText ? TextOf(message.body) : std::nullopt;
+    std::string what;
+    if (row == nullptr) {
+        what = "unknown message, " + ShownBytes(message.body);
+    } else if (text) {
+        what = fmt::format("{}: {}", row->meaning, Printable(*text));
+    } else if (row->hasText || !message.body.empty()) {
+        what = fmt::format("{}, malformed: {}", row->meaning, ShownBytes(message.body));
+    } else {
+        what = row->meaning;
+    }
+    const auto time = std::chrono::system_clock::to_time_t(message.time);
+    return fmt::format("{:%H:%M:%S}.{:03} {} {}", fmt::localtime(time), Milliseconds(message.time),
+                       FormatCode(message.code), what);
+}
+
+}  // namespace krt9ctl

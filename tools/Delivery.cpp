@@ -1,0 +1,41 @@
+#include "tools/Delivery.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <array>
+
+namespace krt9ctl {
+
+namespace {
+
+constexpr std::array kDeliveries{
+    DeliveryRow{kCFMessagePortSuccess, ExitCode::ok, "the driver answered"},
+    DeliveryRow{kPortMissing, ExitCode::noDriver,
+                "no driver runs: its port KRT9Background does not exist"},
+    DeliveryRow{kCFMessagePortSendTimeout, ExitCode::timeOut,
+                "the driver did not take the request in time"},
+    DeliveryRow{kCFMessagePortReceiveTimeout, ExitCode::timeOut,
+                "the driver took the request but did not answer in time"},
+    DeliveryRow{kCFMessagePortIsInvalid, ExitCode::transport,
+                "the driver's port is no longer valid: the driver has ended"},
+    DeliveryRow{kCFMessagePortTransportError, ExitCode::transport,
+                "the request could not be carried to the driver"},
+    DeliveryRow{kCFMessagePortBecameInvalidError, ExitCode::transport,
+                "the driver ended before it answered"},
+};
+
+constexpr DeliveryRow kUnknown{0, ExitCode::transport,
+                               "the message port reported an error that is not documented"};
+
+}  // namespace
+
+const DeliveryRow& DeliveryOf(std::int32_t status) {
+    for (const DeliveryRow& row : kDeliveries) {
+        if (row.status == status) {
+            return row;
+        }
+    }
+    return kUnknown;
+}
+
+}  // namespace krt9ctl

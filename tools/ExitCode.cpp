@@ -1,0 +1,52 @@
+#include "tools/ExitCode.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace krt9ctl {
+
+namespace {
+
+constexpr std::array kExitCodes{
+    ExitCodeRow{ExitCode::ok, "ok", "done; every reply that was due came"},
+    ExitCodeRow{ExitCode::failure, "failure", "an error of krt9ctl or of the system"},
+    ExitCodeRow{ExitCode::usage, "usage", "the command line is not right; nothing was sent"},
+    ExitCodeRow{ExitCode::noDriver, "no-driver", "no driver runs (its port does not exist)"},
+    ExitCodeRow{ExitCode::noReply, "no-reply",
+                "the driver answered with nothing where a reply was due"},
+    ExitCodeRow{ExitCode::timeOut, "time-out", "the driver did not take or answer in time"},
+    ExitCodeRow{ExitCode::transport, "transport", "the connection to the driver failed"},
+    ExitCodeRow{ExitCode::badReply, "bad-reply", "the reply has not the form it should have"},
+    ExitCodeRow{ExitCode::nameTaken, "name-taken",
+                "another process (the companion?) owns the port to watch"},
+    ExitCodeRow{ExitCode::noDesktop, "no-desktop", "no simulated desktop runs or it hangs"},
+    ExitCodeRow{ExitCode::refused, "refused", "the simulated desktop refused the command"},
+    ExitCodeRow{ExitCode::accessibility, "accessibility",
+                "the application's accessibility tree cannot be read"},
+    ExitCodeRow{ExitCode::interrupted, "interrupted", "stopped by SIGINT before the end"},
+};
+
+}  // namespace
+
+std::span<const ExitCodeRow> ExitCodes() {
+    return kExitCodes;
+}
+
+std::string_view ExitCodeName(ExitCode code) {
+    const auto* row = std::find_if(kExitCodes.begin(), kExitCodes.end(),
+                                   [code](const ExitCodeRow& each) { return each.code == code; });
+    return row == kExitCodes.end() ? "failure" : row->name;
+}
+
+std::string ExitCodeHelp() {
+    std::string text = "Exit codes:\n";
+    for (const ExitCodeRow& row : kExitCodes) {
+        text +=
+            fmt::format("  {:>3}  {:<13}  {}\n", static_cast<int>(row.code), row.name, row.meaning);
+    }
+    return text;
+}
+
+}  // namespace krt9ctl

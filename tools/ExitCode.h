@@ -1,0 +1,38 @@
+// How krt9ctl ends: the one table behind its exit status, its help and its JSON error names.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace krt9ctl {
+
+enum class ExitCode : int {
+    ok = 0,
+    failure = 1,
+    usage = 2,
+    noDriver = 3,
+    noReply = 4,
+    timeOut = 5,
+    transport = 6,
+    badReply = 7,
+    nameTaken = 8,
+    noDesktop = 9,
+    refused = 10,
+    accessibility = 11,
+    interrupted = 130,  // as shells count an end by SIGINT
+};
+
+struct ExitCodeRow {
+    ExitCode code;
+    std::string_view name;  // in JSON, under "error"
+    std::string_view meaning;
+};
+
+std::span<const ExitCodeRow> ExitCodes();
+std::string_view ExitCodeName(ExitCode code);
+
+// The table as text, one code a line, for the help.
+std::string ExitCodeHelp();
+
+}  // namespace krt9ctl

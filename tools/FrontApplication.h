@@ -1,0 +1,22 @@
+// The application in front.
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+
+namespace krt9ctl {
+
+// What a scene says of an application besides its windows. Texts are UTF-8.
+struct ApplicationFacts {
+    pid_t pid = -1;
+    std::optional<std::string> bundleIdentifier;
+    std::optional<std::string> shortVersion;  // of its bundle's information
+    std::optional<std::string> signature;     // of its bundle's information
+};
+
+// Nothing when no application is in front.
+std::optional<ApplicationFacts> FrontApplication();
+
+}  // namespace krt9ctl

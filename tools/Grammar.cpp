@@ -1,0 +1,52 @@
+#include "tools/Grammar.h"
+
+#include <iterator>
+
+namespace krt9ctl {
+
+namespace {
+
+void Append(std::vector<Verb>& verbs, std::vector<Verb> more) {
+    verbs.insert(verbs.end(), std::make_move_iterator(more.begin()),
+                 std::make_move_iterator(more.end()));
+}
+
+Grammar MakeGrammar() {
+    Grammar grammar;
+    grammar.groups = {
+        {"mouse", "one step of a mouse gesture"},
+        {"observe", "follow something in the editing application"},
+        {"desktop", "script the simulated desktop around the driver"},
+    };
+    Append(grammar.verbs, ElementVerbs());
+    Append(grammar.verbs, InputVerbs());
+    Append(grammar.verbs, ObservationVerbs());
+    Append(grammar.verbs, WindowVerbs());
+    Append(grammar.verbs, RawVerbs());
+    Append(grammar.verbs, WatchVerbs());
+    Append(grammar.verbs, DumpVerbs());
+    Append(grammar.verbs, GrammarVerbs());
+    Append(grammar.verbs, DesktopVerbs());
+    return grammar;
+}
+
+}  // namespace
+
+std::vector<Parameter> CommonOptions() {
+    return {
+        {.name = "--json",
+         .kind = ValueKind::flag,
+         .help = "print one JSON object a line, for programs"},
+        {.name = "--timeout",
+         .kind = ValueKind::seconds,
+         .help = "how long to wait for the driver, the desktop or an application (usually 1)",
+         .placeholder = "SECONDS"},
+    };
+}
+
+const Grammar& TheGrammar() {
+    static const Grammar grammar = MakeGrammar();
+    return grammar;
+}
+
+}  // namespace krt9ctl

@@ -1,0 +1,78 @@
+// Verbs that make the driver look at the editing application anew, follow it or stop following it.
+#include "protocol/MessageCodes.h"
+#include "tools/Arguments.h"
+#include "tools/Grammar.h"
+#include "tools/RequestBody.h"
+
+namespace krt9ctl {
+
+namespace {
+
+template <MessageCode code>
+Plan PlanBare(const Arguments&) {
+    return {{code, {}}};
+}
+
+Plan PlanRefresh(const Arguments& arguments) {
+    const bool profile = arguments.Has("--profile");
+    const bool timecode = arguments.Has("--timecode");
+    const bool clip = arguments.Has("--clip");
+    if (!profile && !timecode && !clip) {
+        throw UsageError("say what to refresh: --profile, --timecode or --clip");
+    }
+    return {{kJAcF, ThreeFlagsBody(profile, timecode, clip)}};
+}
+
+}  // namespace
+
+std::vector<Verb> ObservationVerbs() {
+    return {
+        {.name = "refresh",
+         .requests = "JAcF",
+         .summary = "look at the front application anew",
+         .detail = "At least one option must be given.",
+         .example = "krt9ctl refresh --profile --timecode --clip",
+         .parameters = {{.name = "--profile",
+                         .kind = ValueKind::flag,
+                         .help = "forget known controls and choose the identifiers by version"},
+                        {.name = "--timecode",
+                         .kind = ValueKind::flag,
+                         .help = "start to follow the timecode"},
+                        {.name = "--clip",
+                         .kind = ValueKind::flag,
+                         .help = "start to follow the selected clip"}},
+         .work = PlanRefresh},
+        {.name = "observe clip",
+         .requests = "JObE",
+         .summary = "follow the selected clip's name",
+         .detail = "The names arrive at the companion's port; see the verb watch.",
+         .example = "krt9ctl observe clip",
+         .work = PlanBare<kJObE>},
+        {.name = "observe timecode",
+         .requests = "JObT",
+         .summary = "follow the timecode under the playhead",
+         .detail = "The timecodes arrive at the companion's port; see the verb watch.",
+         .example = "krt9ctl observe timecode",
+         .work = PlanBare<kJObT>},
+        {.name = "stop",
+         .requests = "JStO",
+         .summary = "stop following clip and timecode, forget known controls",
+         .detail = "",
+         .example = "krt9ctl stop",
+         .work = PlanBare<kJStO>},
+        {.name = "reset",
+         .requests = "JXRs",
+         .summary = "forget known controls and the last clip name; go on following",
+         .detail = "",
+         .example = "krt9ctl reset",
+         .work = PlanBare<kJXRs>},
+        {.name = "ping",
+         .requests = "JPth",
+         .summary = "ask for nothing: succeeds when the driver is alive",
+         .detail = "",
+         .example = "krt9ctl ping",
+         .work = PlanBare<kJPth>},
+    };
+}
+
+}  // namespace krt9ctl

@@ -1,0 +1,25 @@
+// Bodies of requests as the protocol's records write them.
+#pragma once
+
+#include <cstdint>
+
+#include "protocol/MessageSpec.h"
+#include "tools/Bytes.h"
+
+namespace krt9ctl {
+
+inline Bytes BodyOf(SMessageSpec&& record) {
+    const unsigned char* bytes = record.Serialize();
+    return {bytes, bytes + record.SerialBufferSize()};
+}
+
+// The 32-bit pattern of a number from -2147483648 to 4294967295: two's complement when negative.
+inline unsigned int Pattern(std::int64_t value) {
+    return static_cast<unsigned int>(value);
+}
+
+Bytes OneNumberBody(std::int64_t value);
+Bytes TwoNumbersBody(std::int64_t identifier, std::int64_t value);
+Bytes ThreeFlagsBody(bool a, bool b, bool c);
+
+}  // namespace krt9ctl

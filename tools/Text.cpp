@@ -1,0 +1,104 @@
+#include "tools/Text.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <fmt/format.h>
+
+#include "tools/Reference.h"
+
+namespace krt9ctl {
+
+namespace {
+
+Reference<CFStringRef> MakeString(std::span<const std::uint8_t> bytes, CFStringEncoding encoding) {
+    static constexpr std::uint8_t kNothing = 0;
+    return Reference<CFStringRef>(
+        CFStringCreateWithBytes(kCFAllocatorDefault, bytes.empty() ? &kNothing : bytes.data(),
+                                static_cast<CFIndex>(bytes.size()), encoding, false));
+}
+
+std::span<const std::uint8_t> AsBytes(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+// Nothing when a character of the string has no place in the encoding.
+std::optional<std::string> ReadString(CFStringRef string, CFStringEncoding encoding) {
+    const CFIndex length = CFStringGetLength(string);
+    const CFIndex largest = CFStringGetMaximumSizeForEncoding(length, encoding) + 1;
+    std::string text(static_cast<std::size_t>(largest), '\0');
+    if (!CFStringGetCString(string, text.data(), largest, encoding)) {
+        return std::nullopt;
+    }
+    text.resize(text.find('\0'));
+    return text;
+}
+
+bool IsControl(unsigned char byte) {
+    return byte < 0x20 || byte == 0x7F;
+}
+
+// U+0080 to U+009F, which terminals obey like the control characters below a blank.
+bool IsUpperControl(std::string_view rest) {
+    return rest.size() >= 2 && rest[0] == '\xC2' && static_cast<unsigned char>(rest[1]) < 0xA0;
+}
+
+}  // namespace
+
+bool IsUtf8(std::string_view text) {
+    return MakeString(AsBytes(text), kCFStringEncodingUTF8) != nullptr;
+}
+
+std::string Printable(std::string_view text) {
+    const bool isUtf8 = IsUtf8(text);
+    std::string printable;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (IsControl(byte) || (!isUtf8 && byte >= 0x80)) {
+            printable += fmt::format("\\x{:02x}", byte);
+        } else if (IsUpperControl(text.substr(i))) {
+            printable += fmt::format("\\x{:02x}", static_cast<unsigned char>(text[++i]));
+        } else {
+            printable += text[i];
+        }
+    }
+    return printable;
+}
+
+std::optional<std::string> Utf8Of(CFTypeRef object) {
+    if (CFGetTypeID(object) != CFStringGetTypeID()) {
+        return std::nullopt;
+    }
+    const auto string = static_cast<CFStringRef>(object);
+    const CFIndex length = CFStringGetLength(string);
+    std::string text(
+        static_cast<std::size_t>(CFStringGetMaximumSizeForEncoding(length, kCFStringEncodingUTF8)),
+        '\0');
+    CFIndex used = 0;
+    const CFIndex converted = CFStringGetBytes(
+        string, CFRangeMake(0, length), kCFStringEncodingUTF8, 0, false,
+        reinterpret_cast<UInt8*>(text.data()), static_cast<CFIndex>(text.size()), &used);
+    text.resize(static_cast<std::size_t>(used));
+    return converted == length ? std::optional(std::move(text)) : std::nullopt;
+}
+
+std::optional<std::string> ToSystemEncoding(std::string_view utf8) {
+    const auto string = MakeString(AsBytes(utf8), kCFStringEncodingUTF8);
+    return string ? ReadString(string.get(), CFStringGetSystemEncoding()) : std::nullopt;
+}
+
+std::optional<std::string> FromSystemEncoding(std::span<const std::uint8_t> bytes) {
+    const auto string = MakeString(bytes, CFStringGetSystemEncoding());
+    return string ? Utf8Of(string.get()) : std::nullopt;
+}
+
+std::vector<unsigned short> ToUtf16(std::string_view utf8) {
+    const auto string = MakeString(AsBytes(utf8), kCFStringEncodingUTF8);
+    std::vector<unsigned short> units;
+    if (string) {
+        units.resize(static_cast<std::size_t>(CFStringGetLength(string.get())));
+        CFStringGetCharacters(string.get(), CFRangeMake(0, CFStringGetLength(string.get())),
+                              units.data());
+    }
+    return units;
+}
+
+}  // namespace krt9ctl

@@ -1,0 +1,143 @@
+// The verb that stands in for the companion: owns its port and prints what the driver sends to it.
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "protocol/MessageCodes.h"
+#include "tools/Arguments.h"
+#include "tools/CompanionMessage.h"
+#include "tools/Grammar.h"
+#include "tools/Interruption.h"
+#include "tools/Reference.h"
+#include "tools/Run.h"
+
+namespace krt9ctl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A signal handler may not stop a run loop; so the loop comes up this often to look for one.
+constexpr double kLongestNap = 0.2;  // seconds
+
+class Watch {
+  public:
+    Watch(Output& output, ControllerStatus status, std::optional<std::int64_t> count)
+        : output_(output), status_(status), remaining_(count) {}
+
+    ExitCode Run(std::optional<double> seconds);
+
+  private:
+    static CFDataRef ReceiveEntry(CFMessagePortRef, SInt32 code, CFDataRef data, void* watch) {
+        return static_cast<Watch*>(watch)->Receive(code, data);
+    }
+    CFDataRef Receive(SInt32 code, CFDataRef data);
+    void Listen(Clock::time_point end);
+
+    bool IsDone() const { return (remaining_ && *remaining_ <= 0) || Interruption::Raised(); }
+
+    Output& output_;
+    ControllerStatus status_;
+    std::optional<std::int64_t> remaining_;  // messages; none: no limit
+};
+
+// What comes after the last message asked for is answered but not printed.
+CFDataRef Watch::Receive(SInt32 code, CFDataRef data) {
+    if (!remaining_ || *remaining_ > 0) {
+        CompanionMessage message{code, {}, std::chrono::system_clock::now()};
+        if (data != nullptr && CFDataGetLength(data) > 0) {
+            const UInt8* bytes = CFDataGetBytePtr(data);
+            message.body.assign(bytes, bytes + CFDataGetLength(data));
+        }
+        output_.Result(MessageObject(message), DescribeMessage(message));
+        remaining_ = remaining_ ? std::optional(*remaining_ - 1) : std::nullopt;
+    }
+    if (IsDone()) {
+        CFRunLoopStop(CFRunLoopGetCurrent());
+    }
+    if (code != kStus) {
+        return nullptr;
+    }
+    const Bytes reply = StatusReply(status_);
+    return CFDataCreate(kCFAllocatorDefault, reply.data(), static_cast<CFIndex>(reply.size()));
+}
+
+void Watch::Listen(Clock::time_point end) {
+    while (!IsDone() && Clock::now() < end) {
+        const std::chrono::duration<double> left = end - Clock::now();
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, std::clamp(left.count(), 0.0, kLongestNap),
+                           false);
+    }
+}
+
+ExitCode Watch::Run(std::optional<double> seconds) {
+    const Interruption interruption;
+    CFMessagePortContext context{0, this, nullptr, nullptr, nullptr};
+    const Reference<CFMessagePortRef> port(CFMessagePortCreateLocal(
+        kCFAllocatorDefault, CFSTR("VEK_KRT9"), ReceiveEntry, &context, nullptr));
+    if (!port) {
+        output_.Problem(ExitCode::nameTaken,
+                        "the port VEK_KRT9 is taken: the companion or another watch runs");
+        return ExitCode::nameTaken;
+    }
+    const Reference<CFRunLoopSourceRef> source(
+        CFMessagePortCreateRunLoopSource(kCFAllocatorDefault, port.get(), 0));
+    CFRunLoopAddSource(CFRunLoopGetCurrent(), source.get(), kCFRunLoopDefaultMode);
+    output_.Remark("watching the companion's port VEK_KRT9");
+    const auto forever = Clock::time_point::max();
+    Listen(seconds ? Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                        std::chrono::duration<double>(*seconds))
+                   : forever);
+    CFRunLoopRemoveSource(CFRunLoopGetCurrent(), source.get(), kCFRunLoopDefaultMode);
+    CFMessagePortInvalidate(port.get());
+    return ExitCode::ok;
+}
+
+ExitCode ActWatch(const Arguments& arguments, Context& context) {
+    const ControllerStatus usual;
+    const ControllerStatus status{
+        static_cast<std::uint32_t>(arguments.NumberOr("--units", usual.units)),
+        static_cast<std::uint32_t>(arguments.NumberOr("--channels", usual.channels))};
+    const auto count = arguments.Has("--count")
+                           ? std::optional<std::int64_t>(arguments.Number("--count"))
+                           : std::nullopt;
+    const auto seconds = arguments.Has("--for")
+                             ? std::optional<double>(arguments.SecondsOr("--for", 0))
+                             : std::nullopt;
+    return Watch(context.output, status, count).Run(seconds);
+}
+
+}  // namespace
+
+std::vector<Verb> WatchVerbs() {
+    return {
+        {.name = "watch",
+         .requests = "",
+         .summary = "be the companion: print every message of the driver and answer its queries",
+         .detail = "Runs until SIGINT or SIGTERM (exit code 0), or as --count and --for say. Start "
+                   "it before the driver, which looks for the companion's port only once, when it "
+                   "starts. The driver keeps the low 16 bits of --units and --channels.",
+         .example = "krt9ctl watch --units 2 --channels 16",
+         .parameters = {{.name = "--units",
+                         .kind = ValueKind::number,
+                         .help = "units of the controller (usually 1)",
+                         .placeholder = "N"},
+                        {.name = "--channels",
+                         .kind = ValueKind::number,
+                         .help = "channels of the controller (usually 8)",
+                         .placeholder = "N"},
+                        {.name = "--count",
+                         .kind = ValueKind::number,
+                         .help = "end after N messages",
+                         .placeholder = "N",
+                         .smallest = 1},
+                        {.name = "--for",
+                         .kind = ValueKind::seconds,
+                         .help = "end after this time",
+                         .placeholder = "SECONDS"}},
+         .work = ActWatch},
+    };
+}
+
+}  // namespace krt9ctl
