@@ -1,0 +1,116 @@
+// The driver as a process: how it starts, in which order it does its steps, and how it ends.
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/process/Stage.h"
+
+namespace {
+
+using test_support::ChildProcess;
+using test_support::Stage;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+// The companion's port, owned by the test: it need not be served to be there.
+class CompanionPort {
+  public:
+    CompanionPort()
+        : port_(CFMessagePortCreateLocal(kCFAllocatorDefault, CFSTR("VEK_KRT9"), Answer, nullptr,
+                                         nullptr)) {}
+    ~CompanionPort() {
+        CFMessagePortInvalidate(port_);
+        CFRelease(port_);
+    }
+
+  private:
+    static CFDataRef Answer(CFMessagePortRef, SInt32, CFDataRef, void*) { return nullptr; }
+
+    CFMessagePortRef port_;
+};
+
+std::vector<std::string> Lines(const std::filesystem::path& path) {
+    std::ifstream file(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+TEST(LifeCycle, InterruptEndsTheProcessWithStatusZeroAndLeavesNothingBehind) {
+    Stage stage;
+    stage.StartDriver();
+    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
+    EXPECT_THAT(stage.Session().Files(), testing::IsEmpty());
+}
+
+TEST(LifeCycle, TerminateSignalIsNotHandled) {
+    Stage stage;
+    stage.StartDriver();
+    stage.Driver().Signal(SIGTERM);
+    EXPECT_EQ(stage.Driver().WaitForExit(), 128 + SIGTERM);
+}
+
+TEST(LifeCycle, MainConstructorAndDestructorDoTheirStepsInOrder) {
+    Stage stage;
+    CompanionPort companion;
+    const std::filesystem::path trace = stage.Session().Path() / "trace";
+    stage.StartDriver({{"LD_PRELOAD", KRT9_CALL_TRACE_LIBRARY}, {"KRT9_CALL_TRACE", trace}});
+    // A request that is answered proves that the run loop runs.
+    stage.Companion({"pointer"});
+    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
+    EXPECT_THAT(
+        Lines(trace),
+        ElementsAre("signal SIGINT", "create local port", "create element cache",
+                    "create empty event", "create event source", "log version",
+                    "create last timecode", "add source in common modes", "sign in to MIDI",
+                    "create remote port", "ask for trust", "add timer in default mode",
+                    "observe front application", "run loop runs", "remove timer from default mode",
+                    "release remote port", "release event source", "release element cache",
+                    "invalidate local port"));
+}
+
+TEST(LifeCycle, WithoutCompanionTheDriverSaysSoAndKeepsRunning) {
+    Stage stage;
+    stage.StartDriver();
+    EXPECT_THAT(stage.Driver().StandardError(), HasSubstr("remotePort is not valid"));
+    EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
+    EXPECT_EQ(stage.InterruptDriver(), 0);
+}
+
+TEST(LifeCycle, WithCompanionTheDriverDoesNotComplain) {
+    Stage stage;
+    CompanionPort companion;
+    stage.StartDriver();
+    EXPECT_THAT(stage.Driver().StandardError(), Not(HasSubstr("not valid")));
+}
+
+TEST(LifeCycle, LogsItsBundleIdentifierAndVersion) {
+    Stage stage;
+    stage.StartDriver();
+    EXPECT_THAT(stage.Driver().StandardError(),
+                HasSubstr("com.solvanto.KRT9Background version 1.0.0"));
+}
+
+TEST(LifeCycle, SecondDriverIdlesAndTheFirstGoesOnUndisturbed) {
+    Stage stage;
+    stage.StartDriver();
+    ChildProcess second(Stage::DriverPath(), {});
+    // The name is taken, so the second one has no source, and stops in the middle of construction:
+    // it never asks for trust.
+    ASSERT_TRUE(second.WaitForOutput("version 1.0.0"));
+    EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
+    second.Signal(SIGINT);
+    EXPECT_EQ(second.WaitForExit(), 0);
+    EXPECT_THAT(second.StandardError(), Not(HasSubstr("accessibilityEnabled")));
+    EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
+}
+
+}  // namespace

@@ -1,0 +1,49 @@
+#include "tests/process/Stage.h"
+
+#include <csignal>
+#include <fstream>
+#include <stdexcept>
+
+namespace test_support {
+
+namespace {
+
+const std::string kBinaries = KRT9_BINARIES;
+const std::string kScenes = KRT9_SCENES;
+
+}  // namespace
+
+std::string Stage::DriverPath() {
+    return kBinaries + "/KRT9Background.app/Contents/MacOS/KRT9Background";
+}
+
+void Stage::StartDesktop(const std::string& scene) {
+    std::string path = kScenes + "/" + scene;
+    if (scene.starts_with("{")) {
+        path = (session_.Path() / "test-scene.json").string();
+        std::ofstream(path) << scene;
+    }
+    desktop_ =
+        std::make_unique<ChildProcess>(kBinaries + "/krt9-desktop", std::vector<std::string>{path});
+    if (!desktop_->WaitForOutput("ready")) {
+        throw std::runtime_error("the desktop did not start: " + desktop_->StandardError());
+    }
+}
+
+void Stage::StartDriver(const std::map<std::string, std::string>& environment) {
+    driver_ = std::make_unique<ChildProcess>(DriverPath(), std::vector<std::string>{}, environment);
+    if (!driver_->WaitForOutput("accessibilityEnabled")) {
+        throw std::runtime_error("the driver did not start: " + driver_->StandardError());
+    }
+}
+
+ProcessResult Stage::Companion(const std::vector<std::string>& arguments) {
+    return RunProcess(kBinaries + "/krt9ctl", arguments);
+}
+
+int Stage::InterruptDriver() {
+    driver_->Signal(SIGINT);
+    return driver_->WaitForExit();
+}
+
+}  // namespace test_support

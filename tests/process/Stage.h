@@ -1,0 +1,41 @@
+// The real processes of one session: desktop, driver and companion.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/SessionFixture.h"
+
+namespace test_support {
+
+class Stage {
+  public:
+    // Ready when it returns; the scene is a file of scenes/ or the JSON text itself.
+    void StartDesktop(const std::string& scene);
+
+    // Returns once the driver has gone through its constructor.
+    void StartDriver(const std::map<std::string, std::string>& environment = {});
+
+    // Runs krt9ctl to its end.
+    ProcessResult Companion(const std::vector<std::string>& arguments);
+
+    // Interrupts the driver; its exit status.
+    int InterruptDriver();
+
+    ChildProcess& Driver() { return *driver_; }
+    ChildProcess& Desktop() { return *desktop_; }
+    const SessionFixture& Session() const { return session_; }
+
+    static std::string DriverPath();
+
+  private:
+    SessionFixture session_;
+    std::unique_ptr<ChildProcess> desktop_;
+    std::unique_ptr<ChildProcess> driver_;
+};
+
+}  // namespace test_support

@@ -1,0 +1,44 @@
+// A folder of a test's own, removed with everything in it when the test ends.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace test_support {
+
+class TemporaryFolder {
+  public:
+    TemporaryFolder() {
+        std::string path = std::filesystem::temp_directory_path() / "krt9-test-XXXXXX";
+        if (mkdtemp(path.data()) == nullptr) {
+            throw std::runtime_error("no temporary folder: " + path);
+        }
+        path_ = path;
+    }
+    ~TemporaryFolder() {
+        std::error_code error;
+        std::filesystem::remove_all(path_, error);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return path_; }
+
+    // Makes the folders on the way to the file.
+    std::filesystem::path Write(const std::filesystem::path& name, std::string_view bytes) const {
+        std::filesystem::path file = path_ / name;
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << bytes;
+        return file;
+    }
+
+  private:
+    std::filesystem::path path_;
+};
+
+}  // namespace test_support

@@ -1,0 +1,1 @@
+#include "tests/unit/ApplicationServices/ApiContract.h"

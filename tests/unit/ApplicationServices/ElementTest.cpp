@@ -1,0 +1,150 @@
+#include <ApplicationServices/ApplicationServices.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "platform/ApplicationServices/Element.h"
+#include "platform/Testing/LiveObjects.h"
+#include "tests/support/OwnedObject.h"
+#include "tests/support/ScriptedTransport.h"
+
+namespace {
+
+using application_services::CreateElement;
+using application_services::TimeoutOf;
+using desktop_link::Reply;
+using desktop_link::Request;
+using test_support::ScriptedTransport;
+using OwnedElement = test_support::OwnedObject<AXUIElementRef>;
+
+// Puts the process's time-out back.
+class ElementTimeout : public testing::Test {
+  protected:
+    ~ElementTimeout() override {
+        const OwnedElement system = AXUIElementCreateSystemWide();
+        AXUIElementSetMessagingTimeout(system, 0);
+    }
+};
+
+std::optional<Reply> Succeed(const Request&) {
+    return Reply{};
+}
+
+TEST(Element, OfAnApplicationIsMadeForAnyProcessIdWithoutContact) {
+    ScriptedTransport desktop(Succeed);
+    for (const pid_t pid : {501, 0, -1}) {
+        const OwnedElement element = AXUIElementCreateApplication(pid);
+        ASSERT_NE(element.get(), nullptr);
+        pid_t read = 12345;
+        EXPECT_EQ(AXUIElementGetPid(element, &read), kAXErrorSuccess);
+        EXPECT_EQ(read, pid);
+    }
+    EXPECT_TRUE(desktop.Requests().empty());
+}
+
+TEST(Element, GetPidOfWhatIsNoElementOrIntoNothingIsAnIllegalArgument) {
+    pid_t pid = 7;
+    const OwnedElement element = AXUIElementCreateApplication(501);
+    EXPECT_EQ(AXUIElementGetPid(nullptr, &pid), kAXErrorIllegalArgument);
+    EXPECT_EQ(AXUIElementGetPid(reinterpret_cast<AXUIElementRef>(CFSTR("text")), &pid),
+              kAXErrorIllegalArgument);
+    EXPECT_EQ(AXUIElementGetPid(element, nullptr), kAXErrorIllegalArgument);
+    EXPECT_EQ(pid, 7);
+}
+
+TEST(Element, ObjectsOfOneControlAreEqualAndHashAlike) {
+    const OwnedElement element = CreateElement({501, 12});
+    const OwnedElement same = CreateElement({501, 12});
+    const OwnedElement other = CreateElement({501, 13});
+    const OwnedElement elsewhere = CreateElement({502, 12});
+    EXPECT_NE(element.get(), same.get());
+    EXPECT_TRUE(CFEqual(element.get(), same.get()));
+    EXPECT_EQ(CFHash(element.get()), CFHash(same.get()));
+    EXPECT_FALSE(CFEqual(element.get(), other.get()));
+    EXPECT_FALSE(CFEqual(element.get(), elsewhere.get()));
+    EXPECT_FALSE(CFEqual(element.get(), CFSTR("text")));
+}
+
+TEST(Element, OfTheApplicationEqualsTheOneMadeFromItsProcessId) {
+    const OwnedElement made = AXUIElementCreateApplication(501);
+    const OwnedElement answered = CreateElement({501, 0});
+    EXPECT_TRUE(CFEqual(made.get(), answered.get()));
+}
+
+TEST(Element, EqualElementsAreOneKeyOfADictionary) {
+    const OwnedElement element = CreateElement({501, 12});
+    const OwnedElement same = CreateElement({501, 12});
+    const test_support::OwnedObject<CFMutableDictionaryRef> dictionary = CFDictionaryCreateMutable(
+        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+    CFDictionarySetValue(dictionary, element.get(), CFSTR("found"));
+    EXPECT_EQ(CFDictionaryGetValue(dictionary, same.get()), CFSTR("found"));
+}
+
+TEST(Element, IsATypeOfItsOwn) {
+    const OwnedElement element = AXUIElementCreateApplication(501);
+    EXPECT_EQ(CFGetTypeID(element.get()), AXUIElementGetTypeID());
+    EXPECT_NE(AXUIElementGetTypeID(), CFStringGetTypeID());
+}
+
+TEST_F(ElementTimeout, IsTheSessionsUntilSet) {
+    ScriptedTransport desktop(Succeed, {std::nullopt, 0.75});
+    const OwnedElement element = AXUIElementCreateApplication(501);
+    EXPECT_EQ(TimeoutOf(element), 0.75);
+    AXUIElementPerformAction(element, kAXPressAction);
+    EXPECT_EQ(desktop.LastTimeout(), 0.75);
+}
+
+TEST_F(ElementTimeout, SetOnAnElementHoldsForThatVeryObjectOnly) {
+    ScriptedTransport desktop(Succeed);
+    const OwnedElement element = CreateElement({501, 3});
+    const OwnedElement equal = CreateElement({501, 3});
+    EXPECT_EQ(AXUIElementSetMessagingTimeout(element, 0.5F), kAXErrorSuccess);
+    EXPECT_EQ(TimeoutOf(element), 0.5);
+    EXPECT_EQ(TimeoutOf(equal), 6.0);
+    EXPECT_EQ(AXUIElementSetMessagingTimeout(element, 0), kAXErrorSuccess);
+    EXPECT_EQ(TimeoutOf(element), 6.0);
+}
+
+TEST_F(ElementTimeout, SetOnTheSystemWideElementHoldsForAllThatHaveNoneOfTheirOwn) {
+    ScriptedTransport desktop(Succeed);
+    const OwnedElement system = AXUIElementCreateSystemWide();
+    const OwnedElement element = CreateElement({501, 3});
+    const OwnedElement own = CreateElement({501, 3});
+    AXUIElementSetMessagingTimeout(own, 2);
+    EXPECT_EQ(AXUIElementSetMessagingTimeout(system, 0.25F), kAXErrorSuccess);
+    EXPECT_EQ(TimeoutOf(element), 0.25);
+    EXPECT_EQ(TimeoutOf(own), 2.0);
+    EXPECT_EQ(AXUIElementSetMessagingTimeout(system, 0), kAXErrorSuccess);
+    EXPECT_EQ(TimeoutOf(element), 6.0);
+}
+
+TEST_F(ElementTimeout, BelowZeroOrNoNumberIsAnIllegalArgument) {
+    ScriptedTransport desktop(Succeed);
+    const OwnedElement element = AXUIElementCreateApplication(501);
+    EXPECT_EQ(AXUIElementSetMessagingTimeout(element, -1), kAXErrorIllegalArgument);
+    EXPECT_EQ(AXUIElementSetMessagingTimeout(element, std::nanf("")), kAXErrorIllegalArgument);
+    EXPECT_EQ(AXUIElementSetMessagingTimeout(nullptr, 1), kAXErrorIllegalArgument);
+    EXPECT_EQ(TimeoutOf(element), 6.0);
+}
+
+TEST(SystemWideElement, HasNeitherAttributesNorActions) {
+    ScriptedTransport desktop(Succeed);
+    const OwnedElement system = AXUIElementCreateSystemWide();
+    CFTypeRef value = nullptr;
+    EXPECT_EQ(AXUIElementCopyAttributeValue(system, kAXRoleAttribute, &value),
+              kAXErrorAttributeUnsupported);
+    EXPECT_EQ(AXUIElementPerformAction(system, kAXPressAction), kAXErrorActionUnsupported);
+    EXPECT_TRUE(desktop.Requests().empty());
+    EXPECT_EQ(value, nullptr);
+}
+
+TEST(Element, LeavesNoObjectBehind) {
+    EXPECT_EQ(platform_testing::LeftOverBy([] {
+                  const OwnedElement element = AXUIElementCreateApplication(501);
+                  const OwnedElement system = AXUIElementCreateSystemWide();
+                  const OwnedElement control = CreateElement({1, 2});
+              }),
+              "");
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+// Runs the scripts of cfcollections.json: lists of steps over named objects, and what each gave. Of
+// long scripts the results of the last steps were not kept.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string>
+
+class CollectionScript {
+  public:
+    ~CollectionScript();
+
+    // Whether every step that changes an object is a function that the layer has. Steps that only
+    // ask and that it has not are skipped by Run.
+    static bool CanRun(const nlohmann::json& steps);
+
+    // "" when each step gives its result, else the first that does not.
+    std::string Run(const nlohmann::json& steps, const nlohmann::json& results);
+
+  private:
+    using Step = nlohmann::json;
+    using Operation = nlohmann::json (CollectionScript::*)(const Step& step);
+    static const std::map<std::string, Operation>& Operations();
+
+    nlohmann::json MakeText(const Step& step);
+    nlohmann::json MakeNumber(const Step& step);
+    nlohmann::json MakePointer(const Step& step);
+    nlohmann::json MakeConstant(const Step& step);
+    nlohmann::json MakeData(const Step& step);
+    nlohmann::json MakeDictionary(const Step& step);
+    nlohmann::json MakeArray(const Step& step);
+    nlohmann::json MakeCopy(const Step& step);
+
+    nlohmann::json ChangeDictionary(const Step& step);
+    nlohmann::json AskDictionary(const Step& step);
+    nlohmann::json ChangeArray(const Step& step);
+    nlohmann::json AskArray(const Step& step);
+    nlohmann::json ChangeOrAskData(const Step& step);
+    nlohmann::json AskAnyObject(const Step& step);
+    nlohmann::json RetainOrRelease(const Step& step);
+    nlohmann::json ChangeOrAskText(const Step& step);
+
+    const void* Object(const Step& step, std::size_t index) const;
+    template <typename Reference>
+    Reference Object(const Step& step, std::size_t index) const;
+    nlohmann::json NameOf(const void* object) const;
+    void Keep(const Step& step, const void* object, bool owned = true);
+
+    std::map<std::string, const void*> objects_;
+    std::map<std::string, int> references_;  // how many of each object this script owns
+};

@@ -1,0 +1,19 @@
+// Prints what the main bundle of this very program answers, a line for each; "(null)" for nothing.
+#import <Foundation/Foundation.h>
+
+#include <cstdio>
+
+static void Print(id object) {
+    std::printf("%s\n", object != nil ? [[object description] UTF8String] : "(null)");
+}
+
+int main() {
+    @autoreleasepool {
+        NSBundle* bundle = [NSBundle mainBundle];
+        Print([bundle bundlePath]);
+        Print([bundle bundleIdentifier]);
+        Print([bundle objectForInfoDictionaryKey:@"CFBundleVersion"]);
+        Print([bundle localizedStringForKey:@"VEKLanguage" value:@"VEKLanguage" table:nil]);
+    }
+    return 0;
+}

@@ -1,0 +1,51 @@
+#include "ReferenceVectors.h"
+
+#include <algorithm>
+#include <fstream>
+
+using nlohmann::json;
+
+const json& VectorFile(const std::string& group) {
+    static std::map<std::string, json> files;
+    json& file = files[group];
+    if (file.is_null()) {
+        file = json::parse(std::ifstream(KRT9_TEST_DATA "/corefoundation/" + group + ".json"));
+    }
+    return file;
+}
+
+std::vector<json> Vectors(const std::string& group,
+                          const std::function<bool(const json&)>& isWanted) {
+    std::vector<json> wanted;
+    std::ranges::copy_if(VectorFile(group)["cases"], std::back_inserter(wanted), isWanted);
+    return wanted;
+}
+
+std::string VectorBytes(const json& content) {
+    if (content.contains("text")) {
+        return content["text"];
+    }
+    const std::string hex = content["hex"];
+    std::string bytes;
+    for (std::size_t at = 0; at < hex.size(); at += 2) {
+        bytes.push_back(static_cast<char>(std::stoi(hex.substr(at, 2), nullptr, 16)));
+    }
+    return bytes;
+}
+
+void ExpectVector(const json& vector, const json& actual, const json& expected,
+                  const KnownDifferences& known) {
+    const auto difference = known.find(vector["id"]);
+    if (difference == known.end()) {
+        EXPECT_EQ(actual, expected) << vector["input"].dump().substr(0, 2000);
+    } else {
+        EXPECT_NE(actual, expected)
+            << "passes now: take it off the list (" << difference->second << ")";
+    }
+}
+
+std::string VectorName(const ::testing::TestParamInfo<json>& info) {
+    std::string name = info.param["id"];
+    std::ranges::replace(name, '-', '_');
+    return name;
+}

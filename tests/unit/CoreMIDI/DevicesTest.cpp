@@ -1,0 +1,140 @@
+#include <CoreMIDI/CoreMIDI.h>
+#include <gtest/gtest.h>
+
+#include "platform/Testing/LiveObjects.h"
+#include "tests/support/OwnedObject.h"
+#include "tests/support/ScriptedTransport.h"
+#include "tests/support/SessionFixture.h"
+
+namespace {
+
+using desktop_link::Operation;
+using desktop_link::Reply;
+using desktop_link::Request;
+using test_support::ScriptedTransport;
+using OwnedString = test_support::OwnedObject<CFStringRef>;
+
+// Two devices; the second has an entity with two sources and no destination, and a name that cannot
+// be read.
+constexpr char kBus[] = R"({"devices": [
+    {"id": 1, "name": "KRT-9 USB", "entities": [
+        {"id": 2, "name": "Private", "sources": [{"id": 3, "name": "In \u00e9"}],
+         "destinations": [{"id": 4, "name": "Out"}]},
+        {"id": 5, "name": "Echo", "sources": [], "destinations": []}]},
+    {"id": 6, "name": {"error": -10841}, "entities": [
+        {"id": 7, "name": "Port", "sources": [{"id": 8, "name": "a"}, {"id": 9, "name": "b"}],
+         "destinations": []}]}]})";
+
+ScriptedTransport::Script Bus(std::string json) {
+    return [json = std::move(json)](const Request& request) {
+        EXPECT_EQ(request.operation, Operation::midiDevices);
+        Reply reply;
+        reply.text = json;
+        return reply;
+    };
+}
+
+std::string NameOf(MIDIObjectRef object) {
+    OwnedString name;
+    if (MIDIObjectGetStringProperty(object, kMIDIPropertyName, name.Out()) != 0) {
+        return "(unreadable)";
+    }
+    char text[64];
+    CFStringGetCString(name, text, sizeof text, kCFStringEncodingUTF8);
+    return text;
+}
+
+TEST(MidiDevices, AreEnumeratedInOrderDownToTheirEndpoints) {
+    ScriptedTransport desktop(Bus(kBus));
+    ASSERT_EQ(MIDIGetNumberOfDevices(), 2u);
+    const MIDIDeviceRef device = MIDIGetDevice(0);
+    ASSERT_EQ(MIDIDeviceGetNumberOfEntities(device), 2u);
+    const MIDIEntityRef entity = MIDIDeviceGetEntity(device, 0);
+    EXPECT_EQ(MIDIEntityGetNumberOfSources(entity), 1u);
+    EXPECT_EQ(MIDIEntityGetNumberOfDestinations(entity), 1u);
+    EXPECT_EQ(NameOf(device), "KRT-9 USB");
+    EXPECT_EQ(NameOf(entity), "Private");
+    EXPECT_EQ(NameOf(MIDIEntityGetSource(entity, 0)), "In \xC3\xA9");
+    EXPECT_EQ(NameOf(MIDIEntityGetDestination(entity, 0)), "Out");
+    EXPECT_EQ(NameOf(MIDIDeviceGetEntity(device, 1)), "Echo");
+    const MIDIEntityRef second = MIDIDeviceGetEntity(MIDIGetDevice(1), 0);
+    EXPECT_EQ(NameOf(MIDIEntityGetSource(second, 1)), "b");
+}
+
+TEST(MidiDevices, EachCallIsOneExchange) {
+    ScriptedTransport desktop(Bus(kBus));
+    MIDIGetNumberOfDevices();
+    EXPECT_EQ(desktop.Requests().size(), 1u);
+    MIDIEntityGetSource(2, 0);
+    EXPECT_EQ(desktop.Requests().size(), 2u);
+    NameOf(4);
+    EXPECT_EQ(desktop.Requests().size(), 3u);
+}
+
+TEST(MidiDevices, CountsAndReferencesOfWhatIsNotThereAreZero) {
+    ScriptedTransport desktop(Bus(kBus));
+    EXPECT_EQ(MIDIGetDevice(2), 0u);
+    EXPECT_EQ(MIDIGetDevice(~ItemCount{0}), 0u);
+    EXPECT_EQ(MIDIDeviceGetNumberOfEntities(0), 0u);
+    EXPECT_EQ(MIDIDeviceGetNumberOfEntities(2), 0u) << "an entity is no device";
+    EXPECT_EQ(MIDIDeviceGetEntity(1, 2), 0u);
+    EXPECT_EQ(MIDIDeviceGetEntity(99, 0), 0u);
+    EXPECT_EQ(MIDIEntityGetNumberOfSources(1), 0u) << "a device is no entity";
+    EXPECT_EQ(MIDIEntityGetSource(2, 1), 0u);
+    EXPECT_EQ(MIDIEntityGetSource(5, 0), 0u);
+    EXPECT_EQ(MIDIEntityGetDestination(7, 0), 0u);
+    EXPECT_EQ(MIDIEntityGetNumberOfDestinations(99), 0u);
+}
+
+TEST(MidiDevices, WithoutADesktopThereAreNone) {
+    const test_support::SessionFixture session;
+    desktop_link::SetTransport(nullptr);
+    EXPECT_EQ(MIDIGetNumberOfDevices(), 0u);
+    EXPECT_EQ(MIDIGetDevice(0), 0u);
+    CFStringRef name = nullptr;
+    EXPECT_EQ(MIDIObjectGetStringProperty(1, kMIDIPropertyName, &name), kMIDIObjectNotFound);
+    EXPECT_EQ(name, nullptr);
+    desktop_link::SetTransport(nullptr);
+}
+
+TEST(MidiDevices, FailedReadOfAPropertySaysWhyAndWritesNothing) {
+    ScriptedTransport desktop(Bus(kBus));
+    CFStringRef name = nullptr;
+    EXPECT_EQ(MIDIObjectGetStringProperty(6, kMIDIPropertyName, &name), -10841)
+        << "the name that cannot be read";
+    EXPECT_EQ(MIDIObjectGetStringProperty(99, kMIDIPropertyName, &name), kMIDIObjectNotFound);
+    EXPECT_EQ(MIDIObjectGetStringProperty(0, kMIDIPropertyName, &name), kMIDIObjectNotFound);
+    EXPECT_EQ(MIDIObjectGetStringProperty(1, CFSTR("manufacturer"), &name), kMIDIUnknownProperty);
+    EXPECT_NE(MIDIObjectGetStringProperty(1, kMIDIPropertyName, nullptr), 0);
+    EXPECT_NE(MIDIObjectGetStringProperty(1, nullptr, &name), 0);
+    EXPECT_EQ(name, nullptr);
+}
+
+TEST(MidiDevices, DescriptionThatMakesNoSenseIsAnEmptyBus) {
+    for (const char* json : {"", "[]", "null", "{", "{\"devices\": 5}", "{\"devices\": [1, null]}",
+                             "{\"devices\": [{}, {\"id\": 0}, {\"id\": -3}, {\"id\": \"1\"}]}",
+                             "{\"devices\": [{\"id\": 99999999999}]}", "\xFF\xFE"}) {
+        ScriptedTransport desktop(Bus(json));
+        EXPECT_EQ(MIDIGetNumberOfDevices(), 0u) << json;
+    }
+}
+
+TEST(MidiDevices, DeviceWithoutNameOrEntitiesHasNone) {
+    ScriptedTransport desktop(Bus(R"({"devices": [{"id": 1, "name": 7, "entities": {}}]})"));
+    EXPECT_EQ(MIDIGetNumberOfDevices(), 1u);
+    EXPECT_EQ(MIDIDeviceGetNumberOfEntities(1), 0u);
+    CFStringRef name = nullptr;
+    EXPECT_EQ(MIDIObjectGetStringProperty(1, kMIDIPropertyName, &name), kMIDIUnknownProperty);
+}
+
+TEST(MidiDevices, LeaveNoObjectBehind) {
+    ScriptedTransport desktop(Bus(kBus));
+    EXPECT_EQ(platform_testing::LeftOverBy([] {
+                  MIDIGetDevice(0);
+                  NameOf(1);
+                  NameOf(99);
+              }),
+              "");
+}
+
+}  // namespace

@@ -1,0 +1,135 @@
+// A desktop's end of the socket, on a thread of its own, that does what a script says: anything a
+// real one would never do included.
+#pragma once
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <functional>
+#include <future>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "platform/DesktopLink/Framing.h"
+#include "platform/DesktopLink/Messages.h"
+#include "platform/LocalSocket/Socket.h"
+
+namespace desktop_link {
+
+class FakeDesktop {
+  public:
+    struct Received {
+        std::uint32_t sequence = 0;
+        Request request;
+    };
+
+    // Listens when the constructor returns; the script runs on the thread. A script that waits for
+    // what never comes ends after a few seconds with an exception that Finish() passes on.
+    explicit FakeDesktop(std::function<void(FakeDesktop&)> script) : listener_(Listen()) {
+        std::packaged_task<void()> task([this, script = std::move(script)] { script(*this); });
+        finished_ = task.get_future();
+        thread_ = std::thread(std::move(task));
+    }
+    FakeDesktop(const FakeDesktop&) = delete;
+    FakeDesktop& operator=(const FakeDesktop&) = delete;
+    ~FakeDesktop() { thread_.join(); }
+
+    // Waits for the script's end.
+    void Finish() { finished_.get(); }
+
+    // --- for scripts ---
+
+    void Accept() {
+        WaitFor(listener_->descriptor());
+        client_ = listener_->Accept();
+        reader_ = local_socket::FrameReader(kLargestPayload);
+    }
+
+    Received Receive() {
+        for (;;) {
+            if (const auto payload = reader_.Next()) {
+                const auto frame = ParsePayload(*payload);
+                auto request = DecodeRequest(frame->message.data(), frame->message.size());
+                return {frame->sequence, request.value()};
+            }
+            WaitFor(client_.get());
+            if (reader_.ReadFrom(client_.get()) != local_socket::FrameReader::Status::open) {
+                throw std::runtime_error("the client went away instead of sending a request");
+            }
+        }
+    }
+
+    // Accepts, and answers hello.
+    void Greet(const Session& session = {}) {
+        Accept();
+        const Received hello = Receive();
+        if (hello.request.operation != Operation::hello) {
+            throw std::runtime_error("the first request of the connection is not hello");
+        }
+        Reply reply;
+        reply.session = session;
+        Send(hello.sequence, reply);
+    }
+
+    void Send(std::uint32_t sequence, const Reply& reply) {
+        SendPayload(MakePayload(FrameKind::reply, sequence, Encode(reply)));
+    }
+
+    void Send(const Notification& notification) {
+        SendPayload(MakePayload(FrameKind::notification, 0, Encode(notification)));
+    }
+
+    void SendPayload(std::span<const std::uint8_t> payload) {
+        local_socket::FrameWriter writer;
+        writer.Write(client_.get(), payload);
+    }
+
+    void SendBytes(std::span<const std::uint8_t> bytes) {
+        if (send(client_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) < 0) {
+            throw std::runtime_error("the client went away");
+        }
+    }
+
+    // Whether the client has closed the connection, waiting for it if need be.
+    bool ClientHangsUp() {
+        char byte = 0;
+        do {
+            WaitFor(client_.get());
+        } while (recv(client_.get(), &byte, 1, 0) > 0);
+        return true;
+    }
+
+    void HangUp() { client_.reset(); }
+
+    void StopListening() { listener_.reset(); }
+
+  private:
+    static local_socket::Listener Listen() {
+        std::string problem;
+        auto listener = local_socket::Listener::Create(kSocketName, nullptr, &problem);
+        if (!listener) {
+            throw std::runtime_error("cannot listen: " + problem);
+        }
+        return std::move(*listener);
+    }
+
+    static void WaitFor(int descriptor) {
+        pollfd entry{descriptor, POLLIN, 0};
+        if (poll(&entry, 1, 5000) != 1) {
+            throw std::runtime_error("nothing came from the client");
+        }
+    }
+
+    std::optional<local_socket::Listener> listener_;
+    local_socket::Descriptor client_;
+    local_socket::FrameReader reader_{kLargestPayload};
+    std::future<void> finished_;
+    std::thread thread_;
+};
+
+}  // namespace desktop_link

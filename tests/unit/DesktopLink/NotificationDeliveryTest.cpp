@@ -1,0 +1,242 @@
+// What the main run loop does for the connection to the desktop.
+#include <CoreFoundation/CoreFoundation.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "platform/DesktopLink/Session.h"
+#include "platform/DesktopLink/SocketTransport.h"
+#include "tests/support/SessionFixture.h"
+#include "tests/unit/DesktopLink/FakeDesktop.h"
+
+namespace desktop_link {
+namespace {
+
+using Front = std::optional<Application>;
+
+Application Editor() {
+    return {501, "com.example.editor", std::nullopt, "Editor"};
+}
+Application Player() {
+    return {502, "com.example.player", std::nullopt, "Player"};
+}
+
+Request Ask() {
+    Request request;
+    request.operation = Operation::screens;
+    return request;
+}
+
+class NotificationDelivery : public testing::Test {
+  protected:
+    ~NotificationDelivery() override { ForgetSession(); }
+
+    void Observe() {
+        transport_->SetNotificationHandler([this](const Notification& notification) {
+            delivered_.push_back(notification.activated);
+        });
+        transport_->Exchange(Request{}, 5);
+    }
+
+    // Runs the main run loop until it has delivered one notification, or a few seconds.
+    void RunForOne() {
+        EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 5, true), kCFRunLoopRunHandledSource)
+            << "nothing was delivered";
+    }
+
+    // Delivers what is there.
+    static void RunOnce() { CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true); }
+
+    test_support::SessionFixture session_;
+    std::vector<Front> delivered_;
+    std::unique_ptr<SocketTransport> transport_ = std::make_unique<SocketTransport>();
+};
+
+TEST_F(NotificationDelivery, IsOneByOneInOrderOnTheMainRunLoop) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        peer.Send(Notification{Player()});
+        peer.Send(Notification{});
+        peer.Send(Notification{Editor()});
+        peer.ClientHangsUp();
+    });
+    Observe();
+    EXPECT_EQ(delivered_, std::vector<Front>{}) << "what was in front at first is no news";
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{Player()}));
+    RunForOne();
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{Player(), std::nullopt, Editor()}));
+    transport_.reset();
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, NeverHappensInsideACall) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        const auto request = peer.Receive();
+        peer.Send(Notification{Player()});
+        peer.Send(request.sequence, Reply{});
+        peer.ClientHangsUp();
+    });
+    Observe();
+    EXPECT_TRUE(transport_->Exchange(Ask(), 5));
+    EXPECT_TRUE(delivered_.empty());
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{Player()}));
+    transport_.reset();
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, DesktopThatDiesLeavesNothingInFrontAndTheNextOneIsFoundWithoutACall) {
+    {
+        FakeDesktop desktop([](FakeDesktop& peer) { peer.Greet({Editor(), 6}); });
+        Observe();
+        desktop.Finish();
+    }
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{std::nullopt}));
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Player(), 6});
+        peer.ClientHangsUp();
+    });
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{std::nullopt, Player()}));
+    transport_.reset();
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, DesktopThatStartsLaterIsFoundWithoutACall) {
+    Observe();
+    EXPECT_TRUE(transport_->Unreachable());
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        peer.ClientHangsUp();
+    });
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{Editor()}));
+    transport_.reset();
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, DeathFoundByACallIsDeliveredByTheRunLoop) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        peer.Receive();
+        peer.StopListening();
+        peer.HangUp();
+    });
+    Observe();
+    EXPECT_FALSE(transport_->Exchange(Ask(), 5));
+    EXPECT_TRUE(delivered_.empty());
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{std::nullopt}));
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, OtherFilesOfTheSessionAreNoDesktop) {
+    Observe();
+    std::ofstream(session_.Path() / "something").put('x');
+    RunOnce();
+    EXPECT_TRUE(delivered_.empty());
+    EXPECT_FALSE(transport_->Exchange(Ask(), 5));
+    EXPECT_TRUE(transport_->Unreachable());
+}
+
+TEST_F(NotificationDelivery, DesktopThatSendsGarbageToTheRunLoopIsHungUpOn) {
+    std::promise<void> observing;
+    FakeDesktop desktop([&](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        observing.get_future().wait();
+        const std::vector<std::uint8_t> garbage = {0xFF, 0xFF, 0xFF, 0xFF, 1, 2, 3};
+        peer.SendBytes(garbage);
+        EXPECT_TRUE(peer.ClientHangsUp());
+    });
+    Observe();
+    observing.set_value();
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{std::nullopt}));
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, SessionThatCouldNotBeLearnedIsDeliveredWhenItCan) {
+    std::promise<void> gaveUp;
+    FakeDesktop desktop([&](FakeDesktop& peer) {
+        peer.Accept();
+        const auto hello = peer.Receive();
+        gaveUp.get_future().wait();
+        Reply reply;
+        reply.session = Session{Editor(), 6};
+        peer.Send(hello.sequence, reply);
+        peer.ClientHangsUp();
+    });
+    transport_->SetNotificationHandler(
+        [this](const Notification& notification) { delivered_.push_back(notification.activated); });
+    EXPECT_FALSE(transport_->Exchange(Request{}, 0.02));
+    gaveUp.set_value();
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{Editor()}));
+    transport_.reset();
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, StopsWhenNobodyWantsItAnyMore) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        peer.Send(Notification{Player()});
+        peer.Send(peer.Receive().sequence, Reply{});
+        peer.ClientHangsUp();
+    });
+    Observe();
+    EXPECT_TRUE(transport_->Exchange(Ask(), 5));
+    transport_->SetNotificationHandler(nullptr);
+    RunOnce();
+    EXPECT_TRUE(delivered_.empty());
+    transport_.reset();
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, HandlerMayDoAwayWithTheTransport) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        peer.Send(Notification{Player()});
+        peer.Send(Notification{Editor()});
+        EXPECT_TRUE(peer.ClientHangsUp());
+    });
+    int calls = 0;
+    transport_->SetNotificationHandler([&](const Notification&) {
+        ++calls;
+        transport_.reset();
+    });
+    transport_->Exchange(Request{}, 5);
+    RunForOne();
+    RunOnce();
+    EXPECT_EQ(calls, 1);
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, HandlerMayMakeCallsOfItsOwn) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        peer.Send(Notification{Player()});
+        const auto request = peer.Receive();
+        peer.Send(Notification{});
+        peer.Send(request.sequence, Reply{});
+        peer.ClientHangsUp();
+    });
+    transport_->SetNotificationHandler([&](const Notification& notification) {
+        delivered_.push_back(notification.activated);
+        if (notification.activated) {
+            EXPECT_TRUE(transport_->Exchange(Ask(), 5));
+        }
+    });
+    transport_->Exchange(Request{}, 5);
+    RunForOne();
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{Player(), std::nullopt}));
+    transport_.reset();
+    desktop.Finish();
+}
+
+}  // namespace
+}  // namespace desktop_link

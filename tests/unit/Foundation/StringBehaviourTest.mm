@@ -1,0 +1,177 @@
+// What the driver may rely on of NSString on either system.
+#import <Foundation/Foundation.h>
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+namespace {
+
+NSString* FromUTF8(const char* text) {
+    return [NSString stringWithUTF8String:text];
+}
+
+// A string of each class that Foundation makes for such a text.
+std::vector<NSString*> EveryKindOf(const char* text) {
+    NSString* plain = FromUTF8(text);
+    return {plain, [NSMutableString stringWithString:plain],
+            (NSString*)__CFStringMakeConstantString(text),
+            [[plain stringByAppendingString:@"x"] substringToIndex:[plain length]],
+            [NSString stringWithFormat:@"%@", plain]};
+}
+
+class StringBehaviour : public testing::Test {
+  protected:
+    StringBehaviour() : pool_([[NSAutoreleasePool alloc] init]) {}
+    ~StringBehaviour() override { [pool_ drain]; }
+
+  private:
+    NSAutoreleasePool* pool_;
+};
+
+TEST_F(StringBehaviour, IntValueStaysAtTheLimitsOf32Bits) {
+    for (NSString* text : EveryKindOf("99999999999")) {
+        EXPECT_EQ([text intValue], INT_MAX);
+    }
+    for (NSString* text : EveryKindOf("-2147483649")) {
+        EXPECT_EQ([text intValue], INT_MIN);
+    }
+    for (NSString* text : EveryKindOf("99999999999999999999999999999999999999")) {
+        EXPECT_EQ([text intValue], INT_MAX);
+    }
+    for (NSString* text : EveryKindOf("  12abc")) {
+        EXPECT_EQ([text intValue], 12);
+    }
+    for (NSString* text : EveryKindOf("none")) {
+        EXPECT_EQ([text intValue], 0);
+    }
+}
+
+TEST_F(StringBehaviour, GetCStringAnswersNoForACharacterThatTheEncodingLacks) {
+    for (NSString* text : EveryKindOf("a\u65e5")) {
+        char buffer[16] = {'x'};
+        EXPECT_FALSE([text getCString:buffer
+                            maxLength:sizeof buffer
+                             encoding:NSMacOSRomanStringEncoding]);
+        EXPECT_EQ([text cStringUsingEncoding:NSMacOSRomanStringEncoding], nullptr);
+    }
+}
+
+TEST_F(StringBehaviour, GetCStringCountsTheTerminator) {
+    for (NSString* text : EveryKindOf("1.0")) {
+        char buffer[4];
+        EXPECT_TRUE([text getCString:buffer
+                           maxLength:4
+                            encoding:[NSString defaultCStringEncoding]]);
+        EXPECT_STREQ(buffer, "1.0");
+        EXPECT_FALSE([text getCString:buffer
+                            maxLength:3
+                             encoding:[NSString defaultCStringEncoding]]);
+    }
+}
+
+TEST_F(StringBehaviour, MutableStringsTakeOverTextOfEveryKind) {
+    for (const char* text : {"a", "ab", "01:00:00:00", "Caf\u00e9", "a\u65e5"}) {
+        for (NSString* other : EveryKindOf(text)) {
+            for (const char* former : {"", "x", "a former text that is longer", "\u672c"}) {
+                NSMutableString* string = [NSMutableString stringWithString:FromUTF8(former)];
+                [string setString:other];
+                EXPECT_STREQ([string UTF8String], text) << "in place of " << former;
+                [string appendString:other];
+                [string insertString:other atIndex:0];
+                EXPECT_EQ([string UTF8String], std::string(text) + text + text);
+            }
+        }
+    }
+}
+
+TEST_F(StringBehaviour, TextThatDoesNotFitIsCut) {
+    for (NSString* text : EveryKindOf("1.0")) {
+        char buffer[] = "xxxxx";
+        EXPECT_FALSE([text getCString:buffer maxLength:3 encoding:NSMacOSRomanStringEncoding]);
+        EXPECT_STREQ(buffer, "1.");
+        EXPECT_EQ(buffer[3], 'x') << "nothing is written beyond the given size";
+        EXPECT_FALSE([text getCString:buffer maxLength:0 encoding:NSMacOSRomanStringEncoding]);
+        EXPECT_STREQ(buffer, "1.");
+    }
+}
+
+TEST_F(StringBehaviour, GetCStringKnowsMacRoman) {
+    for (NSString* text : EveryKindOf("Caf\u00e9 \uf8ff")) {
+        char buffer[16];
+        ASSERT_TRUE([text getCString:buffer
+                           maxLength:sizeof buffer
+                            encoding:NSMacOSRomanStringEncoding]);
+        EXPECT_STREQ(buffer, "Caf\x8E \xF0");
+    }
+}
+
+TEST_F(StringBehaviour, GetCStringAnswersNoForAnEncodingThatIsNotProvided) {
+    char buffer[16];
+    EXPECT_FALSE([@"abc" getCString:buffer
+                          maxLength:sizeof buffer
+                           encoding:NSJapaneseEUCStringEncoding]);
+}
+
+TEST_F(StringBehaviour, UTF8StringIsNullForAnUnpairedSurrogate) {
+    const UniChar units[] = {'a', 0xD83C};
+    auto text = (NSString*)CFStringCreateWithCharacters(kCFAllocatorDefault, units, 2);
+    EXPECT_EQ([text UTF8String], nullptr);
+    [text release];
+    for (NSString* valid : EveryKindOf("\U0001F3AC")) {
+        EXPECT_STREQ([valid UTF8String], "\U0001F3AC");
+    }
+}
+
+TEST_F(StringBehaviour, TheDefaultCStringEncodingIsMacRoman) {
+    EXPECT_EQ([NSString defaultCStringEncoding], NSMacOSRomanStringEncoding);
+}
+
+TEST_F(StringBehaviour, AnEmptyTextIsFoundNowhere) {
+    for (NSString* text : EveryKindOf("abc")) {
+        const NSRange range = [text rangeOfString:@""];
+        EXPECT_EQ(range.location, static_cast<NSUInteger>(NSNotFound));
+        EXPECT_EQ(range.length, 0U);
+    }
+}
+
+TEST_F(StringBehaviour, SearchIsLiteralAndCaseSensitive) {
+    for (NSString* text : EveryKindOf("Final Cut Pro - Color")) {
+        EXPECT_EQ([text rangeOfString:@"Color"].location, 16U);
+        EXPECT_EQ([text rangeOfString:@"Color"].length, 5U);
+        EXPECT_EQ([text rangeOfString:@"color"].location, static_cast<NSUInteger>(NSNotFound));
+    }
+    for (NSString* text : EveryKindOf("\u00e9")) {
+        EXPECT_EQ([text rangeOfString:FromUTF8("e\u0301")].location,
+                  static_cast<NSUInteger>(NSNotFound));
+    }
+}
+
+TEST_F(StringBehaviour, ComparisonIsLiteral) {
+    for (NSString* text : EveryKindOf("\u00e9")) {
+        EXPECT_EQ([text compare:FromUTF8("\u00e9")], NSOrderedSame);
+        EXPECT_NE([text compare:FromUTF8("e\u0301")], NSOrderedSame);
+        EXPECT_TRUE([text isEqualToString:FromUTF8("\u00e9")]);
+        EXPECT_FALSE([text isEqualToString:FromUTF8("e\u0301")]);
+        EXPECT_FALSE([text isEqual:FromUTF8("e\u0301")]);
+        EXPECT_FALSE([text isEqualToString:nil]);
+        EXPECT_FALSE([text isEqual:@(5)]);
+    }
+    EXPECT_EQ([@"A" compare:@"a"], NSOrderedAscending);
+    EXPECT_EQ([@"b" compare:@"a"], NSOrderedDescending);
+    EXPECT_EQ([@"abc" compare:@"abcd"], NSOrderedAscending);
+}
+
+TEST_F(StringBehaviour, NilComesBeforeEveryText) {
+    EXPECT_EQ([@"" compare:(NSString*)nil], NSOrderedDescending);
+}
+
+TEST_F(StringBehaviour, ANilReceiverComparesAsTheSame) {
+    NSString* nothing = nil;
+    EXPECT_EQ([nothing compare:@"abc"], NSOrderedSame);
+    EXPECT_EQ([nothing rangeOfString:@"abc"].location, 0U);
+}
+
+}  // namespace

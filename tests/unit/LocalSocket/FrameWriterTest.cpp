@@ -1,0 +1,100 @@
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include "platform/LocalSocket/Socket.h"
+
+namespace local_socket {
+namespace {
+
+std::span<const std::uint8_t> Bytes(const std::string& text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+class FrameWriterTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        int pair[2];
+        ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, pair), 0);
+        near_ = Descriptor(pair[0]);
+        far_ = Descriptor(pair[1]);
+    }
+
+    std::optional<std::string> Received() {
+        FrameReader::Status status = FrameReader::Status::open;
+        while (!reader_.HasFrame()) {
+            const std::size_t before = reader_.Buffered();
+            status = reader_.ReadFrom(far_.get());
+            if (status != FrameReader::Status::open || reader_.Buffered() == before) {
+                return std::nullopt;
+            }
+        }
+        const auto payload = reader_.Next();
+        return std::string(payload->begin(), payload->end());
+    }
+
+    Descriptor near_;
+    Descriptor far_;
+    FrameWriter writer_;
+    FrameReader reader_{64 * 1024 * 1024};
+};
+
+TEST_F(FrameWriterTest, HeadAndRestTravelAsOnePayload) {
+    EXPECT_EQ(writer_.Write(near_.get(), Bytes("head "), Bytes("rest")), FrameWriter::Status::done);
+    EXPECT_EQ(writer_.Write(near_.get(), Bytes("alone")), FrameWriter::Status::done);
+    EXPECT_EQ(writer_.Write(near_.get(), {}), FrameWriter::Status::done);
+    EXPECT_EQ(Received(), "head rest");
+    EXPECT_EQ(Received(), "alone");
+    EXPECT_EQ(Received(), "");
+    EXPECT_EQ(Received(), std::nullopt);
+}
+
+TEST_F(FrameWriterTest, QueuesWhatAPeerDoesNotReadAndGoesOnLater) {
+    std::vector<std::string> sent;
+    FrameWriter::Status status = FrameWriter::Status::done;
+    while (status == FrameWriter::Status::done) {
+        sent.push_back(std::string(50'000, static_cast<char>('a' + sent.size())));
+        status = writer_.Write(near_.get(), Bytes(sent.back()));
+    }
+    ASSERT_EQ(status, FrameWriter::Status::pending);
+    EXPECT_GT(writer_.Queued(), 0U);
+    sent.push_back("last");
+    EXPECT_EQ(writer_.Write(near_.get(), Bytes("la"), Bytes("st")), FrameWriter::Status::pending);
+    for (const auto& expected : sent) {
+        auto received = Received();
+        while (!received) {
+            ASSERT_NE(writer_.Flush(near_.get()), FrameWriter::Status::closed);
+            received = Received();
+        }
+        EXPECT_EQ(received, expected);
+    }
+    EXPECT_EQ(writer_.Flush(near_.get()), FrameWriter::Status::done);
+    EXPECT_EQ(writer_.Queued(), 0U);
+}
+
+TEST_F(FrameWriterTest, FrameLargerThanTheKernelHoldsArrivesWhole) {
+    std::string large(10'000'000, '\0');
+    for (std::size_t i = 0; i < large.size(); ++i) {
+        large[i] = static_cast<char>(i * 2654435761U >> 13);
+    }
+    FrameWriter::Status status = writer_.Write(near_.get(), Bytes(large));
+    auto received = Received();
+    while (!received) {
+        ASSERT_EQ(status, FrameWriter::Status::pending);
+        status = writer_.Flush(near_.get());
+        received = Received();
+    }
+    EXPECT_TRUE(received == large) << "the bytes differ";
+}
+
+TEST_F(FrameWriterTest, PeerThatWentAwayIsAnErrorAndNoSignal) {
+    std::signal(SIGPIPE, SIG_DFL);
+    far_.reset();
+    EXPECT_EQ(writer_.Write(near_.get(), Bytes("lost")), FrameWriter::Status::closed);
+}
+
+}  // namespace
+}  // namespace local_socket

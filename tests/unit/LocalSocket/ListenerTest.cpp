@@ -1,0 +1,384 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <fstream>
+#include <functional>
+#include <vector>
+
+#include "platform/LocalSocket/Socket.h"
+#include "platform/LocalSocket/SocketAddress.h"
+#include "tests/support/SessionFixture.h"
+
+namespace local_socket {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr uid_t kNobody = 65534;
+
+class ListenerTest : public testing::Test {
+  protected:
+    static std::optional<Listener> Serve(std::string_view name) {
+        bool taken = false;
+        std::string problem;
+        auto listener = Listener::Create(name, &taken, &problem);
+        EXPECT_TRUE(listener) << (taken ? "taken" : problem);
+        return listener;
+    }
+
+    static bool IsTaken(std::string_view name) {
+        bool taken = false;
+        EXPECT_FALSE(Listener::Create(name, &taken, nullptr));
+        return taken;
+    }
+
+    // The exit status of a process that ran the work.
+    static int InOtherProcess(const std::function<int()>& work) {
+        const pid_t child = fork();
+        if (child == 0) {
+            _exit(work());
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    // A process that serves the name and then waits to be killed.
+    static pid_t StartServer(std::string_view name) {
+        int ready[2];
+        EXPECT_EQ(pipe(ready), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            const auto listener = Listener::Create(name, nullptr, nullptr);
+            const char answer = listener ? 'y' : 'n';
+            (void)!write(ready[1], &answer, 1);
+            pause();
+            _exit(0);
+        }
+        char answer = 0;
+        EXPECT_EQ(read(ready[0], &answer, 1), 1);
+        EXPECT_EQ(answer, 'y') << "the other process cannot serve the name";
+        close(ready[0]);
+        close(ready[1]);
+        return child;
+    }
+
+    static void Kill(pid_t child) {
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+    }
+
+    test_support::SessionFixture session_;
+};
+
+TEST_F(ListenerTest, ConnectsClientAndServer) {
+    auto listener = Serve("port");
+    ASSERT_TRUE(listener);
+    EXPECT_FALSE(listener->Accept()) << "nobody has connected yet";
+    const Descriptor client = Connect("port");
+    ASSERT_TRUE(client);
+    const Descriptor server = listener->Accept();
+    ASSERT_TRUE(server);
+    ASSERT_EQ(write(client.get(), "hi", 2), 2);
+    char buffer[8];
+    EXPECT_EQ(read(server.get(), buffer, sizeof buffer), 2);
+    EXPECT_FALSE(listener->Accept());
+}
+
+TEST_F(ListenerTest, DescriptorsNeitherBlockNorReachOtherPrograms) {
+    auto listener = Serve("port");
+    const Descriptor client = Connect("port");
+    const Descriptor server = listener->Accept();
+    for (const int descriptor : {listener->descriptor(), client.get(), server.get()}) {
+        EXPECT_NE(fcntl(descriptor, F_GETFL) & O_NONBLOCK, 0);
+        EXPECT_NE(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, 0);
+    }
+}
+
+TEST_F(ListenerTest, NobodyServesAnUnknownName) {
+    std::string problem = "unchanged";
+    EXPECT_FALSE(Connect("port", &problem));
+    EXPECT_EQ(problem, "");
+}
+
+TEST_F(ListenerTest, RefusedFolderIsReportedToBothSides) {
+    ASSERT_EQ(chmod(session_.Path().c_str(), 0755), 0);
+    std::string problem;
+    EXPECT_FALSE(Connect("port", &problem));
+    EXPECT_THAT(problem, testing::HasSubstr("mode 0755"));
+    bool taken = true;
+    EXPECT_FALSE(Listener::Create("port", &taken, &problem));
+    EXPECT_FALSE(taken);
+    EXPECT_THAT(problem, testing::HasSubstr("mode 0755"));
+}
+
+TEST_F(ListenerTest, ConnectingLeavesNothingBehind) {
+    Connect("port");
+    EXPECT_THAT(session_.Files(), IsEmpty());
+}
+
+TEST_F(ListenerTest, SocketFileGoesWithTheListener) {
+    {
+        const auto listener = Serve("port");
+        EXPECT_THAT(session_.Files(), ElementsAre("port"));
+    }
+    EXPECT_THAT(session_.Files(), IsEmpty());
+    EXPECT_FALSE(Connect("port"));
+}
+
+TEST_F(ListenerTest, AssigningWithdrawsTheOlderListener) {
+    auto listener = Serve("older");
+    listener = Serve("newer");
+    EXPECT_THAT(session_.Files(), ElementsAre("newer"));
+    EXPECT_TRUE(Connect("newer"));
+}
+
+TEST_F(ListenerTest, NameServedInThisProcessIsTaken) {
+    const auto listener = Serve("port");
+    EXPECT_TRUE(IsTaken("port"));
+    EXPECT_TRUE(Connect("port")) << "the first listener was disturbed";
+}
+
+TEST_F(ListenerTest, NameServedByAnotherProcessIsTaken) {
+    const pid_t server = StartServer("port");
+    EXPECT_TRUE(IsTaken("port"));
+    Kill(server);
+}
+
+TEST_F(ListenerTest, NameServedByAStoppedProcessIsTaken) {
+    const pid_t server = StartServer("port");
+    kill(server, SIGSTOP);
+    waitpid(server, nullptr, WUNTRACED);
+    EXPECT_TRUE(IsTaken("port"));
+    Kill(server);
+}
+
+TEST_F(ListenerTest, NameWhoseBacklogIsFullIsTaken) {
+    const Descriptor directory(open(session_.Path().c_str(), O_RDONLY | O_DIRECTORY));
+    const Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0));
+    const SocketAddress address = AddressInDirectory(directory.get(), "port");
+    ASSERT_EQ(bind(socket.get(), address.Get(), address.length), 0);
+    ASSERT_EQ(listen(socket.get(), 0), 0);
+    std::vector<Descriptor> waiting;
+    while (Descriptor client = Connect("port")) {
+        waiting.push_back(std::move(client));
+    }
+    EXPECT_FALSE(waiting.empty());
+    EXPECT_TRUE(IsTaken("port"));
+}
+
+TEST_F(ListenerTest, SocketOfAKilledProcessIsReplaced) {
+    Kill(StartServer("port"));
+    EXPECT_THAT(session_.Files(), ElementsAre("port")) << "the killed process left nothing to test";
+    EXPECT_FALSE(Connect("port"));
+    auto listener = Serve("port");
+    EXPECT_TRUE(Connect("port"));
+}
+
+TEST_F(ListenerTest, UnfinishedSocketOfAKilledProcessIsReplaced) {
+    std::ofstream(session_.Path() / "#binding") << "left behind";
+    const auto listener = Serve("port");
+    EXPECT_THAT(session_.Files(), ElementsAre("port"));
+}
+
+TEST_F(ListenerTest, FileThatIsNotItsOwnIsLeftAlone) {
+    auto first = Serve("port");
+    std::filesystem::remove(session_.Path() / "port");
+    auto second = Serve("port");
+    first.reset();
+    EXPECT_THAT(session_.Files(), ElementsAre("port"));
+    EXPECT_TRUE(Connect("port"));
+}
+
+TEST_F(ListenerTest, FolderInThePlaceOfTheSocketIsReported) {
+    std::filesystem::create_directory(session_.Path() / "port");
+    bool taken = true;
+    std::string problem;
+    EXPECT_FALSE(Listener::Create("port", &taken, &problem));
+    EXPECT_FALSE(taken);
+    EXPECT_THAT(problem, testing::HasSubstr("cannot be served"));
+}
+
+TEST_F(ListenerTest, AnyBytesNameAPort) {
+    const std::vector<std::string> names = {"a/b",
+                                            "..",
+                                            ".",
+                                            "/",
+                                            std::string("a\0b", 3),
+                                            std::string("a\0c", 3),
+                                            "\xff\xfe\x80",
+                                            std::string(128, 'n'),
+                                            std::string(255, 'n'),
+                                            std::string(255, '/'),
+                                            ""};
+    std::vector<Listener> listeners;
+    for (const auto& name : names) {
+        auto listener = Serve(name);
+        ASSERT_TRUE(listener) << testing::PrintToString(name);
+        listeners.push_back(std::move(*listener));
+    }
+    EXPECT_EQ(session_.Files().size(), names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const Descriptor client = Connect(names[i]);
+        EXPECT_TRUE(client) << testing::PrintToString(names[i]);
+        EXPECT_TRUE(listeners[i].Accept()) << testing::PrintToString(names[i]);
+    }
+    EXPECT_FALSE(std::filesystem::exists(session_.Path().parent_path() / "b"));
+}
+
+TEST_F(ListenerTest, FolderOfAnyDepthServes) {
+    std::string deep = session_.Path().string();
+    while (deep.size() < 300) {
+        deep += "/a-folder-on-the-way-down";
+    }
+    std::filesystem::create_directories(deep);
+    setenv("KRT9_SESSION_DIR", (deep + "/krt9").c_str(), 1);
+    auto listener = Serve("port");
+    EXPECT_TRUE(Connect("port"));
+}
+
+TEST_F(ListenerTest, OneOfManyProcessesGetsTheName) {
+    Kill(StartServer("port"));  // so that all of them find a socket to replace
+    constexpr int kProcesses = 16;
+    int start[2];
+    int served[2];
+    int finish[2];
+    ASSERT_EQ(pipe(start), 0);
+    ASSERT_EQ(pipe(served), 0);
+    ASSERT_EQ(pipe(finish), 0);
+    std::vector<pid_t> children;
+    for (int i = 0; i < kProcesses; ++i) {
+        children.push_back(fork());
+        if (children.back() == 0) {
+            close(start[1]);
+            close(finish[1]);
+            char unused = 0;
+            (void)!read(start[0], &unused, 1);
+            const auto listener = Listener::Create("port", nullptr, nullptr);
+            (void)!write(served[1], listener ? "y" : "n", 1);
+            (void)!read(finish[0], &unused, 1);
+            _exit(0);
+        }
+    }
+    close(start[1]);
+    std::string answers(kProcesses, ' ');
+    for (auto& answer : answers) {
+        ASSERT_EQ(read(served[0], &answer, 1), 1);
+    }
+    close(finish[1]);
+    for (const pid_t child : children) {
+        waitpid(child, nullptr, 0);
+    }
+    EXPECT_EQ(std::count(answers.begin(), answers.end(), 'y'), 1) << answers;
+}
+
+TEST_F(ListenerTest, ClientOfAnotherUserIsClosedAtOnce) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can act as another user";
+    }
+    auto listener = Serve("port");
+    // The doors that keep other users out are opened, so that the check itself is what is left.
+    ASSERT_EQ(chmod(session_.Path().c_str(), 0755), 0);
+    ASSERT_EQ(chmod((session_.Path() / "port").c_str(), 0777), 0);
+    const std::string path = (session_.Path() / "port").string();
+    int connected[2];
+    ASSERT_EQ(pipe(connected), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (setgid(kNobody) != 0 || setuid(kNobody) != 0) {
+            _exit(3);
+        }
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        if (connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+            _exit(2);
+        }
+        (void)!write(connected[1], "c", 1);
+        char unused = 0;
+        _exit(read(socket, &unused, 1) == 0 ? 0 : 1);
+    }
+    char unused = 0;
+    close(connected[1]);
+    ASSERT_EQ(read(connected[0], &unused, 1), 1) << "the other user could not connect";
+    EXPECT_FALSE(listener->Accept()) << "a client of another user was let in";
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 0) << "the other user's connection was not closed";
+}
+
+TEST_F(ListenerTest, ListenerOfAnotherUserIsNotTrusted) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can act as another user";
+    }
+    ASSERT_EQ(chmod(session_.Path().c_str(), 0777), 0);
+    const std::string path = (session_.Path() / "port").string();
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (setgid(kNobody) != 0 || setuid(kNobody) != 0) {
+            _exit(3);
+        }
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        const bool serves =
+            bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+            listen(socket, 8) == 0;
+        (void)!write(ready[1], serves ? "y" : "n", 1);
+        pause();
+    }
+    char answer = 0;
+    ASSERT_EQ(read(ready[0], &answer, 1), 1);
+    EXPECT_EQ(answer, 'y') << "the other user could not serve the name";
+    ASSERT_EQ(chmod(session_.Path().c_str(), 0700), 0);
+    EXPECT_FALSE(Connect("port")) << "a listener of another user was trusted";
+    Kill(child);
+}
+
+TEST_F(ListenerTest, ClientsAreClosedWhenNoDescriptorIsLeft) {
+    const int result = InOtherProcess([] {
+        auto listener = Listener::Create("port", nullptr, nullptr);
+        std::vector<Descriptor> clients;
+        for (int i = 0; i < 3; ++i) {
+            clients.push_back(Connect("port"));
+        }
+        const rlimit limit{64, 64};
+        setrlimit(RLIMIT_NOFILE, &limit);
+        std::vector<Descriptor> others;
+        while (Descriptor other{open("/dev/null", O_RDONLY)}) {
+            others.push_back(std::move(other));
+        }
+        if (listener->Accept()) {
+            return 1;
+        }
+        pollfd waiting{listener->descriptor(), POLLIN, 0};
+        if (poll(&waiting, 1, 0) != 0) {
+            return 2;  // it would be ready for ever
+        }
+        char unused = 0;
+        for (const auto& client : clients) {
+            if (read(client.get(), &unused, 1) != 0) {
+                return 3;
+            }
+        }
+        others.clear();
+        const Descriptor later = Connect("port");
+        return later && listener->Accept() ? 0 : 4;
+    });
+    EXPECT_EQ(result, 0);
+}
+
+}  // namespace
+}  // namespace local_socket

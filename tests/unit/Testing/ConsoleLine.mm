@@ -1,0 +1,9 @@
+#include "tests/unit/Testing/ConsoleLine.h"
+
+#import <Foundation/Foundation.h>
+
+void WriteConsoleLine(const char* text) {
+    @autoreleasepool {
+        NSLog(@"%@", [NSString stringWithUTF8String:text]);
+    }
+}

@@ -1,0 +1,36 @@
+// A home folder of a test's own, named by HOME while the object lives.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "tests/support/TemporaryFolder.h"
+
+class HomeFolder {
+  public:
+    HomeFolder() {
+        if (const char* home = std::getenv("HOME")) {
+            before_ = home;
+        }
+        setenv("HOME", folder_.Path().c_str(), 1);
+    }
+    ~HomeFolder() { setenv("HOME", before_.c_str(), 1); }
+    HomeFolder(const HomeFolder&) = delete;
+    HomeFolder& operator=(const HomeFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return folder_.Path(); }
+
+    std::filesystem::path MakersFolder() const {
+        return Path() / "Library/Application Support/Solvanto";
+    }
+
+    void WriteTranslations(const std::string& language, std::string_view document) const {
+        folder_.Write(MakersFolder() / (language + ".plist"), document);
+    }
+
+  private:
+    test_support::TemporaryFolder folder_;
+    std::string before_;
+};

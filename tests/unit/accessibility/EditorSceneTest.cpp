@@ -1,0 +1,223 @@
+// The driver beside an editor that behaves like one: a desktop of this process, the real
+// front-application observer, and what users meet while a search is under way.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "desktop/Desktop.h"
+#include "desktop/InProcessTransport.h"
+#include "platform/Testing/LiveObjects.h"
+#include "protocol/MessageCodes.h"
+#include "tests/support/Companion.h"
+#include "tests/support/DriverInspector.h"
+#include "tests/support/SessionFixture.h"
+#include "tests/support/TestDriver.h"
+#include "tests/unit/accessibility/DriverTest.h"
+#include "workspace/FrontApplication.h"
+
+namespace {
+
+using nlohmann::json;
+
+json Control(const std::string& role, const std::string& identifier, const json& value) {
+    return {{"AXRole", role}, {"AXIdentifier", identifier}, {"AXValue", value}};
+}
+
+json Group(const std::vector<json>& children) {
+    return {{"AXRole", "AXGroup"}, {"AXChildren", children}};
+}
+
+json Editor(const std::string& version, const std::vector<json>& children) {
+    json window = {{"AXRole", "AXWindow"}, {"AXChildren", children}};
+    return {{"bundleID", "com.apple.FinalCut"},
+            {"pid", 501},
+            {"info", {{"CFBundleShortVersionString", version}}},
+            {"windows", json::array({window})}};
+}
+
+json Scene(const json& editor) {
+    json finder = {{"bundleID", "com.apple.finder"}, {"pid", 77}, {"windows", json::array()}};
+    return {{"trusted", true},
+            {"front", "com.apple.FinalCut"},
+            {"applications", json::array({editor, finder})}};
+}
+
+// A driver that sees one scene, from start to end.
+class Session {
+  public:
+    explicit Session(const json& scene) : desktop_(scene) {
+        auto transport = std::make_unique<desktop::InProcessTransport>(desktop_);
+        transport_ = transport.get();
+        desktop_link::SetTransport(std::move(transport));
+        driver_.emplace();
+        CFWorkspace_StartObservingFrontApplication();
+    }
+    ~Session() {
+        driver_.reset();
+        desktop_link::SetTransport(nullptr);
+    }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    CVEK_UserSpaceDriver* operator->() { return &**driver_; }
+    CVEK_UserSpaceDriver& Driver() { return **driver_; }
+    desktop::Desktop& Desktop() { return desktop_; }
+
+    void Do(const json& command) {
+        EXPECT_TRUE(json::parse(desktop_.Run(command.dump())).contains("ok")) << command;
+        transport_->DeliverNotifications();
+    }
+
+    // Runs the command when the element's role is read for the first time.
+    void WhenRead(const std::string& address, const json& command) {
+        desktop_link::ElementReference trigger = desktop_.Find("com.apple.FinalCut", address);
+        desktop_.onRead = [this, trigger, command, pending = true](
+                              const desktop_link::ElementReference& element,
+                              const std::string&) mutable {
+            if (pending && element == trigger) {
+                pending = false;
+                Do(command);
+            }
+        };
+    }
+
+    std::optional<unsigned> Value(const char* identifier) {
+        unsigned value = 0;
+        bool read = driver_->operator->()->GetValueOfElementWithID(String(identifier).get(), value);
+        return read ? std::optional(value) : std::nullopt;
+    }
+
+    std::vector<std::string> Sent() {
+        std::vector<std::string> texts;
+        for (const SentMessage& message : TakeSent(companion_, **driver_)) {
+            texts.push_back(message.body.substr(0, message.body.size() - 1));
+        }
+        return texts;
+    }
+
+  private:
+    platform_testing::AutoreleasePool pool_;
+    test_support::SessionFixture folder_;
+    test_support::Companion companion_;
+    desktop::Desktop desktop_;
+    desktop::InProcessTransport* transport_ = nullptr;
+    std::optional<test_support::TestDriver> driver_;
+};
+
+TEST(EditorScene, EachReleaseIsFollowedByItsOwnIdentifiers) {
+    const char* releases[] = {"10.1.4", "10.2.3", "10.3.2", "10.3.4", "10.4.1", "10.4.6"};
+    for (int row = 0; row < 6; ++row) {
+        const auto& identifiers = CVEK_UserSpaceDriver::sFCPXAXIDsForVersions[row];
+        json playhead = {{"AXRole", "AXValueIndicator"},
+                         {"AXDescription", "Playhead"},
+                         {"AXValueDescription", "01:00:00:00"}};
+        json area = {{"AXRole", "AXLayoutArea"},
+                     {"AXIdentifier", TextOf(identifiers[3])},
+                     {"AXChildren", json::array({playhead})}};
+        Session session(Scene(
+            Editor(releases[row],
+                   {Group({Control("AXStaticText", TextOf(identifiers[4]), "Interview"), area})})));
+        CFStringRef version = nullptr;
+        ASSERT_TRUE(CFWorkspace_FrontApplicationShortVersion(&version));
+        EXPECT_EQ(TextOf(version), releases[row]);
+        DriverInspector::Profile(session.Driver()) =
+            CVEK_UserSpaceDriver::ProfileForVersion(version);
+        EXPECT_EQ(DriverInspector::Profile(session.Driver()), row);
+        session->ObserveFCPXClipSelectionChange();
+        session->ObserveFCPXTimelineTimecode();
+        for (int tick = 0; tick < 4; ++tick) {
+            session->ObserveFCPXClipSelectionTask();
+            session->ObserveFCPXTimelineTimecodeTask();
+        }
+        EXPECT_THAT(session.Sent(), testing::UnorderedElementsAre("Interview", "01:00:00:00"))
+            << releases[row];
+    }
+}
+
+TEST(EditorScene, PressingACheckBoxFlipsItsValue) {
+    Session session(Scene(Editor("10.4.6", {Control("AXCheckBox", "_NS:1", 0)})));
+    EXPECT_EQ(session.Value("_NS:1"), 0U);
+    EXPECT_TRUE(session->PressButtonWithID(CFSTR("_NS:1")));
+    EXPECT_EQ(session.Value("_NS:1"), 1U);
+}
+
+TEST(EditorScene, SettingARadioGroupSelectsTheButtonThatIsThenReported) {
+    json group = {{"AXRole", "AXRadioGroup"},
+                  {"AXIdentifier", "_NS:1"},
+                  {"AXChildren",
+                   json::array({Control("AXRadioButton", "", 1), Control("AXRadioButton", "", 0),
+                                Control("AXRadioButton", "", 0)})}};
+    Session session(Scene(Editor("10.4.6", {group})));
+    unsigned selected = 99;
+    EXPECT_TRUE(session->GetValueOfAXRadioGroupWithID(CFSTR("_NS:1"), selected));
+    EXPECT_EQ(selected, 0U);
+    EXPECT_TRUE(SelectRadioButton(session.Driver(), CFSTR("_NS:1"), 2));
+    EXPECT_TRUE(session->GetValueOfAXRadioGroupWithID(CFSTR("_NS:1"), selected));
+    EXPECT_EQ(selected, 2U);
+    EXPECT_FALSE(SelectRadioButton(session.Driver(), CFSTR("_NS:1"), 3));
+}
+
+TEST(EditorScene, ATextThatIsSetIsConfirmedAndStays) {
+    Session session(Scene(Editor("10.4.6", {Control("AXTextField", "_NS:1", "before")})));
+    EXPECT_FALSE(session->SetIntValueAsStringOfElementWithID(CFSTR("_NS:1"), -17));
+    EXPECT_EQ(TextOf(session->GetStringValueOfElementWithID(CFSTR("_NS:1"))), "-17");
+}
+
+TEST(EditorScene, WithoutPermissionNothingIsFound) {
+    Session session(Scene(Editor("10.4.6", {Control("AXCheckBox", "_NS:1", 1)})));
+    session.Do({{"command", "trust"}, {"trusted", false}});
+    EXPECT_EQ(session.Value("_NS:1"), std::nullopt);
+    session.Do({{"command", "trust"}, {"trusted", true}});
+    EXPECT_EQ(session.Value("_NS:1"), 1U);
+}
+
+TEST(EditorScene, AnotherApplicationInFrontIsSearchedInstead) {
+    Session session(Scene(Editor("10.4.6", {Control("AXCheckBox", "_NS:1", 1)})));
+    session.Do({{"command", "activate"}, {"application", "com.apple.finder"}});
+    EXPECT_EQ(session.Value("_NS:1"), std::nullopt);
+    session.Do({{"command", "activate"}, {"application", "com.apple.FinalCut"}});
+    EXPECT_EQ(session.Value("_NS:1"), 1U);
+}
+
+TEST(EditorScene, ASearchUnderWayStaysWithTheApplicationItBeganIn) {
+    Session session(Scene(Editor("10.4.6", {Group({Control("AXCheckBox", "_NS:1", 1)})})));
+    session.WhenRead("/0/0", {{"command", "activate"}, {"application", "com.apple.finder"}});
+    EXPECT_EQ(session.Value("_NS:1"), 1U);
+    EXPECT_EQ(session.Value("_NS:1"), std::nullopt) << "the next one sees the other application";
+}
+
+TEST(EditorScene, AnEditorThatDiesUnderASearchYieldsNothing) {
+    Session session(Scene(Editor("10.4.6", {Group({Control("AXCheckBox", "_NS:1", 1)})})));
+    session.WhenRead("/0/0", {{"command", "kill"}, {"application", "com.apple.FinalCut"}});
+    EXPECT_EQ(session.Value("_NS:1"), std::nullopt);
+}
+
+TEST(EditorScene, AnEditorThatHangsUnderASearchYieldsNothingAndIsFoundAgainAfterwards) {
+    Session session(Scene(Editor("10.4.6", {Group({Control("AXCheckBox", "_NS:1", 1)})})));
+    session.WhenRead("/0/0", {{"command", "hang"}, {"application", "com.apple.FinalCut"}});
+    EXPECT_EQ(session.Value("_NS:1"), std::nullopt);
+    session.Do({{"command", "unhang"}, {"application", "com.apple.FinalCut"}});
+    EXPECT_EQ(session.Value("_NS:1"), 1U);
+}
+
+TEST(EditorScene, AControlRemovedUnderASearchIsPassedOver) {
+    Session session(Scene(Editor("10.4.6", {Group({Control("AXCheckBox", "_NS:1", 1),
+                                                   Control("AXCheckBox", "_NS:1", 2)})})));
+    session.WhenRead("/0/0", {{"command", "remove"}, {"element", "/0/0/0"}});
+    EXPECT_EQ(session.Value("_NS:1"), 2U);
+}
+
+TEST(EditorScene, AControlAddedWhereTheSearchHasYetToComeIsFound) {
+    Session session(Scene(Editor("10.4.6", {Group({Control("AXButton", "_NS:5", 0)}),
+                                            Group({Control("AXButton", "_NS:6", 0)})})));
+    session.WhenRead("/0/0", {{"command", "insert"},
+                              {"parent", "/0/1"},
+                              {"element", Control("AXCheckBox", "_NS:1", 3)}});
+    EXPECT_EQ(session.Value("_NS:1"), 3U);
+}
+
+}  // namespace

@@ -1,0 +1,30 @@
+// What the tests of both observations share.
+#pragma once
+
+#include "protocol/MessageCodes.h"
+#include "tests/unit/accessibility/DriverTest.h"
+
+class ObservationTest : public DriverTest {
+  protected:
+    ObservationTest() { ChooseFirstStaticText(); }
+
+    // Where the clip name is looked for is remembered by the process as a whole: three ticks with
+    // the first static text, and it alone, lead there from anywhere.
+    void ChooseFirstStaticText() {
+        Profile() = 5;
+        ShowStaticText("_NS:100", Text("whatever"));
+        for (int tick = 0; tick < 3; ++tick) {
+            driver_->ObserveFCPXClipSelectionTask();
+        }
+        driver_->ObserveFCPXClipSelectionChange();
+        Sent();
+    }
+
+    // The one control of the one window.
+    ElementReference ShowStaticText(const std::string& identifier, const Value& value) {
+        ElementReference text = editor_.Add("AXStaticText", identifier);
+        editor_.Set(text, "AXValue", value);
+        editor_.ShowWindow({text});
+        return text;
+    }
+};

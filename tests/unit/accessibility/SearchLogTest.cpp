@@ -1,0 +1,138 @@
+// The lines that a search writes to the console log when it is told to.
+#include "accessibility/VEK_C_AXUtils.h"
+#include "platform/Testing/LogCapture.h"
+#include "tests/unit/accessibility/AccessibilityTest.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+class SearchLog : public AccessibilityTest {
+  protected:
+    std::vector<std::string> LinesOfCopyElement(const char* identifier, const char* role,
+                                                bool debug = true) {
+        platform_testing::LogCapture console;
+        OwnedReference<AXUIElementRef> found(
+            utils_.CopyElement(String(identifier).get(), String(role).get(), debug, "tag"));
+        return console.ConsoleTexts();
+    }
+    std::vector<std::string> LinesOfWindowList() {
+        platform_testing::LogCapture console;
+        OwnedReference<CFArrayRef> windows(utils_.copyFrontApplicationWindowList(true, "tag"));
+        return console.ConsoleTexts();
+    }
+
+    VEK_C_AXUtils utils_;
+};
+
+TEST_F(SearchLog, AHitBelowAGroupIsToldStepByStep) {
+    auto sought = editor_.Add("AXButton", "_NS:1");
+    auto group = editor_.Add("AXGroup", "", {editor_.Add("AXButton", "_NS:5"), sought});
+    editor_.ShowWindow({editor_.Add("AXCheckBox"), group});
+    EXPECT_THAT(
+        LinesOfCopyElement("_NS:1", "VEKAXAllRoles"),
+        ElementsAre(
+            "(tag) copyElement(_NS:1)", "  rebuilding path",
+            "CopyChild (_NS:1, VEKAXAllRoles) level = 0", "  got Child 0",
+            "        role AXCheckBox is valid", "            child has no ID", "  got Child 1",
+            "        role AXGroup is not valid", "            wrong element- checking children",
+            "             there are 2 children", "CopyChild (_NS:1, VEKAXAllRoles) level = 1",
+            "  got Child 0", "        role AXButton is valid", "          checking id _NS:5",
+            "  got Child 1", "        role AXButton is valid", "          checking id _NS:1",
+            "  returning element with id = _NS:1 at index 1",
+            testing::StartsWith("  returning element with id = _NS:1 at index 1 retain count = "),
+            "   recursion found element with id _NS:1",
+            testing::MatchesRegex(
+                "    \\*\\*\\*FOUND IT \\(_NS:1\\)  retain count [0-9]+\\*\\*\\*")));
+}
+
+TEST_F(SearchLog, AMissIsToldAtTheEnd) {
+    editor_.ShowWindow({});
+    EXPECT_THAT(
+        LinesOfCopyElement("_NS:1", "AXTable"),
+        ElementsAre("(tag) copyElement(_NS:1)", "  rebuilding path",
+                    "CopyChild (_NS:1, AXTable) level = 0", "   element _NS:1 not found!!!"));
+}
+
+TEST_F(SearchLog, TheLevelStartsAnewInEachWindow) {
+    auto first = editor_.Add("AXWindow", "", {editor_.Add("AXGroup", "", {editor_.Add("AXRow")})});
+    auto second = editor_.Add("AXWindow", "", {editor_.Add("AXRow")});
+    editor_.SetWindows({first, second});
+    std::vector<std::string> levels;
+    for (const std::string& line : LinesOfCopyElement("_NS:1", "AXTable")) {
+        if (line.starts_with("CopyChild")) {
+            levels.push_back(line);
+        }
+    }
+    EXPECT_THAT(levels, ElementsAre("CopyChild (_NS:1, AXTable) level = 0",
+                                    "CopyChild (_NS:1, AXTable) level = 1",
+                                    "CopyChild (_NS:1, AXTable) level = 0"));
+}
+
+TEST_F(SearchLog, TheLevelIsTheOneThatWasSetAndIsRestored) {
+    auto children = ArrayOf({editor_.Add("AXButton", "_NS:1")});
+    utils_.SetDebugLevel(5);
+    for (const char* identifier : {"_NS:1", "_NS:2"}) {
+        platform_testing::LogCapture console;
+        AXUIElementRef element = nullptr;
+        utils_.CopyChild(element, String(identifier).get(), CFSTR("AXButton"), children.get(),
+                         false, true);
+        OwnedReference<AXUIElementRef> owned(element);
+        EXPECT_EQ(console.ConsoleTexts().at(0),
+                  "CopyChild (" + std::string(identifier) + ", AXButton) level = 5");
+    }
+}
+
+TEST_F(SearchLog, AContainerWithoutReadableChildrenIsToldWithoutTheirNumber) {
+    editor_.ShowWindow({editor_.Add("AXScrollArea")});
+    EXPECT_THAT(LinesOfCopyElement("_NS:1", "AXTable"),
+                testing::IsSupersetOf({"            wrong element- checking children"}));
+    EXPECT_THAT(LinesOfCopyElement("_NS:1", "AXTable"),
+                testing::Not(testing::Contains(testing::HasSubstr("there are"))));
+}
+
+TEST_F(SearchLog, ASkippedChildIsToldByItsIndexOnly) {
+    auto broken = editor_.Add("AXButton", "_NS:1");
+    editor_.ShowWindow({broken});
+    editor_.Fail(broken, kAXErrorInvalidUIElement);
+    EXPECT_THAT(LinesOfCopyElement("_NS:1", "AXButton"),
+                ElementsAre("(tag) copyElement(_NS:1)", "  rebuilding path",
+                            "CopyChild (_NS:1, AXButton) level = 0", "  got Child 0",
+                            "   element _NS:1 not found!!!"));
+}
+
+TEST_F(SearchLog, AMissingWindowListIsTold) {
+    EXPECT_THAT(
+        LinesOfCopyElement("_NS:1", "AXButton"),
+        ElementsAre("(tag) copyElement(_NS:1)", "  couldn't get application windows (_NS:1)"));
+}
+
+TEST_F(SearchLog, WithoutAFrontBundleIdentifierOnlyTheCallIsTold) {
+    test_support::SetFrontApplication({nullptr, nullptr, 7});
+    EXPECT_THAT(LinesOfCopyElement("_NS:1", "AXButton"), ElementsAre("(tag) copyElement(_NS:1)"));
+    EXPECT_THAT(LinesOfWindowList(), ElementsAre("copyFrontApplicationWindowList tag"));
+}
+
+TEST_F(SearchLog, TheWindowListIsTold) {
+    editor_.ShowWindow({});
+    EXPECT_THAT(LinesOfWindowList(),
+                ElementsAre("copyFrontApplicationWindowList tag", "tag rebuilding list"));
+}
+
+TEST_F(SearchLog, AFailingWindowListIsToldWithItsErrorInHexadecimal) {
+    editor_.Fail(editor_.Application(), kAXErrorCannotComplete);
+    EXPECT_THAT(LinesOfWindowList(),
+                ElementsAre("copyFrontApplicationWindowList tag", "tag rebuilding list",
+                            "CopyApplicationWindowList tag AXUIElementCopyAttributeValue err = "
+                            "ffff9d8c\n"));
+}
+
+TEST_F(SearchLog, WithoutTheDebugFlagNothingIsLogged) {
+    editor_.ShowWindow({editor_.Add("AXGroup", "", {editor_.Add("AXButton", "_NS:1")})});
+    EXPECT_THAT(LinesOfCopyElement("_NS:1", "AXButton", false), ElementsAre());
+    EXPECT_THAT(LinesOfCopyElement("_NS:2", "AXButton", false), ElementsAre());
+    editor_.Fail(editor_.Application(), kAXErrorCannotComplete);
+    EXPECT_THAT(LinesOfCopyElement("_NS:1", "AXButton", false), ElementsAre());
+}
+
+}  // namespace

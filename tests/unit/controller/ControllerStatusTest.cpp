@@ -1,0 +1,160 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+
+#include "platform/Testing/LiveObjects.h"
+#include "platform/Testing/LogCapture.h"
+#include "platform/Testing/TestClock.h"
+#include "protocol/MessageCodes.h"
+#include "tests/support/Companion.h"
+#include "tests/support/DriverInspector.h"
+#include "tests/support/SessionFixture.h"
+#include "tests/support/TestDriver.h"
+
+namespace {
+
+using test_support::Bytes;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Seven words, most significant byte first; the last five are noise.
+Bytes Status(unsigned int units, unsigned int channels) {
+    Bytes bytes;
+    for (const unsigned int word : {units, channels, 0xDEADBEEFu, 1u, 2u, 3u, 0xFFFFFFFFu}) {
+        for (int shift = 24; shift >= 0; shift -= 8) {
+            bytes.push_back(static_cast<unsigned char>(word >> shift));
+        }
+    }
+    return bytes;
+}
+
+class ControllerStatus : public testing::Test {
+  protected:
+    platform_testing::AutoreleasePool pool_;
+    platform_testing::TestClock clock_;  // no time-out comes before what is ready
+    test_support::SessionFixture session_;
+    test_support::Companion companion_;
+    test_support::TestDriver driver_;
+};
+
+}  // namespace
+
+TEST_F(ControllerStatus, CountsAreZeroBeforeAnyReplyAlthoughTheFieldHoldsOneUnit) {
+    EXPECT_EQ(DriverInspector::UnitCount(*driver_), 1);
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetUnitCount(), 0);
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetChannelCount(), 0);
+}
+
+TEST_F(ControllerStatus, IsAskedForWithoutBodyAndTakenFromTheReply) {
+    companion_.reply = Status(2, 16);
+    driver_->RequestKRTStatus();
+    EXPECT_THAT(companion_.Codes(), ElementsAre(kStus));
+    EXPECT_EQ(companion_.received[0].body, Bytes());
+    EXPECT_TRUE(DriverInspector::StatusValid(*driver_));
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetUnitCount(), 2);
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetChannelCount(), 16);
+    EXPECT_EQ(DriverInspector::StatusReserved(*driver_), 0);
+}
+
+TEST_F(ControllerStatus, UnitCountOf65537IsKeptAsOne) {
+    const Bytes status = Status(65537, 0x12340003);
+    driver_->SetKRTStatus(status.data());
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetUnitCount(), 1);
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetChannelCount(), 3);
+}
+
+TEST_F(ControllerStatus, WithoutReplyStaysAsItIs) {
+    const platform_testing::LogCapture log;
+    driver_->RequestKRTStatus();
+    EXPECT_THAT(companion_.Codes(), ElementsAre(kStus));
+    EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
+    EXPECT_EQ(DriverInspector::UnitCount(*driver_), 1);
+    EXPECT_THAT(log.SystemTexts(), IsEmpty());
+}
+
+TEST_F(ControllerStatus, EmptyReplyIsNoReply) {
+    companion_.reply = Bytes();
+    const platform_testing::LogCapture log;
+    driver_->RequestKRTStatus();
+    EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
+    EXPECT_THAT(log.SystemTexts(), IsEmpty());
+}
+
+TEST_F(ControllerStatus, ReplyShorterThan28BytesIsIgnoredWithOneLineAndAskedForAgain) {
+    for (std::size_t length = 1; length < 28; ++length) {
+        const Bytes whole = Status(2, 16);
+        companion_.reply = Bytes(whole.begin(), whole.begin() + static_cast<long>(length));
+        const platform_testing::LogCapture log;
+        driver_->RequestKRTStatus();
+        EXPECT_FALSE(DriverInspector::StatusValid(*driver_)) << length << " bytes";
+        EXPECT_EQ(DriverInspector::UnitCount(*driver_), 1) << length << " bytes";
+        EXPECT_THAT(log.Lines(), ElementsAre(platform_testing::LogLine{
+                                     platform_testing::LogLine::Log::system, 0,
+                                     "controller status ignored: reply of " +
+                                         std::to_string(length) + " bytes, 28 are needed\n"}));
+    }
+    companion_.reply = Status(2, 16);
+    driver_->RequestKRTStatus();
+    EXPECT_TRUE(DriverInspector::StatusValid(*driver_));
+    EXPECT_EQ(companion_.received.size(), 28u);
+}
+
+TEST_F(ControllerStatus, LongerReplyIsReadAtItsFront) {
+    companion_.reply = Status(3, 4);
+    companion_.reply->push_back(9);
+    driver_->RequestKRTStatus();
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetUnitCount(), 3);
+}
+
+TEST_F(ControllerStatus, WithoutCompanionStaysAsItIs) {
+    CACFRemoteMessagePort*& remotePort = DriverInspector::RemotePort(*driver_);
+    delete remotePort;
+    remotePort = nullptr;
+    driver_->RequestKRTStatus();
+    EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
+}
+
+TEST_F(ControllerStatus, IsNeverAskedForWithoutController) {
+    DriverInspector::LocaleSent(*driver_) = true;
+    ASSERT_FALSE(DriverInspector::Connected(*driver_));
+    companion_.reply = Status(2, 16);
+    for (int tick = 0; tick < 10; ++tick) {
+        driver_->TimeoutCounter();
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+    }
+    EXPECT_THAT(companion_.received, IsEmpty());
+}
+
+TEST_F(ControllerStatus, IsAskedForOnEveryTickUntilItIsThere) {
+    DriverInspector::LocaleSent(*driver_) = true;
+    DriverInspector::Connected(*driver_) = true;
+    driver_->TimeoutCounter();
+    companion_.reply = Bytes(27, 1);  // too short to be one
+    driver_->TimeoutCounter();
+    companion_.reply = Status(2, 16);
+    driver_->TimeoutCounter();
+    driver_->TimeoutCounter();
+    EXPECT_THAT(companion_.Codes(), ElementsAre(kStus, kStus, kStus));
+    EXPECT_TRUE(DriverInspector::StatusValid(*driver_));
+}
+
+TEST_F(ControllerStatus, ConnectStateIsTheFieldThatNothingSets) {
+    EXPECT_FALSE(driver_->RequestConnectState());
+    DriverInspector::ConnectState(*driver_) = true;
+    EXPECT_TRUE(driver_->RequestConnectState());
+}
+
+TEST_F(ControllerStatus, HardwareInputIsDeliberatelyDropped) {
+    CVEK_UserSpaceDriver::HardwareReadProcEntry(nullptr, nullptr, nullptr);
+    EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
+}
+
+TEST(ControllerStatusWithoutDriver, CountsAreZero) {
+    CVEK_UserSpaceDriver* const driver = CVEK_UserSpaceDriver::sSelf;
+    CVEK_UserSpaceDriver::sSelf = nullptr;
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetUnitCount(), 0);
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetChannelCount(), 0);
+    CVEK_UserSpaceDriver::sSelf = driver;
+}

@@ -1,0 +1,50 @@
+// A MIDI system that a test describes: its functions take the place of the framework's in the test
+// program, so that every one of them can fail.
+#pragma once
+
+#include <CoreMIDI/CoreMIDI.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace fake_midi {
+
+using Name = std::optional<std::string>;  // UTF-8; none: the object's name cannot be read
+
+struct Entity {
+    Name name;
+    bool hasSource = true;
+    bool hasDestination = true;
+};
+
+struct Device {
+    Name name;
+    std::vector<Entity> entities;
+};
+
+struct Bus {
+    std::vector<Device> devices;
+    OSStatus clientStatus = 0;  // of MIDIClientCreate, which makes a client all the same
+    bool makesNoClient = false;
+    bool makesNoInputPort = false;
+    bool makesNoOutputPort = false;
+    OSStatus connectStatus = 0;
+    bool nullNames = false;  // names are read with success and without a string
+
+    std::vector<std::string> calls;  // of clients and ports, in order, with their arguments
+    std::vector<std::string> namesRead;
+    MIDIReadProc readProc = nullptr;
+};
+
+Bus& TheBus();
+
+constexpr MIDIClientRef kClient = 1;
+constexpr MIDIPortRef kInputPort = 2;
+constexpr MIDIPortRef kOutputPort = 3;
+MIDIDeviceRef DeviceAt(unsigned device);
+MIDIEntityRef EntityAt(unsigned device, unsigned entity);
+MIDIEndpointRef SourceOf(MIDIEntityRef entity);
+MIDIEndpointRef DestinationOf(MIDIEntityRef entity);
+
+}  // namespace fake_midi

@@ -1,0 +1,159 @@
+// The editor scenes: every control that observation needs is where a search reaches it.
+#include <fstream>
+
+#include "Client.h"
+
+namespace desktop {
+
+namespace {
+
+struct Profile {
+    const char* version;
+    const char* toggleRole;
+    const char* toggle;
+    const char* table;
+    const char* area;
+    const char* name;
+    const char* secondName;
+    bool nameInTextField;
+};
+
+constexpr Profile kProfiles[] = {
+    {"10.1.4", "AXRadioGroup", "_NS:59", "_NS:49", "_NS:99", "_NS:62", "_NS:433", false},
+    {"10.2.3", "AXRadioGroup", "_NS:63", "_NS:49", "_NS:99", "_NS:62", "_NS:435", false},
+    {"10.3.2", "AXCheckBox", "_NS:159", "_NS:16", "_NS:16", "_NS:66", "_NS:66", true},
+    {"10.3.4", "AXCheckBox", "_NS:159", "_NS:139", "_NS:363", "_NS:62", "_NS:28", false},
+    {"10.4", "AXCheckBox", "_NS:159", "_NS:139", "_NS:352", "_NS:100", "_NS:28", false},
+    {"10.4.6", "AXCheckBox", "_NS:159", "_NS:139", "_NS:393", "_NS:100", "_NS:28", false},
+};
+
+class EditorScene : public testing::TestWithParam<Profile> {
+  protected:
+    static std::string Text(const Profile& profile) {
+        const std::string path = std::string(KRT9_SCENES) + "/editor-" + profile.version + ".json";
+        std::ifstream file(path);
+        EXPECT_TRUE(file) << path;
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+    std::vector<ElementReference> Children(const ElementReference& element) const {
+        std::vector<ElementReference> children;
+        const Value value = client_.Read(element, "AXChildren");
+        if (const auto* array = std::get_if<desktop_link::Array>(&value.content)) {
+            for (const Value& child : *array) {
+                children.push_back(std::get<ElementReference>(child.content));
+            }
+        }
+        return children;
+    }
+
+    std::string String(const ElementReference& element, const char* attribute) const {
+        const Value value = client_.Read(element, attribute);
+        const auto* text = std::get_if<std::string>(&value.content);
+        return text == nullptr ? "" : *text;
+    }
+
+    // Only groups, split groups and scroll areas are searched; the first match wins.
+    std::optional<ElementReference> Search(const std::vector<ElementReference>& elements,
+                                           const std::string& identifier,
+                                           const std::string& role) const {
+        for (const ElementReference& element : elements) {
+            const std::string found = String(element, "AXRole");
+            if (found == role && String(element, "AXIdentifier") == identifier) {
+                return element;
+            }
+            if (found == "AXGroup" || found == "AXSplitGroup" || found == "AXScrollArea") {
+                if (const auto below = Search(Children(element), identifier, role)) {
+                    return below;
+                }
+            }
+        }
+        return std::nullopt;
+    }
+
+    ElementReference Reachable(const std::string& identifier, const std::string& role) const {
+        for (const ElementReference& window : Children(client_.At("/"))) {
+            if (const auto found = Search(Children(window), identifier, role)) {
+                return *found;
+            }
+        }
+        ADD_FAILURE() << "no search reaches the " << role << " " << identifier;
+        return {};
+    }
+
+    Desktop desktop_{Text(GetParam())};
+    Client client_{desktop_};
+};
+
+TEST_P(EditorScene, IsInFrontWithItsVersionAndHasHundredsOfElements) {
+    const auto front = client_.Ask(Operation::hello)->session->frontApplication;
+    ASSERT_TRUE(front && front->bundlePath);
+    EXPECT_EQ(front->bundleIdentifier, "com.apple.FinalCut");
+    std::ifstream plist(*front->bundlePath + "/Contents/Info.plist");
+    const std::string info{std::istreambuf_iterator<char>(plist), {}};
+    EXPECT_THAT(info, testing::HasSubstr(std::string("<string>") + GetParam().version + "<"));
+    EXPECT_GT(client_.Do({{"command", "state"}})["elements"], 250);
+}
+
+TEST_P(EditorScene, TimelineIndexToggleIsReached) {
+    const ElementReference toggle = Reachable(GetParam().toggle, GetParam().toggleRole);
+    const bool radio = std::string(GetParam().toggleRole) == "AXRadioGroup";
+    const ElementReference bearer = radio ? Children(toggle).at(0) : toggle;
+    EXPECT_EQ(client_.Read(bearer, "AXValue"), Value{std::int64_t{1}});
+    client_.Ask(Operation::performAction, bearer, {"AXPress"});
+    EXPECT_EQ(client_.Read(bearer, "AXValue"), Value{std::int64_t{radio ? 1 : 0}});
+}
+
+TEST_P(EditorScene, SelectedClipIsSeenInItsTableAndItsTexts) {
+    client_.Do({{"command", "selectClip"}, {"clip", "Gulls"}});
+    const ElementReference table = Reachable(GetParam().table, "AXTable");
+    const Value selected = client_.Read(table, "AXSelectedRows");
+    const auto& rows = std::get<desktop_link::Array>(selected.content);
+    ASSERT_EQ(rows.size(), 1u);
+    const ElementReference row = std::get<ElementReference>(rows[0].content);
+    EXPECT_EQ(client_.Read(row, "AXIndex"), Value{std::int64_t{5}});
+    ElementReference bearer = Children(row).at(0);
+    if (GetParam().nameInTextField) {
+        bearer = Children(bearer).at(1);
+        EXPECT_EQ(String(bearer, "AXRole"), "AXTextField");
+    }
+    EXPECT_EQ(String(bearer, "AXValue"), "Gulls");
+    EXPECT_EQ(String(Reachable(GetParam().name, "AXStaticText"), "AXValue"), "Gulls");
+    EXPECT_EQ(String(Reachable(GetParam().secondName, "AXStaticText"), "AXValue"), "Gulls");
+}
+
+TEST_P(EditorScene, PlayheadIsInTheTimelinesLayoutArea) {
+    client_.Do({{"command", "playhead"}, {"timecode", "01:02:03:04"}});
+    for (const ElementReference& child : Children(Reachable(GetParam().area, "AXLayoutArea"))) {
+        if (String(child, "AXRole") == "AXValueIndicator") {
+            EXPECT_EQ(String(child, "AXDescription"), "Playhead");
+            EXPECT_EQ(String(child, "AXValueDescription"), "01:02:03:04");
+            return;
+        }
+    }
+    ADD_FAILURE() << "the layout area has no value indicator";
+}
+
+TEST_P(EditorScene, ScriptPlaysWithoutAProblem) {
+    client_.Do({{"command", "play"}});
+    client_.Do({{"command", "advance"}, {"seconds", 60}});
+    for (const json& entry : client_.Log()) {
+        EXPECT_FALSE(entry.contains("problem")) << entry;
+    }
+    EXPECT_EQ(client_.Log().size(), 2u) << "two activations";
+}
+
+TEST_P(EditorScene, DumpLoadsAndDumpsTheSame) {
+    const std::string dump = desktop_.Dump();
+    EXPECT_EQ(Desktop(dump).Dump(), dump);
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, EditorScene, testing::ValuesIn(kProfiles), [](const auto& info) {
+    std::string name = info.param.version;
+    std::replace(name.begin(), name.end(), '.', '_');
+    return name;
+});
+
+}  // namespace
+
+}  // namespace desktop

@@ -1,0 +1,78 @@
+#include "tests/unit/driver/DriverTest.h"
+
+#include "workspace/FrontApplication.h"
+
+namespace {
+
+const std::string kApplications = R"("front": "com.apple.FinalCut", "applications": [
+    { "bundleID": "com.apple.FinalCut", "name": "Editor", "pid": 501,
+      "info": { "CFBundleShortVersionString": "10.4.1" },
+      "windows": [ { "AXRole": "AXWindow", "AXChildren": [
+        { "AXRole": "AXStaticText", "AXIdentifier": "_NS:100", "AXValue": "Clip" },
+        { "AXRole": "AXLayoutArea", "AXIdentifier": "_NS:352", "AXChildren": [
+          { "AXRole": "AXValueIndicator", "AXDescription": "Playhead",
+            "AXValueDescription": "01:00:00:00" } ] } ] } ] },
+    { "bundleID": "com.apple.FinalCutX", "name": "Longer", "pid": 502,
+      "info": { "CFBundleShortVersionString": "10.3.2" } },
+    { "bundleID": "com.apple.finalcut", "name": "Lower", "pid": 503,
+      "info": { "CFBundleShortVersionString": "10.3.4" } },
+    { "bundleID": "com.example.player", "name": "Player", "pid": 504,
+      "info": { "CFBundleShortVersionString": "10.2.7" } },
+    { "bundleID": "com.example.unversioned", "name": "Unversioned", "pid": 505, "info": {} },
+    { "name": "Tool", "pid": 506 } ] })";
+
+// Sent behind everything else, on the same connection: what came before it has all arrived.
+constexpr SInt32 kLast = FourCharacterCode("Last");
+
+}  // namespace
+
+std::string SceneWithoutController() {
+    return "{" + kApplications;
+}
+
+std::string SceneWithController() {
+    return R"({"midi": {"devices": [{"name": "KRT-9 USB", "entities": [
+        {"name": "Private", "sources": ["Private"], "destinations": ["Private"]}]}]}, )" +
+           kApplications;
+}
+
+void RunLoopFor(CFTimeInterval seconds) {
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, seconds, false);
+}
+
+DriverTest::DriverTest(const std::string& scene) : desktop_(scene) {
+    LanguageTag::Current() = LanguageTag();
+    CFWorkspace_StartObservingFrontApplication();
+}
+
+DriverTest::~DriverTest() = default;
+
+void DriverTest::Activate(const std::string& application) {
+    desktop_.Run(R"({"command": "activate", "application": ")" + application + "\"}");
+}
+
+void DriverTest::Tick(int count) {
+    for (int tick = 0; tick < count; ++tick) {
+        CVEK_UserSpaceDriver::TimeoutCounterEntry(nullptr, nullptr);
+    }
+}
+
+void DriverTest::ObserveBoth() {
+    driver_->ObserveFCPXClipSelectionChange();
+    driver_->ObserveFCPXTimelineTimecode();
+}
+
+std::vector<SInt32> DriverTest::Sent() {
+    driver_->SendMessage(kLast, nullptr, 0, false, nullptr);
+    for (int pass = 0; pass < 1000; ++pass) {
+        if (!companion_->received.empty() && companion_->received.back().code == kLast) {
+            companion_->received.pop_back();
+            std::vector<SInt32> codes = companion_->Codes();
+            companion_->received.clear();
+            return codes;
+        }
+        RunLoopFor(0);
+    }
+    ADD_FAILURE() << "what the driver sent did not arrive";
+    return {};
+}

@@ -1,0 +1,290 @@
+// What the poster puts into the input stream, event by event, as the desktop's event tap sees it.
+
+#include "events/VEK_EventPoster.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/DesktopLink/Transport.h"
+#include "platform/Testing/EventFaults.h"
+#include "platform/Testing/LiveObjects.h"
+#include "platform/Testing/LogCapture.h"
+
+namespace {
+
+using desktop_link::Event;
+using platform_testing::EventCreation;
+using platform_testing::FailEventCreation;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+// A desktop that does nothing but keep the events posted to it.
+class EventTap : public desktop_link::Transport {
+  public:
+    explicit EventTap(std::vector<Event>& events) : events_(events) {}
+
+    std::optional<desktop_link::Reply> Exchange(const desktop_link::Request& request,
+                                                double) override {
+        if (request.operation == desktop_link::Operation::postEvent) {
+            events_.push_back(request.event);
+        }
+        return desktop_link::Reply{};
+    }
+    bool Unreachable() const override { return false; }
+    void SetNotificationHandler(
+        std::function<void(const desktop_link::Notification&)>) override {}
+
+  private:
+    std::vector<Event>& events_;
+};
+
+class EventPoster : public testing::Test {
+  protected:
+    EventPoster() { desktop_link::SetTransport(std::make_unique<EventTap>(events)); }
+    ~EventPoster() override {
+        platform_testing::ForgetEventFaults();
+        desktop_link::SetTransport(nullptr);
+    }
+
+    std::vector<Event> events;
+};
+
+MATCHER_P3(IsKey, type, keyCode, flags, "") {
+    return arg.type == static_cast<std::uint32_t>(type) && arg.keyCode == keyCode &&
+           arg.flags == static_cast<std::uint64_t>(flags) && arg.flagsWereSet && arg.hasSource &&
+           arg.sourceState == kCGEventSourceStatePrivate && arg.tap == kCGHIDEventTap;
+}
+
+MATCHER_P3(IsMouse, type, x, y, "") {
+    return arg.type == static_cast<std::uint32_t>(type) && arg.position.x == x &&
+           arg.position.y == y && arg.button == 0 && !arg.hasSource && arg.tap == kCGHIDEventTap;
+}
+
+MATCHER_P(HasFlags, flags, "") {
+    return arg.flagsWereSet && arg.flags == static_cast<std::uint64_t>(flags);
+}
+MATCHER(HasNoFlagsOfItsOwn, "") { return !arg.flagsWereSet; }
+
+TEST_F(EventPoster, FlagsOfEachModifierBit) {
+    VEK_EventPoster poster;
+    EXPECT_EQ(poster.MakeEventFlags(0x0000), 0u);
+    EXPECT_EQ(poster.MakeEventFlags(0x0100), 0x00100000u);
+    EXPECT_EQ(poster.MakeEventFlags(0x0200), 0x00020000u);
+    EXPECT_EQ(poster.MakeEventFlags(0x0800), 0x00080000u);
+    EXPECT_EQ(poster.MakeEventFlags(0x1000), 0x00040000u);
+    EXPECT_EQ(poster.MakeEventFlags(0x1B00), 0x001E0000u);
+}
+
+TEST_F(EventPoster, CapsLockAlonePressesNoKeyAndYieldsFlagsZero) {
+    VEK_EventPoster poster;
+    poster.PostModifiers(0x0400, true);
+    EXPECT_THAT(events, IsEmpty());
+    EXPECT_EQ(poster.MakeEventFlags(0x0400), 0u);
+}
+
+TEST_F(EventPoster, AllModifiersPressedYieldFourKeyDownsEachWithItsOwnFlagOnly) {
+    VEK_EventPoster poster;
+    poster.PostModifiers(0x1B00, true);
+    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyDown, 55, 0x00100000),
+                                    IsKey(kCGEventKeyDown, 56, 0x00020000),
+                                    IsKey(kCGEventKeyDown, 58, 0x00080000),
+                                    IsKey(kCGEventKeyDown, 59, 0x00040000)));
+}
+
+TEST_F(EventPoster, AllModifiersReleasedGoUpInTheSameOrderWithFlagsZero) {
+    VEK_EventPoster poster;
+    poster.PostModifiers(0x1B00, false);
+    EXPECT_THAT(events,
+                ElementsAre(IsKey(kCGEventKeyUp, 55, 0), IsKey(kCGEventKeyUp, 56, 0),
+                            IsKey(kCGEventKeyUp, 58, 0), IsKey(kCGEventKeyUp, 59, 0)));
+}
+
+TEST_F(EventPoster, WordWithOnlyLowBitsPressesNothing) {
+    VEK_EventPoster poster;
+    poster.PostModifiers(0x00FF, true);
+    EXPECT_THAT(events, IsEmpty());
+}
+
+TEST_F(EventPoster, BitsAboveControlPressNothing) {
+    VEK_EventPoster poster;
+    poster.PostModifiers(0xE400, true);
+    EXPECT_THAT(events, IsEmpty());
+    EXPECT_EQ(poster.MakeEventFlags(0xE4FF), 0u);
+}
+
+TEST_F(EventPoster, KeystrokeCarriesItsModifiersAsFlagsOfTheKeyDownOnly) {
+    VEK_EventPoster poster;
+    poster.PostKeystroke(49, 0x0100, true);
+    poster.PostKeystroke(49, 0x0100, false);
+    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyDown, 49, 0x00100000),
+                                    IsKey(kCGEventKeyUp, 49, 0)));
+}
+
+TEST_F(EventPoster, KeystrokeWithoutModifiersSetsFlagsZeroOnTheKeyDown) {
+    VEK_EventPoster poster;
+    poster.PostKeystroke(12, 0, true);
+    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyDown, 12, 0)));
+}
+
+TEST_F(EventPoster, GestureStartPressesModifiersThenMovesThenClicksWithoutFlagsOfItsOwn) {
+    VEK_EventPoster poster;
+    poster.PostMouseStartEvent({100, 200}, 0x0800, true);
+    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyDown, 58, 0x00080000),
+                                    testing::AllOf(IsMouse(kCGEventMouseMoved, 100, 200),
+                                                   HasNoFlagsOfItsOwn()),
+                                    testing::AllOf(IsMouse(kCGEventLeftMouseDown, 100, 200),
+                                                   HasNoFlagsOfItsOwn())));
+}
+
+TEST_F(EventPoster, GestureStartWithoutClickOnlyMoves) {
+    VEK_EventPoster poster;
+    poster.PostMouseStartEvent({1.5, 2.25}, 0, false);
+    EXPECT_THAT(events, ElementsAre(IsMouse(kCGEventMouseMoved, 1.5, 2.25)));
+}
+
+TEST_F(EventPoster, ContinueWithoutClickStillPostsALeftMouseDragged) {
+    VEK_EventPoster poster;
+    poster.PostMouseContinueEvent({3, 4}, 0x0200, false);
+    EXPECT_THAT(events, ElementsAre(testing::AllOf(IsMouse(kCGEventLeftMouseDragged, 3, 4),
+                                                   HasFlags(0x00020000))));
+}
+
+TEST_F(EventPoster, EndWithClickReleasesTheButtonThenTheModifiers) {
+    VEK_EventPoster poster;
+    poster.PostMouseEndEvent({3, 4}, 0x1100, true);
+    EXPECT_THAT(events, ElementsAre(testing::AllOf(IsMouse(kCGEventLeftMouseUp, 3, 4),
+                                                   HasFlags(0x00140000)),
+                                    IsKey(kCGEventKeyUp, 55, 0), IsKey(kCGEventKeyUp, 59, 0)));
+}
+
+TEST_F(EventPoster, EndWithoutClickPostsNoMouseEventAndOnlyReleasesTheModifiers) {
+    VEK_EventPoster poster;
+    poster.PostMouseEndEvent({3, 4}, 0x0100, false);
+    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyUp, 55, 0)));
+}
+
+TEST_F(EventPoster, HorizontalScrollIsTheSecondOfTwoWheelsInPixels) {
+    VEK_EventPoster poster;
+    poster.PostHorizontalScrollWheelContinueEvent(-7);
+    ASSERT_THAT(events, SizeIs(1));
+    EXPECT_EQ(events[0].type, static_cast<std::uint32_t>(kCGEventScrollWheel));
+    EXPECT_THAT(events[0].wheels, ElementsAre(0, -7));
+    EXPECT_EQ(events[0].scrollUnit, static_cast<std::uint32_t>(kCGScrollEventUnitPixel));
+    EXPECT_FALSE(events[0].hasSource);
+    EXPECT_THAT(events[0], HasNoFlagsOfItsOwn());
+}
+
+TEST_F(EventPoster, VerticalScrollIsTheOnlyWheel) {
+    VEK_EventPoster poster;
+    poster.PostVerticalScrollWheelContinueEvent(12);
+    ASSERT_THAT(events, SizeIs(1));
+    EXPECT_THAT(events[0].wheels, ElementsAre(12));
+}
+
+// --- what happens when an event cannot be made ---------------------------------------------------
+
+TEST_F(EventPoster, WithoutEventSourceNoModifierIsPressed) {
+    FailEventCreation(EventCreation::source, 1);
+    VEK_EventPoster poster;
+    poster.PostModifiers(0x1B00, true);
+    EXPECT_THAT(events, IsEmpty());
+}
+
+TEST_F(EventPoster, WithoutEventSourceAKeystrokeIsPostedAllTheSame) {
+    FailEventCreation(EventCreation::source, 1);
+    VEK_EventPoster poster;
+    poster.PostKeystroke(49, 0, true);
+    ASSERT_THAT(events, SizeIs(1));
+    EXPECT_FALSE(events[0].hasSource);
+}
+
+TEST_F(EventPoster, FailedWakeUpEventIsHarmless) {
+    FailEventCreation(EventCreation::empty, 1);
+    VEK_EventPoster poster;
+    poster.PostKeystroke(49, 0, true);
+    EXPECT_THAT(events, SizeIs(1));
+}
+
+TEST_F(EventPoster, ModifierKeyThatCannotBeMadeIsSkippedSilently) {
+    VEK_EventPoster poster;
+    platform_testing::LogCapture log;
+    FailEventCreation(EventCreation::keyboard, 2);
+    poster.PostModifiers(0x1B00, true);
+    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyDown, 55, 0x00100000),
+                                    IsKey(kCGEventKeyDown, 58, 0x00080000),
+                                    IsKey(kCGEventKeyDown, 59, 0x00040000)));
+    EXPECT_THAT(log.Lines(), IsEmpty());
+}
+
+TEST_F(EventPoster, KeypressThatCannotBeMadeIsLoggedAtPriorityZero) {
+    VEK_EventPoster poster;
+    platform_testing::LogCapture log;
+    FailEventCreation(EventCreation::keyboard, 1);
+    poster.PostKeystroke(49, 0, true);
+    EXPECT_THAT(events, IsEmpty());
+    EXPECT_THAT(log.SystemTexts(), ElementsAre("  couldn't make keypress event\n"));
+    EXPECT_EQ(log.Lines()[0].priority, 0);
+}
+
+TEST_F(EventPoster, KeyReleaseThatCannotBeMadeIsLoggedAtPriorityZero) {
+    VEK_EventPoster poster;
+    platform_testing::LogCapture log;
+    FailEventCreation(EventCreation::keyboard, 1);
+    poster.PostKeystroke(49, 0, false);
+    EXPECT_THAT(events, IsEmpty());
+    EXPECT_THAT(log.SystemTexts(), ElementsAre("  couldn't make key release event\n"));
+}
+
+TEST_F(EventPoster, FailedMoveSuppressesTheMouseDownAndLeavesTheModifiersDown) {
+    VEK_EventPoster poster;
+    FailEventCreation(EventCreation::mouse, 1);
+    poster.PostMouseStartEvent({1, 2}, 0x0100, true);
+    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyDown, 55, 0x00100000)));
+}
+
+TEST_F(EventPoster, FailedMouseDownIsDroppedSilently) {
+    VEK_EventPoster poster;
+    FailEventCreation(EventCreation::mouse, 2);
+    poster.PostMouseStartEvent({1, 2}, 0, true);
+    EXPECT_THAT(events, ElementsAre(IsMouse(kCGEventMouseMoved, 1, 2)));
+}
+
+TEST_F(EventPoster, FailedDragIsDroppedSilently) {
+    VEK_EventPoster poster;
+    FailEventCreation(EventCreation::mouse, 1);
+    poster.PostMouseContinueEvent({1, 2}, 0, true);
+    EXPECT_THAT(events, IsEmpty());
+}
+
+TEST_F(EventPoster, FailedMouseUpDeliberatelyLeavesTheModifiersDown) {
+    VEK_EventPoster poster;
+    FailEventCreation(EventCreation::mouse, 1);
+    poster.PostMouseEndEvent({1, 2}, 0x0100, true);
+    EXPECT_THAT(events, IsEmpty());
+}
+
+TEST_F(EventPoster, FailedScrollPostsNothing) {
+    VEK_EventPoster poster;
+    FailEventCreation(EventCreation::scroll, 1);
+    poster.PostVerticalScrollWheelContinueEvent(1);
+    FailEventCreation(EventCreation::scroll, 1);
+    poster.PostHorizontalScrollWheelContinueEvent(1);
+    EXPECT_THAT(events, IsEmpty());
+}
+
+TEST_F(EventPoster, NoOperationLeavesAnObjectBehind) {
+    EXPECT_EQ(platform_testing::LeftOverBy([] {
+                  VEK_EventPoster poster;
+                  poster.PostKeystroke(49, 0x1B00, true);
+                  poster.PostKeystroke(49, 0x1B00, false);
+                  poster.PostMouseStartEvent({1, 2}, 0x1B00, true);
+                  poster.PostMouseContinueEvent({1, 2}, 0x1B00, true);
+                  poster.PostMouseEndEvent({1, 2}, 0x1B00, true);
+                  poster.PostVerticalScrollWheelContinueEvent(1);
+                  poster.PostHorizontalScrollWheelContinueEvent(1);
+              }),
+              "");
+}
+
+}  // namespace

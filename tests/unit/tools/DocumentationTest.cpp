@@ -1,0 +1,52 @@
+// docs/krt9ctl.md keeps up with the grammar.
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "DesktopSession.h"
+
+namespace krt9ctl {
+namespace {
+
+using testing::HasSubstr;
+
+std::string Documentation() {
+    const auto root = std::filesystem::path(KRT9_TEST_DATA).parent_path().parent_path();
+    std::ostringstream text;
+    text << std::ifstream(root / "docs" / "krt9ctl.md").rdbuf();
+    return text.str();
+}
+
+TEST(Documentation, ShowsTheExampleOfEveryVerb) {
+    const std::string text = Documentation();
+    for (const Verb& verb : TheGrammar().verbs) {
+        EXPECT_THAT(text, HasSubstr(fmt::format("`{}`", verb.example)));
+    }
+}
+
+TEST(Documentation, HasTheTableOfExitCodes) {
+    const std::string text = Documentation();
+    for (const ExitCodeRow& row : ExitCodes()) {
+        EXPECT_THAT(text, HasSubstr(fmt::format("| {} | {} | {} |\n", static_cast<int>(row.code),
+                                                row.name, row.meaning)));
+    }
+}
+
+TEST(GrammarAsJson, HoldsEveryVerbWithItsParameters) {
+    const Json grammar = Json::parse(Carried({"grammar"}).out);
+    ASSERT_EQ(grammar["verbs"].size(), TheGrammar().verbs.size());
+    for (std::size_t i = 0; i < grammar["verbs"].size(); ++i) {
+        const Verb& verb = TheGrammar().verbs[i];
+        EXPECT_EQ(grammar["verbs"][i]["name"], verb.name);
+        EXPECT_EQ(grammar["verbs"][i]["parameters"].size(), verb.parameters.size());
+    }
+    EXPECT_EQ(grammar["exitCodes"].size(), ExitCodes().size());
+    EXPECT_EQ(grammar["options"][0]["name"], "--json");
+}
+
+}  // namespace
+}  // namespace krt9ctl

@@ -1,0 +1,142 @@
+// Requests over the real ports, to a driver of the test's own process.
+#include <CoreFoundation/CoreFoundation.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <sstream>
+#include <vector>
+
+#include "tests/support/SessionFixture.h"
+#include "tools/Client.h"
+#include "tools/Run.h"
+
+namespace krt9ctl {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+// Answers while the client waits: its source stands in the very mode of the client's wait.
+class FakeDriver {
+  public:
+    using Reply = std::function<CFDataRef(const Request&)>;
+
+    explicit FakeDriver(Reply reply, CFStringRef mode = ReplyMode()) : reply_(std::move(reply)) {
+        CFMessagePortContext context{0, this, nullptr, nullptr, nullptr};
+        port_.reset(CFMessagePortCreateLocal(kCFAllocatorDefault, CFSTR("KRT9Background"), Receive,
+                                             &context, nullptr));
+        source_.reset(CFMessagePortCreateRunLoopSource(kCFAllocatorDefault, port_.get(), 0));
+        CFRunLoopAddSource(CFRunLoopGetCurrent(), source_.get(), mode);
+    }
+    ~FakeDriver() { CFMessagePortInvalidate(port_.get()); }
+    FakeDriver(const FakeDriver&) = delete;
+    FakeDriver& operator=(const FakeDriver&) = delete;
+
+    void End() { CFMessagePortInvalidate(port_.get()); }
+
+    std::vector<std::string> received;  // code and body as hex digits
+
+  private:
+    static CFDataRef Receive(CFMessagePortRef, SInt32 code, CFDataRef data, void* driver) {
+        auto& self = *static_cast<FakeDriver*>(driver);
+        Request request{code, {}};
+        if (data != nullptr) {
+            const UInt8* bytes = CFDataGetBytePtr(data);
+            request.body.assign(bytes, bytes + CFDataGetLength(data));
+        }
+        self.received.push_back(FormatCode(code) + " " + FormatHex(request.body));
+        return self.reply_(request);
+    }
+
+    Reply reply_;
+    Reference<CFMessagePortRef> port_;
+    Reference<CFRunLoopSourceRef> source_;
+};
+
+CFDataRef Nothing(const Request&) {
+    return nullptr;
+}
+
+FakeDriver::Reply Always(Bytes bytes) {
+    return [bytes](const Request&) {
+        return CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size()));
+    };
+}
+
+class Driver : public testing::Test {
+  protected:
+    ExitCode Tell(const std::vector<std::string>& words) {
+        return RunCommandLine(words, out_, err_);
+    }
+
+    test_support::SessionFixture session_;
+    std::ostringstream out_, err_;
+};
+
+TEST_F(Driver, ThatDoesNotRunIsAnExitCodeOfItsOwn) {
+    EXPECT_EQ(Tell({"ping"}), ExitCode::noDriver);
+    EXPECT_EQ(err_.str(),
+              "krt9ctl: 'JPth': no driver runs: its port KRT9Background does not exist\n");
+}
+
+TEST_F(Driver, GetsTheRequestAndItsReplyIsPrinted) {
+    const FakeDriver driver(Always({0xFE, 0xFF, 0xFF, 0xFF}));
+    EXPECT_EQ(Tell({"value", "59"}), ExitCode::ok);
+    EXPECT_THAT(driver.received, ElementsAre("JElV 3b000000"));
+    EXPECT_EQ(out_.str(), "-2\n");
+}
+
+TEST_F(Driver, GetsBothHalvesOfAKeystrokeInOrder) {
+    const FakeDriver driver(Nothing);
+    EXPECT_EQ(Tell({"keystroke", "0x31", "--command"}), ExitCode::ok);
+    EXPECT_THAT(driver.received,
+                ElementsAre("JCPK 310000000001000001000000", "JCPK 310000000001000000000000"));
+}
+
+TEST_F(Driver, GetsAnAbsentBodyAsAnEmptyOne) {
+    const FakeDriver driver(Always(Bytes(8)));
+    EXPECT_EQ(Tell({"pointer", "--json"}), ExitCode::ok);
+    EXPECT_THAT(driver.received, ElementsAre("JGlM "));
+    EXPECT_EQ(out_.str(), "{\"code\":\"JGlM\",\"x\":0,\"y\":0}\n");
+}
+
+TEST_F(Driver, ThatAnswersWithNothingToAQuestionIsNoReply) {
+    const FakeDriver driver(Nothing);
+    EXPECT_EQ(Tell({"value", "59"}), ExitCode::noReply);
+    EXPECT_EQ(Tell({"press", "59"}), ExitCode::ok);
+}
+
+TEST_F(Driver, ThatDoesNotAnswerInTimeIsATimeOut) {
+    // In a mode that never runs.
+    const FakeDriver driver(Nothing, CFSTR("idle"));
+    EXPECT_EQ(Tell({"value", "59", "--timeout", "0.01"}), ExitCode::timeOut);
+    EXPECT_THAT(err_.str(), HasSubstr("did not answer in time"));
+}
+
+TEST_F(Driver, ThatEndsBeforeItAnswersIsATransportError) {
+    FakeDriver* running = nullptr;
+    FakeDriver driver([&running](const Request&) {
+        running->End();
+        return nullptr;
+    });
+    running = &driver;
+    EXPECT_EQ(Tell({"value", "59"}), ExitCode::transport) << err_.str();
+}
+
+TEST_F(Driver, GetsALargeBodyWhole) {
+    const FakeDriver driver(Nothing);
+    const std::string hex(200000, 'a');
+    EXPECT_EQ(Tell({"request", "ABCD", hex}), ExitCode::ok);
+    EXPECT_THAT(driver.received, ElementsAre("ABCD " + hex));
+}
+
+TEST_F(Driver, UsageErrorsSendNothing) {
+    const FakeDriver driver(Nothing);
+    EXPECT_EQ(Tell({"target", ""}), ExitCode::usage);
+    EXPECT_EQ(Tell({"request", "ABC"}), ExitCode::usage);
+    EXPECT_THAT(driver.received, ElementsAre());
+}
+
+}  // namespace
+}  // namespace krt9ctl
