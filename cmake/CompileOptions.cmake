@@ -1,0 +1,29 @@
+# Warnings are errors in our own code. KRT9_SANITIZE=ON builds with AddressSanitizer (leaks
+# included) and UndefinedBehaviorSanitizer.
+option(KRT9_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+
+if(KRT9_SANITIZE)
+    set(krt9_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=undefined)
+    add_compile_options(${krt9_sanitizers} -fno-omit-frame-pointer)
+    add_link_options(${krt9_sanitizers})
+endif()
+
+if(NOT APPLE)
+    add_link_options(-fuse-ld=lld)
+endif()
+
+# GNUstep's Foundation under the runtime that ships with GCC.
+if(NOT APPLE)
+    execute_process(COMMAND gcc -print-file-name=include OUTPUT_VARIABLE krt9_gcc_include
+                    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    set(krt9_objcxx_flags -fobjc-runtime=gcc -fobjc-exceptions -fexceptions
+        -fconstant-string-class=NSConstantString "SHELL:-isystem /usr/include/GNUstep"
+        "SHELL:-idirafter ${krt9_gcc_include}")
+endif()
+
+function(krt9_compile_options target)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Werror)
+    if(NOT APPLE)
+        target_compile_options(${target} PRIVATE "$<$<COMPILE_LANGUAGE:OBJCXX>:${krt9_objcxx_flags}>")
+    endif()
+endfunction()

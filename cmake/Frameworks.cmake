@@ -1,0 +1,10 @@
+# The frameworks the driver calls: the system's on macOS, our platform layer elsewhere.
+function(krt9_link_frameworks target)
+    if(APPLE)
+        foreach(framework CoreFoundation ApplicationServices CoreServices CoreMIDI AppKit Foundation)
+            target_link_libraries(${target} PUBLIC "-framework ${framework}")
+        endforeach()
+    else()
+        target_link_libraries(${target} PUBLIC krt9_platform)
+    endif()
+endfunction()

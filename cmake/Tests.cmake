@@ -1,0 +1,41 @@
+# krt9_add_test(NAME SOURCES file... [LIBRARIES library...])
+# One GoogleTest program per room of the house. Each writes its results as JSON, from which the
+# closing line of `make check` counts the cases.
+find_package(GTest REQUIRED)
+
+set(KRT9_TEST_RESULTS ${CMAKE_BINARY_DIR}/test-results)
+file(MAKE_DIRECTORY ${KRT9_TEST_RESULTS})
+
+# Tests run once and briefly: what they cost is their compilation.
+set(krt9_test_options -O0 -g1)
+
+# What nearly every test includes is parsed once.
+function(krt9_precompile_test_headers)
+    file(WRITE ${CMAKE_BINARY_DIR}/test_headers.cpp "")
+    add_library(krt9_test_headers STATIC ${CMAKE_BINARY_DIR}/test_headers.cpp)
+    krt9_compile_options(krt9_test_headers)
+    target_compile_options(krt9_test_headers PRIVATE ${krt9_test_options})
+    target_link_libraries(krt9_test_headers PRIVATE GTest::gmock GTest::gtest)
+    target_precompile_headers(krt9_test_headers PRIVATE
+        <gmock/gmock.h> <gtest/gtest.h> <functional> <map> <memory> <optional> <string> <vector>)
+endfunction()
+krt9_precompile_test_headers()
+
+function(krt9_add_test name)
+    cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 120)
+    endif()
+    add_executable(${name} ${arg_SOURCES})
+    krt9_compile_options(${name})
+    target_compile_options(${name} PRIVATE ${krt9_test_options})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_compile_definitions(${name} PRIVATE KRT9_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
+        KRT9_SCENES="${CMAKE_SOURCE_DIR}/scenes" KRT9_BINARIES="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
+    if(NOT "${arg_SOURCES}" MATCHES "\\.mm")
+        target_precompile_headers(${name} REUSE_FROM krt9_test_headers)
+    endif()
+    add_test(NAME ${name} COMMAND ${name} --gtest_output=json:${KRT9_TEST_RESULTS}/${name}.json)
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT})
+endfunction()
