@@ -1,0 +1,182 @@
+// Counts, lengths and texts inside a body at their bounds and beyond, as the message port hands
+// them to the driver: what cannot be a record costs one log line and nothing else.
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "platform/DesktopLink/Transport.h"
+#include "protocol/MessageCodes.h"
+#include "protocol/TargetWindowRequestSpec.h"
+#include "tests/adversary/AllocationMeter.h"
+#include "tests/unit/protocol/DispatcherTest.h"
+
+namespace {
+
+using adversary::AllocationMeter;
+using adversary::Allocations;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+struct Body {
+    std::string name;
+    SInt32 code;
+    Bytes bytes;
+};
+
+void PrintTo(const Body& body, std::ostream* stream) {
+    *stream << body.name;
+}
+
+// A name of a candidate in the three fields it has; the units' count may lie about them.
+Bytes Name(const std::string& name, unsigned int unitCount, std::size_t units) {
+    return Text(name) + Integers({unitCount}) + Bytes(2 * units, 0);
+}
+Bytes Name(const std::string& name) {
+    return Name(name, 0, 0);
+}
+Bytes Candidate(const Bytes& name) {
+    return name + Integers({0, 0, 0, 0, 0});
+}
+Bytes Candidate(const Bytes& name, const Bytes& subWindowName) {
+    return name + Integers({0, 0, 0, 0, 1}) + subWindowName;
+}
+Bytes Unterminated(std::size_t length) {
+    return Bytes(length, 'n');
+}
+std::string Long(std::size_t length) {
+    return std::string(length, 'n');
+}
+
+Bytes Targets(unsigned int count, const Bytes& candidates) {
+    return Integers({count}) + candidates;
+}
+
+const Bytes kOrdinary = Candidate(Name("Board", 5, 5));
+
+std::vector<Body> RefusedBodies() {
+    std::vector<Body> bodies = {
+        {"ACountOf4294967295Alone", kJTWP, Targets(0xFFFFFFFF, {})},
+        {"ACountOf4294967295BeforeOneCandidate", kJTWP, Targets(0xFFFFFFFF, kOrdinary)},
+        {"ACountOf2147483648", kJTWP, Targets(0x80000000, kOrdinary)},
+        {"OneCandidateMoreThanThereAre", kJTWP, Targets(2, kOrdinary)},
+        {"OneCandidateMoreThanAreServed", kJTWP,
+         Targets(STargetWindowRequestSpec::kMostTargets + 1,
+                 Bytes((STargetWindowRequestSpec::kMostTargets + 1) * std::size_t{25}, 0))},
+        {"AWindowNameWithoutTerminator", kJWiP, Integers({1}) + Unterminated(10)},
+        {"AWindowNameOfAMillionBytesWithoutTerminator", kJWiP,
+         Integers({1}) + Unterminated(1000000)},
+    };
+    // The same of either name, in the first candidate and in a later one.
+    struct Place {
+        std::string name;
+        Bytes (*request)(const Bytes& nameInPlace);
+    };
+    const Place places[] = {
+        {"TheName", [](const Bytes& name) { return Targets(1, Candidate(name)); }},
+        {"TheSubWindowName",
+         [](const Bytes& name) { return Targets(1, Candidate(Name("Board"), name)); }},
+        {"TheNameOfTheThird",
+         [](const Bytes& name) { return Targets(3, kOrdinary + kOrdinary + Candidate(name)); }},
+        {"TheSubWindowNameOfTheThird",
+         [](const Bytes& name) {
+             return Targets(3, kOrdinary + kOrdinary + Candidate(Name("Board"), name));
+         }},
+    };
+    for (const Place& place : places) {
+        const auto add = [&](const std::string& fault, const Bytes& name) {
+            bodies.push_back({fault + "In" + place.name, kJTWP, place.request(name)});
+        };
+        add("256Bytes", Name(Long(256)));
+        add("AMillionBytes", Name(Long(1000000)));
+        add("1025Units", Name("Absent", 1025, 1025));
+        add("UnitsThatWrapToNothing", Name("Absent", 0x80000000, 0));
+        add("UnitsThatWrapToTheRest", Name("Absent", 0x80000000 + 10, 10));
+        add("4294967295Units", Name("Absent", 0xFFFFFFFF, 100));
+        add("1024UnitsOfWhich1000AreThere", Name("Absent", 1024, 1000));
+        add("NoTerminator", Unterminated(200));
+        // The numbers behind the name hold zeros, which would end it.
+        bodies.back().bytes.resize(bodies.back().bytes.size() - 20);
+    }
+    return bodies;
+}
+
+std::vector<Body> AcceptedBodies() {
+    constexpr unsigned int most = STargetWindowRequestSpec::kMostTargets;
+    std::vector<Body> bodies = {
+        {"NoCandidate", kJTWP, Targets(0, {})},
+        {"ANameOf255Bytes", kJTWP, Targets(1, Candidate(Name(Long(255))))},
+        {"ASubWindowNameOf255Bytes", kJTWP, Targets(1, Candidate(Name("Board"), Name(Long(255))))},
+        {"1024Units", kJTWP, Targets(1, Candidate(Name("Absent", 1024, 1024)))},
+        {"1024UnitsOfASubWindow", kJTWP,
+         Targets(1, Candidate(Name("Board"), Name("Absent", 1024, 1024)))},
+        {"EverythingAtItsBoundTwice", kJTWP,
+         Targets(2, Candidate(Name(Long(255), 1024, 1024), Name(Long(255), 1024, 1024)) +
+                        Candidate(Name(Long(255), 1024, 1024), Name(Long(255), 1024, 1024)))},
+        {"AsManyCandidatesAsAreServed", kJTWP, Targets(most, Bytes(most * std::size_t{25}, 0))},
+        {"AnEmptyWindowName", kJWiP, Integers({1}) + Text("")},
+        {"AWindowNameOf255Bytes", kJWiP, Integers({1}) + Text(Long(255))},
+        {"AWindowNameOf256Bytes", kJWiP, Integers({1}) + Text(Long(256))},
+        {"AWindowNameOfAMillionBytes", kJWiP, Integers({1}) + Text(Long(1000000))},
+    };
+    return bodies;
+}
+
+class RefusedBody : public DispatcherTest, public testing::WithParamInterface<Body> {};
+class AcceptedBody : public DispatcherTest, public testing::WithParamInterface<Body> {};
+
+const auto kNameOfBody = [](const auto& info) { return info.param.name; };
+INSTANTIATE_TEST_SUITE_P(With, RefusedBody, testing::ValuesIn(RefusedBodies()), kNameOfBody);
+INSTANTIATE_TEST_SUITE_P(With, AcceptedBody, testing::ValuesIn(AcceptedBodies()), kNameOfBody);
+
+// What reading a body may take besides the port's data and the driver's copy of it: the log line,
+// the pool, the capture of lines.
+constexpr std::size_t kSmallChange = 4096;  // bytes
+
+struct Cost {
+    std::optional<Bytes> reply;
+    Allocations allocations;
+    unsigned long exchanges;
+};
+
+template <typename Ask>
+Cost CostOf(Ask ask) {
+    const unsigned long before = desktop_link::ExchangeCount();
+    const AllocationMeter meter;
+    std::optional<Bytes> reply = ask();
+    return {std::move(reply), meter.SoFar(), desktop_link::ExchangeCount() - before};
+}
+
+}  // namespace
+
+TEST_P(RefusedBody, CostsOneLineAndNoMoreMemoryThanItselfAndAsksTheDesktopNothing) {
+    const Body& body = GetParam();
+    Ask(body.code, body.bytes);  // fills the caches of the runtime
+    log_.Clear();
+    const Cost cost = CostOf([&] { return Ask(body.code, body.bytes); });
+    EXPECT_EQ(cost.reply, std::nullopt);
+    EXPECT_EQ(cost.exchanges, 0U) << "no operation";
+    ASSERT_THAT(log_.Lines(), SizeIs(1));
+    EXPECT_THAT(log_.SystemTexts(), ElementsAre(StartsWith("request '")));
+    EXPECT_LE(cost.allocations.largest, body.bytes.size() + kSmallChange);
+    EXPECT_LE(cost.allocations.total, 2 * body.bytes.size() + kSmallChange);
+}
+
+TEST_P(AcceptedBody, IsActedUponWithoutALine) {
+    const Body& body = GetParam();
+    const Cost cost = CostOf([&] { return Ask(body.code, body.bytes); });
+    EXPECT_EQ(cost.reply, std::nullopt) << "no window has that name";
+    EXPECT_GT(cost.exchanges, 0U);
+    EXPECT_THAT(log_.Lines(), IsEmpty());
+}
+
+TEST_P(AcceptedBody, CutByOneByteIsRefused) {
+    const Body& body = GetParam();
+    const Bytes cut(body.bytes.begin(), body.bytes.end() - 1);
+    const Cost cost = CostOf([&] { return Ask(body.code, cut); });
+    EXPECT_EQ(cost.reply, std::nullopt);
+    EXPECT_EQ(cost.exchanges, 0U);
+    EXPECT_THAT(log_.SystemTexts(), SizeIs(1));
+}
