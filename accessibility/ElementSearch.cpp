@@ -180,7 +180,14 @@ AXUIElementRef VEK_C_AXUtils::CopyElement(CFStringRef identifier, CFStringRef ro
         ConsoleLog(CFSTR("  rebuilding path"));
     }
     AXUIElementRef element = CopyElementInWindows(windows.get(), identifier, role, debug);
-    if (element == nullptr && debug) {
+    // Released before the line below: the count it tells is then the caller's reference, and those
+    // of whoever else keeps the element.
+    windows.reset();
+    if (debug && element != nullptr) {
+        ConsoleLog(CFSTR("    ***FOUND IT (%@)  retain count %ld***"), identifier,
+                   CFGetRetainCount(element));
+    }
+    if (debug && element == nullptr) {
         ConsoleLog(CFSTR("   element %@ not found!!!"), identifier);
     }
     return element;
@@ -193,10 +200,6 @@ AXUIElementRef VEK_C_AXUtils::CopyElementInWindows(CFArrayRef windows, CFStringR
             CopyArrayAttribute(ElementAt(windows, index), kAXChildrenAttribute);
         AXUIElementRef element = nullptr;
         if (children && CopyChild(element, identifier, role, children.get(), false, debug)) {
-            if (debug) {
-                ConsoleLog(CFSTR("    ***FOUND IT (%@)  retain count %ld***"), identifier,
-                           CFGetRetainCount(element));
-            }
             return element;
         }
     }

@@ -22,6 +22,10 @@ void CopyVersion(id version, char* out, NSUInteger capacity) {
     }
 }
 
+CFMutableStringRef NewTimecodeText() {
+    return CFStringCreateMutable(kCFAllocatorDefault, 64);
+}
+
 }  // namespace
 
 CVEK_UserSpaceDriver::CVEK_UserSpaceDriver()
@@ -48,7 +52,7 @@ CVEK_UserSpaceDriver::CVEK_UserSpaceDriver()
     observeTimelineTimecode = false;
     timelineIndexVisible = false;
     timelineIndexChanged = false;
-    lastTimecode = CFStringCreateMutable(kCFAllocatorDefault, 64);
+    lastTimecode = NewTimecodeText();
     unitCount = 1;
     channelCount = 0;
     statusReserved = 0;

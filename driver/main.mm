@@ -8,7 +8,9 @@
 int main(int, char**) {
     signal(SIGINT, CVEK_UserSpaceDriver::SignalHandler);
     CVEK_UserSpaceDriver* driver = new CVEK_UserSpaceDriver;
-    CFWorkspace_StartObservingFrontApplication();
+    @autoreleasepool {  // the run loop has not made its own yet
+        CFWorkspace_StartObservingFrontApplication();
+    }
     [[NSRunLoop currentRunLoop] run];
     delete driver;
     return 0;

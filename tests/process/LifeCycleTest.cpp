@@ -99,10 +99,18 @@ TEST(LifeCycle, LogsItsBundleIdentifierAndVersion) {
                 HasSubstr("com.solvanto.KRT9Background version 1.0.0"));
 }
 
+TEST(LifeCycle, NothingIsAutoreleasedForEver) {
+    Stage stage;
+    stage.StartDesktop("editor-10.4.6.json");
+    stage.StartDriver();
+    EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
+    EXPECT_THAT(stage.Driver().StandardError(), Not(HasSubstr("autorelease")));
+}
+
 TEST(LifeCycle, SecondDriverIdlesAndTheFirstGoesOnUndisturbed) {
     Stage stage;
     stage.StartDriver();
-    ChildProcess second(Stage::DriverPath(), {});
+    ChildProcess second(Stage::DriverPath(), {}, Stage::DriverEnvironment());
     // The name is taken, so the second one has no source, and stops in the middle of construction:
     // it never asks for trust.
     ASSERT_TRUE(second.WaitForOutput("version 1.0.0"));

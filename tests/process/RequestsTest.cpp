@@ -174,7 +174,7 @@ TEST_F(Requests, AllTwentyOneAreAnsweredByteForByte) {
 {"n":12,"event":"keyUp","type":11,"keyCode":56,"flags":0,"flagsSet":true,"source":-1,"tap":0}
 {"n":13,"set":"AXMain","application":"com.apple.FinalCut","element":"/0","value":true,"error":0,"works":true}
 )");
-    EXPECT_EQ(stage.InterruptDriver(), 0);
+    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
 }
 
 TEST_F(Requests, UnknownCodeIsLoggedAndNotAnswered) {
@@ -216,7 +216,7 @@ TEST_F(Requests, WithoutDesktopTheDriverServesOn) {
     ASSERT_EQ(stage.Desktop().WaitForExit(), 0);
     EXPECT_EQ(port->Ask("JElV", "3b000000"), "");
     EXPECT_EQ(port->Ask("JPMS", "64000000c80000000002000001000000"), "");
-    EXPECT_EQ(stage.InterruptDriver(), 0);
+    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
 }
 
 }  // namespace

@@ -17,6 +17,11 @@ std::string Stage::DriverPath() {
     return kBinaries + "/KRT9Background.app/Contents/MacOS/KRT9Background";
 }
 
+std::map<std::string, std::string> Stage::DriverEnvironment() {
+    return {{"ASAN_OPTIONS", "malloc_context_size=60"},  // the whole way to an element of a reply
+            {"LSAN_OPTIONS", "print_suppressions=0:suppressions=" KRT9_KEPT_OBJECTS}};
+}
+
 void Stage::StartDesktop(const std::string& scene) {
     std::string path = kScenes + "/" + scene;
     if (scene.starts_with("{")) {
@@ -31,7 +36,9 @@ void Stage::StartDesktop(const std::string& scene) {
 }
 
 void Stage::StartDriver(const std::map<std::string, std::string>& environment) {
-    driver_ = std::make_unique<ChildProcess>(DriverPath(), std::vector<std::string>{}, environment);
+    std::map<std::string, std::string> whole = DriverEnvironment();
+    whole.insert(environment.begin(), environment.end());
+    driver_ = std::make_unique<ChildProcess>(DriverPath(), std::vector<std::string>{}, whole);
     if (!driver_->WaitForOutput("accessibilityEnabled")) {
         throw std::runtime_error("the driver did not start: " + driver_->StandardError());
     }

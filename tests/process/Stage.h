@@ -32,6 +32,9 @@ class Stage {
 
     static std::string DriverPath();
 
+    // For the leak sanitizer, where the driver is built with it: what the driver keeps on purpose.
+    static std::map<std::string, std::string> DriverEnvironment();
+
   private:
     SessionFixture session_;
     std::unique_ptr<ChildProcess> desktop_;

@@ -64,6 +64,11 @@ void TracedRun(id self, SEL command) {
     reinterpret_cast<void (*)(id, SEL)>(originalRun)(self, command);
 }
 
+// What the driver starts (a sanitizer's symbolizer) is not traced.
+[[gnu::constructor]] void StayInThisProcess() {
+    unsetenv("LD_PRELOAD");
+}
+
 IMP Replace(const char* className, const char* selector, IMP replacement) {
     Class target = static_cast<Class>(objc_getClass(className));
     Method method = class_getInstanceMethod(target, sel_registerName(selector));

@@ -46,6 +46,14 @@ TEST_F(SearchLog, AHitBelowAGroupIsToldStepByStep) {
                 "    \\*\\*\\*FOUND IT \\(_NS:1\\)  retain count [0-9]+\\*\\*\\*")));
 }
 
+// The element in a window's own list of children: the list is released by the time of the line.
+TEST_F(SearchLog, TheCountOfAHitIsTakenAfterTheListsAreReleased) {
+    editor_.ShowWindow({editor_.Add("AXButton", "_NS:1")});
+    const std::vector<std::string> lines = LinesOfCopyElement("_NS:1", "AXButton");
+    ASSERT_THAT(lines, testing::Not(testing::IsEmpty()));
+    EXPECT_EQ(lines.back(), "    ***FOUND IT (_NS:1)  retain count 1***");
+}
+
 TEST_F(SearchLog, AMissIsToldAtTheEnd) {
     editor_.ShowWindow({});
     EXPECT_THAT(

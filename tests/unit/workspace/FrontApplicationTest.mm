@@ -37,7 +37,10 @@ class FrontApplication : public testing::Test {
     // Whichever observer was made last is the shared one: each test starts with a new one.
     FrontApplication() : observer([[VEK_Driver_FrontAppObserver alloc] init]) {}
     ~FrontApplication() override {
-        [[VEK_Driver_FrontAppObserver alloc] init];  // the observer of this test must not be shared
+        // Another one becomes the shared one, so that nobody is left with this test's.
+        static VEK_Driver_FrontAppObserver* shared = nil;
+        [shared release];
+        shared = [[VEK_Driver_FrontAppObserver alloc] init];
         [observer release];
     }
 
@@ -192,6 +195,7 @@ TEST_F(FrontApplication, SharedInstanceIsTheOneMadeLast) {
     EXPECT_EQ([VEK_Driver_FrontAppObserver frontAppObserver], observer);
     VEK_Driver_FrontAppObserver* another = [[VEK_Driver_FrontAppObserver alloc] init];
     EXPECT_EQ([VEK_Driver_FrontAppObserver frontAppObserver], another);
+    [another release];
 }
 
 TEST_F(FrontApplication, CallbackIsKeptAndNeverCalled) {
