@@ -10,8 +10,8 @@
 #include "VEKCommon/CLanguageSupport.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
+#include "tests/support/HomeFolder.h"
 #include "tests/support/OwnedObject.h"
-#include "tests/unit/VEKCommon/HomeFolder.h"
 
 namespace {
 
@@ -50,7 +50,7 @@ std::string FoundIn(const char* language, CFStringRef key) {
 class LanguageSupport : public ::testing::Test {
   protected:
     platform_testing::AutoreleasePool pool_;
-    HomeFolder home_;
+    test_support::HomeFolder home_;
 };
 
 TEST_F(LanguageSupport, XmlFileTranslates) {

@@ -7,8 +7,8 @@
 
 #include "VEKCommon/CLanguageSupport.h"
 #include "platform/Testing/LiveObjects.h"
+#include "tests/support/HomeFolder.h"
 #include "tests/support/OwnedObject.h"
-#include "tests/unit/VEKCommon/HomeFolder.h"
 
 namespace {
 
@@ -36,7 +36,7 @@ std::string ExpandedString(CFStringRef path) {
 class TildePath : public ::testing::Test {
   protected:
     platform_testing::AutoreleasePool pool_;
-    HomeFolder home_;
+    test_support::HomeFolder home_;
 };
 
 TEST_F(TildePath, TildeBecomesTheHomeFolder) {

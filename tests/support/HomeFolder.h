@@ -8,6 +8,8 @@
 
 #include "tests/support/TemporaryFolder.h"
 
+namespace test_support {
+
 class HomeFolder {
   public:
     HomeFolder() {
@@ -31,6 +33,8 @@ class HomeFolder {
     }
 
   private:
-    test_support::TemporaryFolder folder_;
+    TemporaryFolder folder_;
     std::string before_;
 };
+
+}  // namespace test_support

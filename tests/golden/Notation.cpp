@@ -1,0 +1,173 @@
+#include "tests/golden/Notation.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <stdexcept>
+
+namespace golden {
+
+namespace {
+
+Bytes LittleEndian(unsigned int value) {
+    Bytes bytes;
+    for (unsigned int shift = 0; shift < 32; shift += 8) {
+        bytes.push_back(static_cast<unsigned char>(value >> shift));
+    }
+    return bytes;
+}
+
+Bytes FromHex(std::string_view digits) {
+    if (digits.size() % 2 != 0) {
+        throw std::invalid_argument("an odd number of hex digits");
+    }
+    Bytes bytes;
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+        bytes.push_back(
+            static_cast<unsigned char>(std::stoi(std::string(digits.substr(i, 2)), nullptr, 16)));
+    }
+    return bytes;
+}
+
+Bytes CountedUnits(const std::string& text) {
+    Bytes bytes = LittleEndian(static_cast<unsigned int>(text.size()));
+    for (const char unit : text) {
+        if (static_cast<unsigned char>(unit) > 0x7F) {
+            throw std::invalid_argument("units of what is not ASCII: " + text);
+        }
+        bytes.push_back(static_cast<unsigned char>(unit));
+        bytes.push_back(0);
+    }
+    return bytes;
+}
+
+bool IsHex(const std::string& word) {
+    return word.starts_with('x');
+}
+
+}  // namespace
+
+std::vector<std::string> Words(std::string_view line) {
+    std::vector<std::string> words;
+    while (true) {
+        line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+        if (line.empty() || line.starts_with('#')) {
+            return words;
+        }
+        const std::size_t opening = line.find('"');
+        std::size_t end = std::min(line.find(' '), line.size());
+        if (opening < end) {
+            end = line.find('"', opening + 1);
+            if (end == std::string_view::npos) {
+                throw std::invalid_argument("a quotation mark that is not closed");
+            }
+            ++end;
+        }
+        words.emplace_back(line.substr(0, end));
+        line.remove_prefix(end);
+    }
+}
+
+std::string TextOf(const std::string& word) {
+    const std::size_t opening = word.find('"');
+    if (opening == std::string::npos || word.size() < opening + 2) {
+        throw std::invalid_argument("no text: " + word);
+    }
+    return word.substr(opening + 1, word.size() - opening - 2);
+}
+
+Bytes BytesOf(const std::string& word) {
+    if (word.starts_with('"')) {
+        const std::string text = TextOf(word);
+        return {text.c_str(), text.c_str() + text.size() + 1};
+    }
+    if (word.starts_with("u\"")) {
+        return CountedUnits(TextOf(word));
+    }
+    if (IsHex(word)) {
+        return FromHex(std::string_view(word).substr(1));
+    }
+    return LittleEndian(static_cast<unsigned int>(std::stoll(word, nullptr, 0)));
+}
+
+std::optional<Bytes> BodyOf(const std::vector<std::string>& words) {
+    if (words.empty()) {
+        return std::nullopt;
+    }
+    Bytes body;
+    for (const std::string& word : words) {
+        const Bytes bytes = BytesOf(word);
+        body.insert(body.end(), bytes.begin(), bytes.end());
+    }
+    return body;
+}
+
+SInt32 CodeOf(const std::string& fourCharacters) {
+    if (fourCharacters.size() != 4) {
+        throw std::invalid_argument("no code: " + fourCharacters);
+    }
+    UInt32 code = 0;
+    for (const char character : fourCharacters) {
+        code = code << 8 | static_cast<unsigned char>(character);
+    }
+    return static_cast<SInt32>(code);
+}
+
+std::string CodeText(SInt32 code) {
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        text += static_cast<char>(static_cast<UInt32>(code) >> shift & 0xFF);
+    }
+    return text;
+}
+
+std::string HexOf(const std::optional<Bytes>& bytes) {
+    if (!bytes) {
+        return "(none)";
+    }
+    if (bytes->empty()) {
+        return "(empty)";
+    }
+    std::string hex;
+    for (const unsigned char byte : *bytes) {
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02x", byte);
+        hex += digits;
+    }
+    return hex;
+}
+
+std::string IntegersIn(const Bytes& bytes) {
+    std::string text;
+    for (std::size_t i = 0; i + 4 <= bytes.size(); i += 4) {
+        const UInt32 value =
+            static_cast<UInt32>(bytes[i]) | static_cast<UInt32>(bytes[i + 1]) << 8 |
+            static_cast<UInt32>(bytes[i + 2]) << 16 | static_cast<UInt32>(bytes[i + 3]) << 24;
+        text += (text.empty() ? "" : " ") + std::to_string(static_cast<SInt32>(value));
+    }
+    return text;
+}
+
+std::string QuotedText(const Bytes& bytes) {
+    std::string text;
+    for (auto byte = bytes.begin(); byte != bytes.end() && *byte != 0; ++byte) {
+        if (std::isprint(*byte) != 0) {
+            text += static_cast<char>(*byte);
+        } else {
+            text += "\\x" + HexOf(Bytes{*byte});
+        }
+    }
+    return '"' + text + '"';
+}
+
+Bytes BigEndian(const std::vector<unsigned int>& words) {
+    Bytes bytes;
+    for (const unsigned int word : words) {
+        for (int shift = 24; shift >= 0; shift -= 8) {
+            bytes.push_back(static_cast<unsigned char>(word >> shift));
+        }
+    }
+    return bytes;
+}
+
+}  // namespace golden

@@ -1,0 +1,78 @@
+// A companion's session with the driver, performed step by step: the desktop, the companion's port
+// and the driver with its timer are all in this process, over their real ports, and the clock moves
+// only where a step says so.
+//
+//   scene FILE         the desktop; the first step
+//   language TAG       what the user prefers; before `start`
+//   title KEY "TEXT"   an entry of that language's table of window titles; after `language`
+//   start              the driver is constructed
+//   ask CODE WORD...   a request, its body as Notation.h says
+//   tick [N]           N tenths of a second pass (1), with a tick of the driver in each
+//   desktop COMMAND    a command to the desktop, as JSON
+//   status WORD...     what the companion answers to a status query from now on: the first of its
+//                      seven words, or x and any bytes, or nothing
+//   counts             asks the driver for the units and channels it was told
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Testing/LogCapture.h"
+#include "platform/Testing/TestClock.h"
+#include "tests/golden/Notation.h"
+#include "tests/support/Companion.h"
+#include "tests/support/HomeFolder.h"
+#include "tests/support/InProcessDesktop.h"
+#include "tests/support/TestDriver.h"
+
+namespace golden {
+
+class Session {
+  public:
+    Session() = default;
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // What came of the step, in lines: the request as it travelled and its reply; what the driver
+    // sent; what the desktop saw; what was logged. Throws std::exception for a step that is none.
+    std::vector<std::string> Perform(const std::string& step);
+
+  private:
+    using Arguments = std::vector<std::string>;
+
+    void Scene(const std::string& file);
+    void Start();
+    void Title(const std::string& key, const std::string& text);
+    void Ask(SInt32 code, const std::optional<Bytes>& body);
+    void Tick(int count);
+    void AnswerStatus(const Arguments& words);
+    void ReadCounts();
+
+    std::optional<Bytes> Exchange(SInt32 code, CFDataRef body);
+    void LetMessagesArrive();
+    void Report();
+    void Add(const char* what, const std::string& text);
+
+    std::vector<std::string> lines_;    // of the step under way
+    std::uint64_t desktopEntries_ = 0;  // of its log that were reported
+    std::string language_ = "en";
+    std::map<std::string, std::string> titles_;
+
+    test_support::HomeFolder home_;
+    platform_testing::TestClock clock_;
+    std::optional<test_support::InProcessDesktop> desktop_;
+    std::optional<test_support::Companion> companion_;
+    std::optional<test_support::TestDriver> driver_;
+    std::optional<platform_testing::LogCapture> log_;
+    CFRunLoopTimerRef timer_ = nullptr;
+    CFMessagePortRef port_ = nullptr;  // the driver's, from the companion's side
+};
+
+}  // namespace golden
