@@ -22,14 +22,18 @@ std::map<std::string, std::string> Stage::DriverEnvironment() {
             {"LSAN_OPTIONS", "print_suppressions=0:suppressions=" KRT9_KEPT_OBJECTS}};
 }
 
+std::string Stage::CompanionPath() {
+    return kBinaries + "/krt9ctl";
+}
+
 void Stage::StartDesktop(const std::string& scene) {
     std::string path = kScenes + "/" + scene;
     if (scene.starts_with("{")) {
         path = (session_.Path() / "test-scene.json").string();
         std::ofstream(path) << scene;
     }
-    desktop_ =
-        std::make_unique<ChildProcess>(kBinaries + "/krt9-desktop", std::vector<std::string>{path});
+    desktop_ = std::make_unique<ChildProcess>(
+        kBinaries + "/krt9-desktop", std::vector<std::string>{path, "--log", "/dev/stdout"});
     if (!desktop_->WaitForOutput("ready")) {
         throw std::runtime_error("the desktop did not start: " + desktop_->StandardError());
     }
@@ -45,7 +49,9 @@ void Stage::StartDriver(const std::map<std::string, std::string>& environment) {
 }
 
 ProcessResult Stage::Companion(const std::vector<std::string>& arguments) {
-    return RunProcess(kBinaries + "/krt9ctl", arguments);
+    std::vector<std::string> patient = {"--timeout", "10"};
+    patient.insert(patient.end(), arguments.begin(), arguments.end());
+    return RunProcess(CompanionPath(), patient);
 }
 
 int Stage::InterruptDriver() {

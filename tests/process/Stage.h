@@ -14,7 +14,8 @@ namespace test_support {
 
 class Stage {
   public:
-    // Ready when it returns; the scene is a file of scenes/ or the JSON text itself.
+    // Ready when it returns; the scene is a file of scenes/ or the JSON text itself. Its log is its
+    // output.
     void StartDesktop(const std::string& scene);
 
     // Returns once the driver has gone through its constructor.
@@ -31,6 +32,7 @@ class Stage {
     const SessionFixture& Session() const { return session_; }
 
     static std::string DriverPath();
+    static std::string CompanionPath();
 
     // For the leak sanitizer, where the driver is built with it: what the driver keeps on purpose.
     static std::map<std::string, std::string> DriverEnvironment();
