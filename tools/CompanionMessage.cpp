@@ -86,6 +86,10 @@ Json MessageObject(const CompanionMessage& message) {
     } else if (row == nullptr) {
         object["body"] = FormatHex(message.body);
     }
+    if (message.answer) {
+        object["units"] = message.answer->units;
+        object["channels"] = message.answer->channels;
+    }
     return object;
 }
 
@@ -101,6 +105,10 @@ std::string DescribeMessage(const CompanionMessage& message) {
         what = fmt::format("{}, malformed: {}", row->meaning, ShownBytes(message.body));
     } else {
         what = row->meaning;
+    }
+    if (message.answer) {
+        what += fmt::format(", answered: {} units, {} channels", message.answer->units,
+                            message.answer->channels);
     }
     const auto time = std::chrono::system_clock::to_time_t(message.time);
     return fmt::format("{:%H:%M:%S}.{:03} {} {}", fmt::localtime(time), Milliseconds(message.time),

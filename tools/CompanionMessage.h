@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -24,10 +25,11 @@ struct CompanionMessage {
     MessageCode code = 0;
     Bytes body;
     std::chrono::system_clock::time_point time;
+    std::optional<ControllerStatus> answer;  // to a status query
 };
 
 // {"time" (UTC), "code", and one of: "text"; "body" (hex digits) with "malformed" when the code
-// has another form}. A status query has nothing more.
+// has another form; "units" and "channels", the answer to a status query}.
 Json MessageObject(const CompanionMessage& message);
 
 // One line with the local time.

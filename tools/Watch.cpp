@@ -45,10 +45,13 @@ class Watch {
 // What comes after the last message asked for is answered but not printed.
 CFDataRef Watch::Receive(SInt32 code, CFDataRef data) {
     if (!remaining_ || *remaining_ > 0) {
-        CompanionMessage message{code, {}, std::chrono::system_clock::now()};
+        CompanionMessage message{code, {}, std::chrono::system_clock::now(), {}};
         if (data != nullptr && CFDataGetLength(data) > 0) {
             const UInt8* bytes = CFDataGetBytePtr(data);
             message.body.assign(bytes, bytes + CFDataGetLength(data));
+        }
+        if (code == kStus) {
+            message.answer = status_;
         }
         output_.Result(MessageObject(message), DescribeMessage(message));
         remaining_ = remaining_ ? std::optional(*remaining_ - 1) : std::nullopt;

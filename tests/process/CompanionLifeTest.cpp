@@ -60,7 +60,8 @@ class CompanionLife : public testing::Test {
                   "AXValueDescription": {"after": 5, "times": 1, "then": [
                   {"command": "plug", "device": {"name": ")" +
                   seen + R"("}}]}}}})"});
-        EXPECT_TRUE(stage_.Desktop().WaitForOutput(seen, kPatience)) << "the driver does not observe";
+        EXPECT_TRUE(stage_.Desktop().WaitForOutput(seen, kPatience))
+            << "the driver does not observe";
     }
 
     // What the companion printed, all of it.
@@ -83,7 +84,7 @@ TEST_F(CompanionLife, OneThatIsThereAtTheStartIsToldEverything) {
     StartWatch();
     stage_.StartDriver();
     EXPECT_TRUE(watch_->WaitForOutput("JSLg language: en"));
-    EXPECT_TRUE(watch_->WaitForOutput("Stus status query"));
+    EXPECT_TRUE(watch_->WaitForOutput("Stus status query, answered: 2 units, 16 channels"));
     ObserveAndSee("no clip selected", "01:00:00:00");
     LetTheDriverSeeAChange("Gulls", "01:00:25:00");
     EXPECT_TRUE(watch_->WaitForOutput("JFSC clip: Gulls"));
@@ -130,7 +131,7 @@ TEST_F(CompanionLife, ADriverStartedAnewFindsTheOneThatCameBack) {
     EXPECT_EQ(stage_.InterruptDriver(), 0);
     stage_.StartDriver();
     EXPECT_TRUE(watch_->WaitForOutput("JSLg language: en"));
-    EXPECT_TRUE(watch_->WaitForOutput("Stus status query"));
+    EXPECT_TRUE(watch_->WaitForOutput("Stus status query, answered: 2 units, 16 channels"));
     ObserveAndSee("no clip selected", "01:00:00:00");
 }
 

@@ -17,7 +17,8 @@ Bytes Text(std::string_view text) {
 
 CompanionMessage Message(MessageCode code, Bytes body) {
     return {code, std::move(body),
-            std::chrono::system_clock::time_point(std::chrono::milliseconds(1500000000042))};
+            std::chrono::system_clock::time_point(std::chrono::milliseconds(1500000000042)),
+            std::nullopt};
 }
 
 std::string Line(MessageCode code, Bytes body) {
@@ -60,6 +61,15 @@ TEST(CompanionMessage, AStatusQueryHasNoBody) {
     EXPECT_THAT(Line(kStus, {}), EndsWith(R"("code":"Stus"})"));
     EXPECT_THAT(DescribeMessage(Message(kStus, {})), EndsWith(".042 Stus status query"));
     EXPECT_THAT(Line(kStus, {1}), HasSubstr(R"("body":"01","malformed":true)"));
+}
+
+TEST(CompanionMessage, AStatusQueryShowsItsAnswer) {
+    CompanionMessage message = Message(kStus, {});
+    message.answer = ControllerStatus{2, 16};
+    EXPECT_THAT(OneLine(MessageObject(message)),
+                EndsWith(R"("code":"Stus","units":2,"channels":16})"));
+    EXPECT_THAT(DescribeMessage(message),
+                EndsWith("Stus status query, answered: 2 units, 16 channels"));
 }
 
 TEST(CompanionMessage, UnknownCodesAreShownAsBytesAndNotCalledMalformed) {

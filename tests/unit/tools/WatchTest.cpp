@@ -88,7 +88,7 @@ TEST_F(Watched, AnswersTheStatusQueryWithItsCounts) {
     EXPECT_EQ(Watch({"--units", "2", "--channels", "16", "--count", "1", "--for", "10"}),
               ExitCode::ok);
     EXPECT_EQ(FormatHex(reply), "0000000200000010" + std::string(40, '0'));
-    EXPECT_THAT(out.str(), HasSubstr("Stus status query\n"));
+    EXPECT_THAT(out.str(), HasSubstr("Stus status query, answered: 2 units, 16 channels\n"));
 }
 
 TEST_F(Watched, SurvivesEveryBody) {
