@@ -2,6 +2,7 @@
 #include <fstream>
 
 #include "Client.h"
+#include "tests/support/ChildProcess.h"
 
 namespace desktop {
 
@@ -84,6 +85,15 @@ class EditorScene : public testing::TestWithParam<Profile> {
     Desktop desktop_{Text(GetParam())};
     Client client_{desktop_};
 };
+
+TEST_P(EditorScene, IsExactlyWhatItsScriptWrites) {
+    const test_support::ProcessResult made =
+        test_support::RunProcess(KRT9_PYTHON, {KRT9_MAKE_EDITOR_SCENE, GetParam().version});
+    EXPECT_EQ(made.status, 0) << made.standardError;
+    EXPECT_TRUE(made.standardOutput == Text(GetParam()))
+        << "scripts/make-editor-scene.py " << GetParam().version
+        << " writes another scene than the one in scenes/";
+}
 
 TEST_P(EditorScene, IsInFrontWithItsVersionAndHasHundredsOfElements) {
     const auto front = client_.Ask(Operation::hello)->session->frontApplication;
