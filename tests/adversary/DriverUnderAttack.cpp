@@ -1,0 +1,156 @@
+#include "tests/adversary/DriverUnderAttack.h"
+
+#include <cstdlib>
+#include <stdexcept>
+
+#include "driver/OwnedReference.h"
+#include "protocol/MessageCodes.h"
+#include "tests/support/FrontApplicationState.h"
+#include "tests/support/LeakAllowance.h"
+#include "workspace/FrontApplication.h"
+
+namespace adversary {
+
+namespace {
+
+constexpr std::int32_t kProcess = 501;
+
+// Sent behind everything else, on the same connection: what came before it has all arrived.
+constexpr SInt32 kLast = FourCharacterCode("Last");
+constexpr CFTimeInterval kPatience = 10;  // seconds; passes only when a test fails
+
+const char* const kFirstStaticText = R"({"front": "com.apple.FinalCut", "applications": [
+    {"bundleID": "com.apple.FinalCut", "pid": 501, "windows": [{"AXRole": "AXWindow",
+     "AXChildren": [{"AXRole": "AXStaticText", "AXIdentifier": "_NS:100"}]}]}]})";
+
+std::string CodeText(SInt32 code) {
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        text += static_cast<char>(static_cast<UInt32>(code) >> shift & 0xFF);
+    }
+    return text;
+}
+
+}  // namespace
+
+DriverUnderAttack::DriverUnderAttack() {
+    static const bool observing = [] {
+        CFWorkspace_StartObservingFrontApplication();
+        return true;
+    }();
+    (void)observing;
+    setenv("HOME", session_.Path().c_str(), 1);  // holds no translations
+    Tick();                                      // reports the language, once
+}
+
+DriverUnderAttack::~DriverUnderAttack() = default;
+
+void DriverUnderAttack::Forget(const std::string& version) {
+    test_support::SetFrontApplication({"com.apple.FinalCut", version.c_str(), kProcess});
+    Ask(kJStO, {});
+    DriverInspector::TimelineIndexVisible(*driver_) = false;
+    DriverInspector::TimelineIndexChanged(*driver_) = false;
+    DriverInspector::LastClipRow(*driver_) = -1;
+    CFStringReplaceAll(DriverInspector::LastTimecode(*driver_), CFSTR(""));
+
+    const unsigned source = expected_.clipNameSource;
+    expected_ = ExpectedDriver();
+    expected_.clipNameSource = source;
+    expected_.front = {kProcess, true, true};
+    const OwnedReference<CFStringRef> text(
+        CFStringCreateWithCString(kCFAllocatorDefault, version.c_str(), kCFStringEncodingUTF8));
+    expected_.profile = CVEK_UserSpaceDriver::ProfileForVersion(text.get());
+    DriverInspector::Profile(*driver_) = expected_.profile;
+}
+
+void DriverUnderAttack::LookForClipNameIn(unsigned source) {
+    const platform_testing::AutoreleasePool pool;
+    if (!sourceIsKnown_) {
+        FindFirstSource();
+    }
+    // A source that cannot be asked makes room for the next.
+    desktop_.onReply = [](std::size_t, auto& reply) { reply.reset(); };
+    for (; expected_.clipNameSource != source;
+         expected_.clipNameSource = (expected_.clipNameSource + 1) % 3) {
+        driver_->ObserveFCPXClipSelectionTask();
+    }
+    desktop_.Restart();
+}
+
+// With the first static text there, and nothing else, three tries lead to it from anywhere.
+void DriverUnderAttack::FindFirstSource() {
+    desktop_.Load(kFirstStaticText);
+    Forget("10.4.6");
+    for (int i = 0; i < 3; ++i) {
+        driver_->ObserveFCPXClipSelectionTask();
+    }
+    expected_.clipNameSource = 0;
+    sourceIsKnown_ = true;
+    Outcome ignored;
+    Collect(ignored);
+}
+
+void DriverUnderAttack::ObserveBoth() {
+    driver_->ObserveFCPXClipSelectionChange();
+    driver_->ObserveFCPXTimelineTimecode();
+    expected_.observesClip = true;
+    expected_.observesTimecode = true;
+}
+
+Outcome DriverUnderAttack::Ask(SInt32 code, const Bytes& body) {
+    const platform_testing::AutoreleasePool pool;
+    log_.Clear();
+    std::optional<test_support::LeakAllowance> groupAndChildren;
+    if (code == kJSRV) {
+        groupAndChildren.emplace();  // deliberately never released
+    }
+    const CFDataRef data =
+        CFDataCreate(kCFAllocatorDefault, body.data(), static_cast<CFIndex>(body.size()));
+    const CFDataRef reply =
+        CVEK_UserSpaceDriver::MessageCallbackEntry(nullptr, code, data, nullptr);
+    CFRelease(data);
+    Outcome outcome;
+    if (reply != nullptr) {
+        outcome.reply.emplace(CFDataGetBytePtr(reply),
+                              CFDataGetBytePtr(reply) + CFDataGetLength(reply));
+        CFRelease(reply);
+    }
+    for (const platform_testing::LogLine& line : log_.Lines()) {
+        outcome.logged.push_back(line.text);
+    }
+    return outcome;
+}
+
+Outcome DriverUnderAttack::Tick() {
+    const platform_testing::AutoreleasePool pool;
+    log_.Clear();
+    CVEK_UserSpaceDriver::TimeoutCounterEntry(nullptr, nullptr);
+    Outcome outcome;
+    for (const platform_testing::LogLine& line : log_.Lines()) {
+        outcome.logged.push_back(line.text);
+    }
+    Collect(outcome);
+    return outcome;
+}
+
+void DriverUnderAttack::Collect(Outcome& outcome) {
+    driver_->SendMessage(kLast, nullptr, 0, false, nullptr);
+    while (companion_.received.empty() || companion_.received.back().code != kLast) {
+        if (CFRunLoopRunInMode(kCFRunLoopDefaultMode, kPatience, true) == kCFRunLoopRunTimedOut) {
+            throw std::runtime_error("what the driver sent did not arrive");
+        }
+    }
+    companion_.received.pop_back();
+    for (const test_support::Companion::Message& message : companion_.received) {
+        std::string body(message.body.begin(), message.body.end());
+        if (!body.empty() && body.back() == '\0') {
+            body.pop_back();  // the terminator travels with the text
+        } else {
+            body += " without terminator";
+        }
+        outcome.sent.push_back(CodeText(message.code) + " " + body);
+    }
+    companion_.received.clear();
+}
+
+}  // namespace adversary
