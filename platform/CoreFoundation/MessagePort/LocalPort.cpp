@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "platform/CoreFoundation/InterruptHold.h"
 #include "platform/CoreFoundation/MessagePort/MessageData.h"
 #include "platform/CoreFoundation/MessagePort/PortTable.h"
 
@@ -51,6 +52,8 @@ Retained<LocalPort> LocalPort::Find(const std::string& name) {
 
 Retained<LocalPort> LocalPort::Create(std::string name, CFMessagePortCallBack callback,
                                       const CFMessagePortContext* context) {
+    // A handler that ends the program before a run loop serves the port would leave its socket.
+    run_loop::HoldInterrupts();
     std::optional<local_socket::Listener> listener;
     if (!name.empty()) {
         bool taken = false;

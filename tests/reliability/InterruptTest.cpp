@@ -1,0 +1,70 @@
+// Whatever the driver is at when it is interrupted, it ends at once, well, and leaves nothing.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <random>
+#include <thread>
+
+#include "tests/process/Stage.h"
+#include "tests/reliability/Load.h"
+#include "tests/reliability/ProcessState.h"
+#include "tests/reliability/RequestMix.h"
+#include "tests/support/LongForm.h"
+
+namespace {
+
+using test_support::ChildProcess;
+using test_support::Load;
+using test_support::Stage;
+using Clock = std::chrono::steady_clock;
+
+bool WaitUntil(const std::function<bool()>& condition) {
+    const auto deadline = Clock::now() + std::chrono::seconds(10);
+    while (!condition()) {
+        if (Clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::yield();
+    }
+    return true;
+}
+
+// Before it, the first thing the driver does, no process can promise anything.
+bool WaitForHandler(const ChildProcess& driver) {
+    return WaitUntil([&] { return test_support::HandlesSignal(driver.pid(), SIGINT); });
+}
+
+TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndLeavesNothing) {
+    Stage stage;
+    stage.StartDesktop(test_support::kMixScene);
+    ChildProcess companion(KRT9_BINARIES "/krt9ctl", {"watch", "--units", "1"});
+    ASSERT_TRUE(WaitUntil([&] { return exists(stage.Session().Path() / "VEK_KRT9"); }));
+    const auto filesBefore = stage.Session().Files();
+    const Load load;
+
+    const auto seed = std::random_device()();
+    std::mt19937 random(seed);
+    std::uniform_int_distribution<int> moment(0, 40'000);  // microseconds
+    const int repetitions = test_support::Repetitions(60, 1000);
+    for (int i = 0; i < repetitions; ++i) {
+        ChildProcess driver(Stage::DriverPath(), {}, Stage::DriverEnvironment());
+        ASSERT_TRUE(WaitForHandler(driver));
+        const std::chrono::microseconds delay(moment(random));
+        std::this_thread::sleep_for(delay);
+        const auto interrupted = Clock::now();
+        driver.Signal(SIGINT);
+        ASSERT_EQ(driver.WaitForExit(), 0)
+            << "after " << delay.count() << " us, seed " << seed << ", repetition " << i << "\n"
+            << driver.StandardError();
+        ASSERT_LT(Clock::now() - interrupted, std::chrono::seconds(1));
+        ASSERT_THAT(stage.Session().Files(), testing::UnorderedElementsAreArray(filesBefore))
+            << "after " << delay.count() << " us, seed " << seed << ", repetition " << i;
+    }
+    EXPECT_GT(load.Answered(), static_cast<unsigned long>(repetitions));
+}
+
+}  // namespace
