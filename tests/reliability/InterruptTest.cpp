@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <random>
 #include <thread>
 
@@ -13,6 +12,7 @@
 #include "tests/reliability/Load.h"
 #include "tests/reliability/ProcessState.h"
 #include "tests/reliability/RequestMix.h"
+#include "tests/reliability/WaitUntil.h"
 #include "tests/support/LongForm.h"
 
 namespace {
@@ -20,18 +20,8 @@ namespace {
 using test_support::ChildProcess;
 using test_support::Load;
 using test_support::Stage;
+using test_support::WaitUntil;
 using Clock = std::chrono::steady_clock;
-
-bool WaitUntil(const std::function<bool()>& condition) {
-    const auto deadline = Clock::now() + std::chrono::seconds(10);
-    while (!condition()) {
-        if (Clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
-}
 
 // Before it, the first thing the driver does, no process can promise anything.
 bool WaitForHandler(const ChildProcess& driver) {

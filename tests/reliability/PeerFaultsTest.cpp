@@ -1,5 +1,5 @@
-// Clients that misbehave hurt nobody but themselves: the driver serves the others, and keeps neither
-// memory nor descriptors of those who went.
+// Clients that misbehave hurt nobody but themselves: the driver serves the others, and keeps
+// neither memory nor descriptors of those who went.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -40,7 +40,8 @@ class PeerFaults : public testing::Test {
     }
     ProcessState State() { return ProcessState::Of(stage.Driver().pid()); }
 
-    // The driver notices a client's end in the order of events, so a later client's answer proves it.
+    // The driver notices a client's end in the order of events, so a later client's answer proves
+    // it.
     void ExpectDescriptorsOf(const ProcessState& earlier) {
         EXPECT_TRUE(Serves());
         EXPECT_TRUE(Serves());

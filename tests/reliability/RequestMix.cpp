@@ -2,8 +2,8 @@
 
 namespace test_support {
 
-// The pointer is outside every gesture's end, so that where it is depends on the gestures alone: all
-// of them end at one place, where it is from the beginning.
+// The pointer is outside every gesture's end, so that where it is depends on the gestures alone:
+// all of them end at one place, where it is from the beginning.
 const char* const kMixScene = R"({
   "trusted": true,
   "messagingTimeout": 0.5,
@@ -49,8 +49,8 @@ const std::vector<MixedRequest>& RequestMix() {
          {1, 0, 0, 0, 'F', 'i', 'n', 'a', 'l', 0},
          {0xFD, 0xFF, 0xFF, 0xFF, 22, 0, 0, 0, 0xA0, 5, 0, 0, 0x6E, 3, 0, 0}},
         {"JTWP",
-         {1, 0, 0, 0, 'F', 'i', 'n', 'a', 'l', 0, 0, 0, 0, 0, 0, 0, 0, 0,
-          0, 0, 0, 0, 0,   0,   0,   0,   0,   0, 0, 0, 0, 0, 0, 0},
+         {1, 0, 0, 0, 'F', 'i', 'n', 'a', 'l', 0, 0, 0, 0, 0, 0, 0, 0,
+          0, 0, 0, 0, 0,   0,   0,   0,   0,   0, 0, 0, 0, 0, 0, 0, 0},
          {0, 0, 0, 0, 0xFD, 0xFF, 0xFF, 0xFF, 22, 0, 0, 0, 0xA0, 5, 0, 0, 0x6E, 3, 0, 0}},
         {"JStO", {}, {}},
         {"JBtP", {58, 0, 0}, {}},  // cut short
