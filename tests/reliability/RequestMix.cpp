@@ -22,7 +22,11 @@ const char* const kMixScene = R"({
             { "AXRole": "AXTextField", "AXIdentifier": "_NS:60", "AXValue": "-7" },
             { "AXRole": "AXRadioGroup", "AXIdentifier": "_NS:61", "AXChildren": [
               { "AXRole": "AXRadioButton", "AXValue": 0 },
-              { "AXRole": "AXRadioButton", "AXValue": 1 } ] } ] } ] } ] } ] })";
+              { "AXRole": "AXRadioButton", "AXValue": 1 } ] },
+            { "AXRole": "AXStaticText", "AXIdentifier": "_NS:100", "AXValue": "Interview" },
+            { "AXRole": "AXLayoutArea", "AXIdentifier": "_NS:393", "AXChildren": [
+              { "AXRole": "AXValueIndicator", "AXDescription": "Playhead",
+                "AXValueDescription": "01:00:00:00" } ] } ] } ] } ] } ] })";
 
 const std::vector<MixedRequest>& RequestMix() {
     static const std::vector<MixedRequest> requests = {
@@ -40,6 +44,7 @@ const std::vector<MixedRequest>& RequestMix() {
         {"JPMC", {100, 0, 0, 0, 200, 0, 0, 0, 0, 2, 0, 0, 1, 0, 0, 0}, {}},
         {"JPME", {100, 0, 0, 0, 200, 0, 0, 0, 0, 2, 0, 0, 1, 0, 0, 0}, {}},
         {"JGlM", {}, {100, 0, 0, 0, 200, 0, 0, 0}},
+        {"JStO", {}, {}},
         {"JObE", {}, {}},
         {"JObT", {}, {}},
         {"JAcF", {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}, {}},
@@ -52,7 +57,6 @@ const std::vector<MixedRequest>& RequestMix() {
          {1, 0, 0, 0, 'F', 'i', 'n', 'a', 'l', 0, 0, 0, 0, 0, 0, 0, 0,
           0, 0, 0, 0, 0,   0,   0,   0,   0,   0, 0, 0, 0, 0, 0, 0, 0},
          {0, 0, 0, 0, 0xFD, 0xFF, 0xFF, 0xFF, 22, 0, 0, 0, 0xA0, 5, 0, 0, 0x6E, 3, 0, 0}},
-        {"JStO", {}, {}},
         {"JBtP", {58, 0, 0}, {}},  // cut short
         {"ABCD", {1, 2, 3}, {}},   // no request
     };

@@ -110,6 +110,14 @@ ChildProcess::~ChildProcess() {
     }
 }
 
+void ChildProcess::ForgetOutput() {
+    while (Pump(0)) {
+    }
+    for (Stream& stream : streams_) {
+        stream.text.clear();
+    }
+}
+
 bool ChildProcess::Reap(int options) {
     if (!ended_ && waitpid(pid_, &status_, options) == pid_) {
         ended_ = true;

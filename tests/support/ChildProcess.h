@@ -29,6 +29,9 @@ class ChildProcess {
     // Waits for the end: the exit status, or 128 + signal number, or -1 when `seconds` passed.
     int WaitForExit(double seconds = 10);
 
+    // Reads what was printed so far and drops it, so that a talkative process is never held up.
+    void ForgetOutput();
+
     void Signal(int signalNumber);
     pid_t pid() const { return pid_; }
 

@@ -1,0 +1,107 @@
+// A long day: request after request with observation on, and the driver holds what it held in the
+// morning.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "tests/process/Stage.h"
+#include "tests/reliability/ProcessState.h"
+#include "tests/reliability/RequestMix.h"
+#include "tests/support/LongForm.h"
+
+namespace {
+
+using test_support::ChildProcess;
+using test_support::MixedRequest;
+using test_support::ProcessState;
+using test_support::RequestMix;
+using test_support::Stage;
+using test_support::WireClient;
+
+// AddressSanitizer keeps what is freed for a while, so that memory says nothing under it.
+#if __has_feature(address_sanitizer)
+constexpr bool kMemoryIsMeaningful = false;
+#else
+constexpr bool kMemoryIsMeaningful = true;
+#endif
+
+constexpr std::uint32_t kMorning = 10'000;  // requests until everything is in place
+constexpr std::uint32_t kWindow = 16;       // requests under way at once
+constexpr std::size_t kMostGrowth = 1'000'000;
+
+class Endurance : public testing::Test {
+  protected:
+    Endurance() {
+        stage.StartDesktop(test_support::kMixScene);
+        companion = std::make_unique<ChildProcess>(
+            KRT9_BINARIES "/krt9ctl", std::vector<std::string>{"watch", "--units", "1"});
+        EXPECT_TRUE(companion->WaitForOutput("watching"));
+        stage.StartDriver();
+        client.emplace();
+        EXPECT_EQ(stage.Companion({"refresh", "--profile", "--timecode", "--clip"}).status, 0);
+    }
+
+    static const MixedRequest& At(std::uint32_t number) {
+        return RequestMix()[number % RequestMix().size()];
+    }
+
+    // Goes on until `last` requests are sent and answered, each once, in order, and rightly.
+    void WorkUntil(std::uint32_t last) {
+        while (received < last) {
+            while (sent < last && sent - received < kWindow) {
+                const MixedRequest& request = At(sent);
+                ASSERT_TRUE(client->Send(WireClient::Request(request.code, request.body, ++sent)));
+            }
+            const auto reply = client->Receive();
+            ASSERT_TRUE(reply) << "request " << received << " got no reply";
+            ASSERT_EQ(reply->sequence, received + 1) << "lost, reordered or answered twice";
+            ASSERT_EQ(reply->data, At(received).reply) << At(received).code;
+            ++received;
+            if (received % 1000 == 0) {
+                HouseKeeping();
+            }
+        }
+    }
+
+    // What would stop the others in the end: the desktop's log, and full pipes that nobody reads.
+    void HouseKeeping() {
+        ASSERT_EQ(stage.Companion({"desktop", "log", "--clear"}).status, 0);
+        companion->ForgetOutput();
+        stage.Driver().ForgetOutput();
+    }
+
+    Stage stage;
+    std::unique_ptr<ChildProcess> companion;
+    std::optional<WireClient> client;
+    std::uint32_t sent = 0;
+    std::uint32_t received = 0;
+};
+
+TEST_F(Endurance, MixedRequestsWithObservationOnLeaveMemoryDescriptorsAndThreadsAsTheyWere) {
+    WorkUntil(kMorning);
+    const ProcessState morning = ProcessState::Of(stage.Driver().pid());
+    ASSERT_FALSE(HasFatalFailure());
+
+    const int requests = test_support::Repetitions(30'000, 1'000'000);
+    WorkUntil(static_cast<std::uint32_t>(requests));
+    const ProcessState evening = ProcessState::Of(stage.Driver().pid());
+
+    EXPECT_EQ(evening.descriptors, morning.descriptors);
+    EXPECT_EQ(evening.threads, morning.threads);
+    const auto growth = static_cast<std::ptrdiff_t>(evening.residentBytes) -
+                        static_cast<std::ptrdiff_t>(morning.residentBytes);
+    RecordProperty("requests", requests);
+    RecordProperty("resident_bytes_in_the_morning", std::to_string(morning.residentBytes));
+    RecordProperty("growth_in_bytes", std::to_string(growth));
+    if (kMemoryIsMeaningful) {
+        EXPECT_LT(std::abs(growth), static_cast<std::ptrdiff_t>(kMostGrowth));
+    }
+    EXPECT_FALSE(client->Receive(0.2)) << "a reply too many";
+
+    stage.Driver().Signal(SIGINT);
+    EXPECT_EQ(stage.Driver().WaitForExit(), 0) << stage.Driver().StandardError();
+}
+
+}  // namespace
