@@ -2,8 +2,9 @@
 //
 // A program may tear everything down in its handler, which is safe only while nothing is under way:
 // no lock is held, no callback runs, no memory is being allocated. So the signal is blocked on the
-// main thread as soon as that thread has a run loop or a port and the program has a handler, and let
-// through by the waits of the loop alone. Threads and programs started afterwards inherit the block.
+// main thread as soon as that thread has a run loop or a port and the program has a handler, and
+// let through by the waits of the loop alone. Threads and programs started afterwards inherit the
+// block.
 #pragma once
 
 #include <csignal>

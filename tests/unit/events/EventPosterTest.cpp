@@ -1,10 +1,9 @@
 // What the poster puts into the input stream, event by event, as the desktop's event tap sees it.
 
-#include "events/VEK_EventPoster.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "events/VEK_EventPoster.h"
 #include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/EventFaults.h"
 #include "platform/Testing/LiveObjects.h"
@@ -32,8 +31,7 @@ class EventTap : public desktop_link::Transport {
         return desktop_link::Reply{};
     }
     bool Unreachable() const override { return false; }
-    void SetNotificationHandler(
-        std::function<void(const desktop_link::Notification&)>) override {}
+    void SetNotificationHandler(std::function<void(const desktop_link::Notification&)>) override {}
 
   private:
     std::vector<Event>& events_;
@@ -64,7 +62,9 @@ MATCHER_P3(IsMouse, type, x, y, "") {
 MATCHER_P(HasFlags, flags, "") {
     return arg.flagsWereSet && arg.flags == static_cast<std::uint64_t>(flags);
 }
-MATCHER(HasNoFlagsOfItsOwn, "") { return !arg.flagsWereSet; }
+MATCHER(HasNoFlagsOfItsOwn, "") {
+    return !arg.flagsWereSet;
+}
 
 TEST_F(EventPoster, FlagsOfEachModifierBit) {
     VEK_EventPoster poster;
@@ -95,9 +95,8 @@ TEST_F(EventPoster, AllModifiersPressedYieldFourKeyDownsEachWithItsOwnFlagOnly) 
 TEST_F(EventPoster, AllModifiersReleasedGoUpInTheSameOrderWithFlagsZero) {
     VEK_EventPoster poster;
     poster.PostModifiers(0x1B00, false);
-    EXPECT_THAT(events,
-                ElementsAre(IsKey(kCGEventKeyUp, 55, 0), IsKey(kCGEventKeyUp, 56, 0),
-                            IsKey(kCGEventKeyUp, 58, 0), IsKey(kCGEventKeyUp, 59, 0)));
+    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyUp, 55, 0), IsKey(kCGEventKeyUp, 56, 0),
+                                    IsKey(kCGEventKeyUp, 58, 0), IsKey(kCGEventKeyUp, 59, 0)));
 }
 
 TEST_F(EventPoster, WordWithOnlyLowBitsPressesNothing) {
@@ -117,8 +116,8 @@ TEST_F(EventPoster, KeystrokeCarriesItsModifiersAsFlagsOfTheKeyDownOnly) {
     VEK_EventPoster poster;
     poster.PostKeystroke(49, 0x0100, true);
     poster.PostKeystroke(49, 0x0100, false);
-    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyDown, 49, 0x00100000),
-                                    IsKey(kCGEventKeyUp, 49, 0)));
+    EXPECT_THAT(events,
+                ElementsAre(IsKey(kCGEventKeyDown, 49, 0x00100000), IsKey(kCGEventKeyUp, 49, 0)));
 }
 
 TEST_F(EventPoster, KeystrokeWithoutModifiersSetsFlagsZeroOnTheKeyDown) {
@@ -130,11 +129,12 @@ TEST_F(EventPoster, KeystrokeWithoutModifiersSetsFlagsZeroOnTheKeyDown) {
 TEST_F(EventPoster, GestureStartPressesModifiersThenMovesThenClicksWithoutFlagsOfItsOwn) {
     VEK_EventPoster poster;
     poster.PostMouseStartEvent({100, 200}, 0x0800, true);
-    EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyDown, 58, 0x00080000),
-                                    testing::AllOf(IsMouse(kCGEventMouseMoved, 100, 200),
-                                                   HasNoFlagsOfItsOwn()),
-                                    testing::AllOf(IsMouse(kCGEventLeftMouseDown, 100, 200),
-                                                   HasNoFlagsOfItsOwn())));
+    EXPECT_THAT(
+        events,
+        ElementsAre(
+            IsKey(kCGEventKeyDown, 58, 0x00080000),
+            testing::AllOf(IsMouse(kCGEventMouseMoved, 100, 200), HasNoFlagsOfItsOwn()),
+            testing::AllOf(IsMouse(kCGEventLeftMouseDown, 100, 200), HasNoFlagsOfItsOwn())));
 }
 
 TEST_F(EventPoster, GestureStartWithoutClickOnlyMoves) {
