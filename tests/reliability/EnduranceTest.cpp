@@ -69,6 +69,7 @@ class Endurance : public testing::Test {
     void HouseKeeping() {
         ASSERT_EQ(stage.Companion({"desktop", "log", "--clear"}).status, 0);
         companion->ForgetOutput();
+        stage.Desktop().ForgetOutput();
         stage.Driver().ForgetOutput();
     }
 
