@@ -1,7 +1,10 @@
 #import <AppKit/AppKit.h>
 
+#include <utility>
+
 #include "VEKCommon/CLanguageSupport.h"
 #include "driver/CVEK_UserSpaceDriver.h"
+#include "driver/OwnedReference.h"
 #include "workspace/WindowAttributes.h"
 
 namespace {
@@ -11,21 +14,20 @@ class CurrentLanguage {
   public:
     CurrentLanguage() : support_(Tag().text) {}
 
-    // The title for a key, autoreleased; nil when the key has no translation. Without a dictionary
-    // the key is its own title.
-    NSString* TitleForKey(const char* key) {
-        CFStringRef keyString =
-            CFStringCreateWithCString(kCFAllocatorDefault, key, CFStringGetSystemEncoding());
-        if (keyString == nullptr) {
-            return nil;
+    // The title for a key; null when the key has no translation. Without a dictionary the key is
+    // its own title. Not autoreleased: titles are asked for by every window and every candidate.
+    OwnedReference<CFStringRef> CopyTitleForKey(const char* key) {
+        const OwnedReference<CFStringRef> keyString(
+            CFStringCreateWithCString(kCFAllocatorDefault, key, CFStringGetSystemEncoding()));
+        if (!keyString) {
+            return nullptr;
         }
-        id title = (id)support_.CopyStringForKey(keyString);
-        CFRelease(keyString);
+        OwnedReference<CFStringRef> title(support_.CopyStringForKey(keyString.get()));
         if (support_.HasDictionary()) {
-            [title retain];  // borrowed from the dictionary, which ends with this object
+            Retained(title.get()).release();  // borrowed from the dictionary
         }
-        [title autorelease];
-        return [title isKindOfClass:[NSString class]] ? title : nil;
+        const bool isText = title && CFGetTypeID(title.get()) == CFStringGetTypeID();
+        return isText ? std::move(title) : nullptr;
     }
 
   private:
@@ -48,8 +50,8 @@ bool CVEK_UserSpaceDriver::GetTargetIndexForWindow(NSString* windowTitle,
     CurrentLanguage language;
     *index = 0;
     for (unsigned i = 0; i < count; ++i) {
-        NSString* title = language.TitleForKey(targets[i].windowName);
-        if (title != nil && MatchWindowTitle(windowTitle, title, true)) {
+        const auto title = language.CopyTitleForKey(targets[i].windowName);
+        if (title && MatchWindowTitle(windowTitle, (NSString*)title.get(), true)) {
             *index = i;
             return true;
         }
@@ -83,8 +85,8 @@ bool CVEK_UserSpaceDriver::GetPosAndSizeForTargetWindow(VEK_Driver_TargetWindowI
     }
     if (targets[index].hasSubWindow) {
         // Looked up among all windows, from the start of the list.
-        NSString* subWindowTitle = CurrentLanguage().TitleForKey(targets[index].subWindowName);
-        found = GetWindowElementWithTitle(subWindowTitle, true);
+        const auto subWindowTitle = CurrentLanguage().CopyTitleForKey(targets[index].subWindowName);
+        found = GetWindowElementWithTitle((NSString*)subWindowTitle.get(), true);
     }
     if (found == nullptr) {
         return false;
