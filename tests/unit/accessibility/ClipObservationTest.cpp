@@ -83,6 +83,14 @@ TEST_F(ClipObservation, TheClipTableHasOneTickThenTheSearchStartsAgain) {
     EXPECT_THAT(Tick(), ElementsAre(ClipName("back")));
 }
 
+TEST_F(ClipObservation, StartingAgainDoesNotStartTheSearchForASourceAgain) {
+    ShowStaticText("_NS:28", Text("from the second"));
+    Tick();
+    EXPECT_THAT(Tick(), ElementsAre(ClipName("from the second")));
+    driver_->ObserveFCPXClipSelectionChange();
+    EXPECT_THAT(Tick(), ElementsAre(ClipName("from the second"))) << "at once";
+}
+
 TEST_F(ClipObservation, EachProfileHasItsOwnStaticTexts) {
     const char* first[] = {"_NS:62", "_NS:62", "_NS:66", "_NS:62", "_NS:100", "_NS:100"};
     for (int row = 0; row < 6; ++row) {
@@ -441,6 +449,14 @@ TEST_F(ClipObservation, EntryPointsKeptForNotificationsDoNothing) {
               }),
               0U);
     EXPECT_THAT(Sent(), IsEmpty());
+}
+
+TEST_F(ClipObservation, EntryPointThatTakesTextsLeavesThemAsTheyWere) {
+    auto identifier = String("an identifier too long to be anything but an object");
+    auto text = String("a text too long to be anything but an object");
+    driver_->ObserveFCPXElement((NSString*)identifier.get(), 1, (NSString*)text.get());
+    EXPECT_EQ(CFGetRetainCount(identifier.get()), 1);
+    EXPECT_EQ(CFGetRetainCount(text.get()), 1);
 }
 
 }  // namespace

@@ -88,6 +88,17 @@ TEST_F(ColorPuck, WhatCannotBeReadIsPassedOver) {
     EXPECT_EQ(Find(), "puck");
 }
 
+TEST_F(ColorPuck, RoleOfAnEarlierElementNeverStandsInForOneThatCannotBeRead) {
+    auto noRole = SplitGroup({Group({Button("in what has no role")})});
+    editor_.Unset(noRole, "AXRole");
+    editor_.ShowWindow({SplitGroup({}), noRole});
+    EXPECT_EQ(Find(), "(none)");
+    auto noButton = Button("without role");
+    editor_.Unset(noButton, "AXRole");
+    editor_.ShowWindow({SplitGroup({Group({editor_.Add("AXButton", "_NS:2"), noButton})})});
+    EXPECT_EQ(Find(), "(none)");
+}
+
 TEST_F(ColorPuck, WithoutWindowListThereIsNone) {
     editor_.Fail(editor_.Application(), kAXErrorCannotComplete);
     EXPECT_EQ(Find(), "(none)");

@@ -151,6 +151,33 @@ TEST_F(ControllerStatus, HardwareInputIsDeliberatelyDropped) {
     EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
 }
 
+TEST(ControllerStatusOfASlowCompanion, TimeOutChangesNothingAndTheNextTickAsksAgain) {
+    const platform_testing::AutoreleasePool pool;
+    const platform_testing::TestClock clock;
+    const test_support::SessionFixture session;
+    // A port that is there, and that no run loop serves.
+    CFMessagePortRef port = CFMessagePortCreateLocal(
+        nullptr, CFSTR("VEK_KRT9"),
+        [](CFMessagePortRef, SInt32, CFDataRef, void*) -> CFDataRef { return nullptr; }, nullptr,
+        nullptr);
+    {
+        test_support::TestDriver driver;
+        DriverInspector::LocaleSent(*driver) = true;
+        DriverInspector::Connected(*driver) = true;
+        const platform_testing::LogCapture log;
+        for (int tick = 0; tick < 3; ++tick) {
+            const CFAbsoluteTime before = CFAbsoluteTimeGetCurrent();
+            driver->TimeoutCounter();
+            EXPECT_NEAR(CFAbsoluteTimeGetCurrent() - before, 0.01, 1e-6) << "it was asked";
+        }
+        EXPECT_FALSE(DriverInspector::StatusValid(*driver));
+        EXPECT_EQ(DriverInspector::UnitCount(*driver), 1);
+        EXPECT_THAT(log.Lines(), IsEmpty());
+    }
+    CFMessagePortInvalidate(port);
+    CFRelease(port);
+}
+
 TEST(ControllerStatusWithoutDriver, CountsAreZero) {
     CVEK_UserSpaceDriver* const driver = CVEK_UserSpaceDriver::sSelf;
     CVEK_UserSpaceDriver::sSelf = nullptr;

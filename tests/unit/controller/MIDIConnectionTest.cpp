@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/Testing/LiveObjects.h"
+#include "platform/Testing/LogCapture.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
@@ -170,6 +171,25 @@ TEST_F(MIDIConnection, FailedConnectionReadsTheSourcesNameAndStaysUnconnected) {
     TheBus().connectStatus = kMIDIUnknownEndpoint;
     EXPECT_FALSE(ConnectedWith({kController}));
     EXPECT_THAT(TheBus().namesRead, ElementsAre("name of 1000", "name of 1010", "name of 1011"));
+}
+
+TEST_F(MIDIConnection, NoFailureIsLogged) {
+    const auto linesWith = [](const Bus& bus) {
+        TheBus() = bus;
+        const platform_testing::LogCapture log;
+        test_support::TestDriver driver;
+        return log.Lines();
+    };
+    Bus connected;
+    connected.devices = {kController};
+    Bus withoutClient;
+    withoutClient.clientStatus = kMIDIServerStartErr;
+    Bus refused = connected;
+    refused.connectStatus = kMIDIUnknownEndpoint;
+    const auto usual = linesWith(connected);
+    EXPECT_EQ(linesWith(withoutClient), usual);
+    EXPECT_EQ(linesWith(refused), usual);
+    EXPECT_EQ(linesWith(Bus()), usual) << "no controller";
 }
 
 TEST(MIDINameComparison, EqualNamesMatchWithTheirWholeLength) {

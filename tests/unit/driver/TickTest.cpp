@@ -105,6 +105,14 @@ TEST_F(Tick, AnotherApplicationWhoseVersionStartsWith10_2SetsTheProfileTo1) {
     EXPECT_EQ(Profile(), 1);
 }
 
+TEST_F(Tick, AnotherApplicationNormallySetsTheProfileBackTo5) {
+    DriverTest::Tick();
+    ASSERT_EQ(Profile(), 4);
+    SetFrontApplication({"com.example.notes", "2.1", 507});
+    DriverTest::Tick();
+    EXPECT_EQ(Profile(), 5);
+}
+
 TEST_F(Tick, ProfileComesBackWithTheEditor) {
     Activate("com.example.player");
     DriverTest::Tick();
@@ -208,6 +216,20 @@ TEST_F(TickWithController, StatusIsAskedForOnEveryTickUntilItIsThere) {
     companion_->reply = kStatus;
     Tick(3);
     EXPECT_THAT(Sent(), ElementsAre(kStus));
+    EXPECT_TRUE(DriverInspector::StatusValid(*driver_));
+}
+
+TEST_F(TickWithController, StatusReplyThatIsTooShortIsOneLogLineAndAskedForAgainByTheNextTick) {
+    companion_->reply = Bytes(27, 1);
+    const LogCapture log;
+    Tick();
+    EXPECT_THAT(log.SystemTexts(),
+                ElementsAre("controller status ignored: reply of 27 bytes, 28 are needed\n"));
+    EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
+    companion_->reply = kStatus;
+    Tick(2);
+    EXPECT_THAT(Sent(), ElementsAre(kJSLg, kStus, kStus));
+    EXPECT_THAT(log.SystemTexts(), SizeIs(1));
     EXPECT_TRUE(DriverInspector::StatusValid(*driver_));
 }
 

@@ -371,3 +371,67 @@ TEST_F(Requests, ResetForgetsTheClipNameAndGoesOnObserving) {
     EXPECT_TRUE(Inspector::ObserveTimelineTimecode(Driver()));
     EXPECT_STREQ(Inspector::LastClipName(Driver()), "");
 }
+
+TEST_F(Requests, NoOtherRequestEndsAnObservation) {
+    AskWithoutBody(kJObE);
+    AskWithoutBody(kJObT);
+    const std::pair<SInt32, Bytes> requests[] = {
+        {kJAcF, Integers({1, 0, 0})},
+        {kJAcF, Integers({0, 0, 0})},
+        {kJAcF, Integers({1, 1, 1})},
+        {kJAcF, Integers({1})},
+        {kJBtP, Integers({59})},
+        {kJCPK, Integers({0x31, 0, 1})},
+        {kJEPp, Integers({59})},
+        {kJESI, Integers({60})},
+        {kJElP, Integers({59})},
+        {kJElV, Integers({1234})},
+        {kJGRV, Integers({62})},
+        {kJGlM, Bytes()},
+        {kJObE, Bytes()},
+        {kJObT, Bytes()},
+        {kJPMS, Integers({1, 2, 0})},
+        {kJPMC, Integers({1, 2, 0, 1})},
+        {kJPME, Integers({1, 2, 0})},
+        {kJPth, Bytes()},
+        {kJSIS, Integers({60, 5})},
+        {kJSRV, Integers({62, 2})},
+        {kJTWP, Integers({0})},
+        {kJWiP, Integers({1}) + Text("Board")},
+        {kJXRs, Bytes()},
+        {FourCharacterCode("ABCD"), Bytes()},
+    };
+    for (const auto& [code, body] : requests) {
+        Ask(code, body);
+        EXPECT_TRUE(Inspector::ObserveClipSelection(Driver())) << "request 0x" << std::hex << code;
+        EXPECT_TRUE(Inspector::ObserveTimelineTimecode(Driver())) << "request " << code;
+    }
+}
+
+TEST_F(Requests, NothingThatHappensToTheEditorEndsAnObservation) {
+    AskWithoutBody(kJObE);
+    AskWithoutBody(kJObT);
+    for (const char* command :
+         {R"({"command": "launch", "application": {"bundleID": "com.example.notes"}})",
+          R"({"command": "activate", "application": null})",
+          R"({"command": "activate", "application": "com.apple.FinalCut"})",
+          R"({"command": "hang", "application": "com.apple.FinalCut"})",
+          R"({"command": "trust", "trusted": false})",
+          R"({"command": "quit", "application": "com.apple.FinalCut"})"}) {
+        desktop_.Run(command);
+        Driver().TimeoutCounter();
+        EXPECT_TRUE(Inspector::ObserveClipSelection(Driver())) << command;
+        EXPECT_TRUE(Inspector::ObserveTimelineTimecode(Driver())) << command;
+    }
+}
+
+TEST_F(Requests, StartingAnObservationWhileAnotherApplicationIsInFrontEndsThatOneAlone) {
+    AskWithoutBody(kJObE);
+    AskWithoutBody(kJObT);
+    desktop_.Run(R"({"command": "launch", "application": {"bundleID": "com.example.notes"}})");
+    AskWithoutBody(kJObE);
+    EXPECT_FALSE(Inspector::ObserveClipSelection(Driver()));
+    EXPECT_TRUE(Inspector::ObserveTimelineTimecode(Driver()));
+    Ask(kJAcF, Integers({0, 1, 0}));
+    EXPECT_FALSE(Inspector::ObserveTimelineTimecode(Driver()));
+}

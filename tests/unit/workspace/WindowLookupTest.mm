@@ -182,6 +182,28 @@ TEST_F(OtherWindows, WindowListThatFailsYieldsFalse) {
     EXPECT_FALSE(Find({Candidate("a")}));
 }
 
+TEST_F(WindowLookup, NoProcessInFrontYieldsFalseFromEveryLookup) {
+    [[VEK_Driver_FrontAppObserver frontAppObserver] setProcessID:-1];
+    const unsigned long before = desktop_link::ExchangeCount();
+    std::string name = "Final Cut Pro";
+    EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, false, position, size));
+    EXPECT_FALSE(Find({Candidate("Final Cut Pro")}));
+    EXPECT_EQ(driver->GetWindowElementWithTitle(@"Final Cut Pro", false), nullptr);
+    EXPECT_EQ(driver->CopyApplicationWindowList(false, @""), nil);
+    EXPECT_EQ(desktop_link::ExchangeCount(), before) << "nothing is asked";
+}
+
+TEST_F(WindowLookup, WindowListAndFrameAreReadAnewByEveryLookup) {
+    std::string name = "Final Cut Pro";
+    ASSERT_TRUE(driver->GetPosAndSizeForWindowName(name, false, position, size));
+    desktop.Run(R"({"command": "set", "element": "/1", "attribute": "AXPosition",
+                    "value": [7, 8]})");
+    ASSERT_TRUE(driver->GetPosAndSizeForWindowName(name, false, position, size));
+    EXPECT_EQ(position.x, 7);
+    desktop.Run(R"({"command": "remove", "element": "/1"})");
+    EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, false, position, size));
+}
+
 TEST_F(OtherWindows, RefusedMainAttributeReportsNoFrame) {
     Use(R"([{ "AXRole": "AXWindow", "AXTitle": "Viewer", "AXPosition": [1, 2], "AXSize": [3, 4] }])");
     other->Run(R"({"command": "misbehave", "element": "/0",
@@ -217,6 +239,18 @@ TEST_F(WindowLookup, WithoutDictionaryTheKeyItselfIsCompared) {
     EXPECT_EQ(position.y, 22);
 }
 
+TEST_F(WindowLookup, PropertyListWithoutDictionaryCountsAsMissingSoThatTheKeyItselfIsCompared) {
+    strncpy(DriverInspector::Language(*driver), "de", 31);
+    std::ofstream(Folder() / "de.plist") << "<plist><array><string>Farben</string></array></plist>";
+    ASSERT_TRUE(Find({Candidate("Final Cut")}));
+    EXPECT_EQ(position.y, 22);
+}
+
+TEST_F(WindowLookup, TargetDoesNotBecomeTheMainWindow) {
+    ASSERT_TRUE(Find({Candidate("Farben")}));
+    EXPECT_EQ((*desktop).Log().LastNumber(), 0u) << "nothing was set";
+}
+
 TEST_F(WindowLookup, TargetIsFoundByItsTranslatedTitle) {
     Translate("de", "<key>color</key><string>Farben</string>");
     ASSERT_TRUE(Find({Candidate("color")}));
@@ -247,7 +281,7 @@ TEST_F(WindowLookup, TwoCandidatesThatMatchOneWindowReportTheLowerIndex) {
     EXPECT_EQ(index, 1u);
 }
 
-TEST_F(WindowLookup, EmptyTargetListReadsTheFirstTitleAndNeverMatches) {
+TEST_F(WindowLookup, EmptyTargetListNeverMatchesThoughTitlesAreRead) {
     const unsigned long before = desktop_link::ExchangeCount();
     EXPECT_FALSE(driver->GetPosAndSizeForTargetWindow(nullptr, 0, index, position, size));
     // The window list, and one title for each window.
