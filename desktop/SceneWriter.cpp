@@ -85,7 +85,9 @@ class SceneWriter {
         }
         AddMisbehaviour(application, application.root, facts);
         text_ += "    { " + facts.Text() + ",\n      \"windows\": ";
-        if (const Answer* override = application.root.Stored("AXWindows")) {
+        // Nothing is left to be read of a dead application, whatever was answered before.
+        const Answer* override = application.dead ? nullptr : application.root.Stored("AXWindows");
+        if (override != nullptr) {
             text_ += ToText(Write(application, *override, "AXWindows")) + " }";
             return;
         }

@@ -428,6 +428,21 @@ TEST(Dump, ReferenceToADestroyedElementStaysOne) {
     EXPECT_EQ(other.Read(std::get<ElementReference>(owner.content), "AXRole"), Failing(-25202));
 }
 
+TEST(Dump, DeadApplicationHasNoWindowsWhateverItsWindowListWas) {
+    Desktop desktop(R"({ "applications": [
+        { "pid": 501, "windows": "no list" }, { "pid": 502, "windows": { "error": -25204 } } ] })");
+    const Client client{desktop};
+    for (const char* application : {"pid:501", "pid:502"}) {
+        client.Do({{"command", "kill"}, {"application", application}});
+    }
+    const std::string dump = desktop.Dump();
+    const json scene = json::parse(dump);
+    for (const json& application : scene["applications"]) {
+        EXPECT_EQ(application["windows"], json::array());
+    }
+    EXPECT_EQ(Desktop(dump).Dump(), dump);
+}
+
 TEST(Determinism, SameSceneAndScriptGiveTheSameLogAndDump) {
     const auto run = [] {
         Desktop desktop(WindowWith({{{"AXRole", "AXCheckBox"}, {"AXIdentifier", "_NS:1"}}}));
