@@ -1,6 +1,6 @@
 # The commands of the house. `make demo` and `make check` install what is missing, build, and run.
 
-.PHONY: demo check check-sanitize build lint packages clean
+.PHONY: demo check check-sanitize fuzz fuzz-coverage build lint packages clean
 
 demo: build
 	@scripts/demo
@@ -14,6 +14,19 @@ check-sanitize: packages
 	@cmake --build --preset sanitize
 	@scripts/run-tests build-sanitize
 
+# Every fuzz target for SECONDS seconds.
+SECONDS ?= 30
+fuzz: packages
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz
+	@scripts/fuzz $(SECONDS)
+
+# Which lines of the code that each target aims at its corpus reaches.
+fuzz-coverage: packages
+	@cmake --preset fuzz-coverage >/dev/null
+	@cmake --build --preset fuzz-coverage
+	@scripts/fuzz --coverage
+
 build: packages
 	@cmake --preset linux >/dev/null
 	@cmake --build --preset linux
@@ -25,4 +38,4 @@ packages:
 	@scripts/install-packages
 
 clean:
-	rm -rf build build-sanitize
+	rm -rf build build-sanitize build-fuzz build-fuzz-coverage

@@ -8,6 +8,21 @@ if(KRT9_SANITIZE)
     add_link_options(${krt9_sanitizers})
 endif()
 
+# KRT9_FUZZ=ON, together with KRT9_SANITIZE: what the fuzz targets of fuzz/ need. KRT9_COVERAGE=ON
+# builds the same targets without sanitizers, to measure which lines their corpora reach.
+option(KRT9_FUZZ "Build the fuzz targets" OFF)
+option(KRT9_COVERAGE "Build for the measurement of line coverage" OFF)
+
+if(KRT9_FUZZ)
+    add_compile_options(-O1)
+    if(KRT9_COVERAGE)
+        add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+        add_link_options(-fprofile-instr-generate)
+    else()
+        add_compile_options(-fsanitize=fuzzer-no-link)
+    endif()
+endif()
+
 if(NOT APPLE)
     add_link_options(-fuse-ld=lld)
 endif()

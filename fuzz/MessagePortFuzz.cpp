@@ -1,0 +1,374 @@
+// The wire of the message ports, with a peer that sends anything: to a port of this process, and
+// back to a client in this process.
+//
+// What must hold: a peer hurts only itself. One that sends nothing but requests gets the reply to
+// each that wants one, in order unless a callback runs the loop, whatever the others do.
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "fuzz/Check.h"
+#include "fuzz/Choices.h"
+#include "fuzz/ObjectLedger.h"
+#include "fuzz/Peer.h"
+#include "fuzz/StartUp.h"
+#include "fuzz/Surroundings.h"
+#include "platform/CoreFoundation/MessagePort/MessageFrame.h"
+#include "platform/LocalSocket/Socket.h"
+#include "platform/Testing/TestClock.h"
+
+namespace {
+
+using fuzz::Choices;
+using message_port::DecodeMessage;
+using message_port::Message;
+using message_port::MessageHeader;
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr int kMostSteps = 64;
+constexpr std::size_t kMostPeers = 4;
+constexpr SInt32 kNestsLoop = 1 << 8;  // bits of a request's msgid
+constexpr SInt32 kAnswersNothing = 1 << 9;
+
+void Pump(int passes) {
+    for (; passes > 0; --passes) {
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true);
+    }
+}
+
+Bytes Payload(const MessageHeader& header, const Bytes& data) {
+    const message_port::HeaderBytes head = EncodeHeader(header);
+    Bytes payload(head.begin(), head.end());
+    payload.insert(payload.end(), data.begin(), data.end());
+    return payload;
+}
+
+// Frames that come in, in parts of any size.
+class Inbox {
+  public:
+    void Add(const Bytes& bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
+
+    std::optional<Bytes> Next() {
+        if (bytes_.size() < 4) {
+            return std::nullopt;
+        }
+        const std::size_t size = std::size_t{bytes_[0]} | std::size_t{bytes_[1]} << 8 |
+                                 std::size_t{bytes_[2]} << 16 | std::size_t{bytes_[3]} << 24;
+        if (bytes_.size() - 4 < size) {
+            return std::nullopt;
+        }
+        const auto begin = bytes_.begin() + 4;
+        Bytes payload(begin, begin + static_cast<std::ptrdiff_t>(size));
+        bytes_.erase(bytes_.begin(), begin + static_cast<std::ptrdiff_t>(size));
+        return payload;
+    }
+
+  private:
+    Bytes bytes_;
+};
+
+class ServedPort {
+  public:
+    explicit ServedPort(Choices& choices) : choices_(choices) {
+        CFMessagePortContext context = {0, this, nullptr, nullptr, nullptr};
+        port_ = CFMessagePortCreateLocal(nullptr, CFSTR("Served"), Receive, &context, nullptr);
+        source_ = CFMessagePortCreateRunLoopSource(nullptr, port_, 0);
+        CFRunLoopAddSource(CFRunLoopGetCurrent(), source_, kCFRunLoopDefaultMode);
+    }
+    ServedPort(const ServedPort&) = delete;
+    ServedPort& operator=(const ServedPort&) = delete;
+    ~ServedPort() {
+        CFMessagePortInvalidate(port_);
+        CFRelease(source_);
+        CFRelease(port_);
+    }
+
+    void Run() {
+        for (int step = 0; step < kMostSteps && !choices_.Exhausted(); ++step) {
+            Step();
+        }
+        for (int round = 0; valid_ && round < 20; ++round) {
+            Pump(20);
+            TakeReplies();
+        }
+        for (const Sender& sender : senders_) {
+            fuzz::Check(!valid_ || !sender.honest || sender.expected.empty(),
+                        "an honest peer gets its replies");
+        }
+    }
+
+  private:
+    struct Sender {
+        fuzz::Peer peer;
+        bool honest = true;
+        std::deque<Bytes> expected = {};  // payloads of the replies to come
+        Inbox inbox = {};
+        std::uint32_t sequence = 0;
+    };
+
+    void Step() {
+        const std::uint8_t choice = choices_.Byte();
+        if (senders_.empty() || (choice % 16 == 0 && senders_.size() < kMostPeers)) {
+            senders_.push_back({fuzz::Peer(local_socket::Connect("Served"))});
+            return;
+        }
+        Sender& sender = senders_[choice / 16U % senders_.size()];
+        switch (choice % 16) {
+            case 1:
+                SendDishonest(sender, choices_.Bytes(choices_.Byte()));
+                break;
+            case 2:
+                SendDishonest(sender, fuzz::Damaged(fuzz::Framed(NextRequest(sender)), choices_));
+                break;
+            case 3:
+                sender.honest = false;
+                sender.peer.Close();
+                break;
+            case 4:
+                sender.honest = false;
+                sender.peer.EndSending();
+                break;
+            case 5:
+                valid_ = false;
+                CFMessagePortInvalidate(port_);
+                break;
+            case 6:
+            case 7:
+                TakeReplies();
+                break;
+            case 8:
+            case 9:
+            case 10:
+                Pump(1 + choice / 16);
+                break;
+            default:
+                SendRequest(sender);
+                break;
+        }
+    }
+
+    // No reply is expected for what NextRequest() made here.
+    static void SendDishonest(Sender& sender, const Bytes& bytes) {
+        sender.honest = false;
+        if (sender.peer.IsOpen()) {
+            sender.peer.Send(bytes);
+        }
+    }
+
+    Bytes NextRequest(Sender& sender) {
+        MessageHeader header;
+        header.wantsReply = choices_.Flag();
+        header.msgid = choices_.Byte() << 4;
+        header.sequence = ++sender.sequence;
+        return Payload(header, choices_.Bytes(choices_.Byte()));
+    }
+
+    void SendRequest(Sender& sender) {
+        const Bytes payload = NextRequest(sender);
+        if (!sender.peer.IsOpen() || !sender.peer.Send(fuzz::Framed(payload))) {
+            sender.honest = false;
+            return;
+        }
+        MessageHeader header = DecodeMessage(payload)->header;
+        nested_ = nested_ || (header.msgid & kNestsLoop) != 0;
+        if (header.wantsReply) {
+            header.kind = MessageHeader::Kind::reply;
+            header.wantsReply = false;
+            const bool empty = (header.msgid & kAnswersNothing) != 0;
+            sender.expected.push_back(
+                Payload(header, empty ? Bytes() : Bytes(payload.begin() + 12, payload.end())));
+        }
+    }
+
+    void TakeReplies() {
+        for (Sender& sender : senders_) {
+            if (!sender.peer.IsOpen()) {
+                continue;
+            }
+            sender.inbox.Add(sender.peer.Receive());
+            while (const auto payload = sender.inbox.Next()) {
+                const auto message = DecodeMessage(*payload);
+                fuzz::Check(message && message->header.kind == MessageHeader::Kind::reply,
+                            "a port answers with replies");
+                if (sender.honest) {
+                    TakeReply(sender, *payload);
+                }
+            }
+        }
+    }
+
+    // A callback that runs the loop is overtaken by the requests behind it.
+    void TakeReply(Sender& sender, const Bytes& payload) const {
+        const auto found = std::find(sender.expected.begin(), sender.expected.end(), payload);
+        fuzz::Check(found != sender.expected.end(), "a reply is that to a request");
+        fuzz::Check(nested_ || found == sender.expected.begin(),
+                    "a reply is that to the next request");
+        sender.expected.erase(found);
+    }
+
+    // Answers the data itself.
+    static CFDataRef Receive(CFMessagePortRef, SInt32 msgid, CFDataRef data, void*) {
+        fuzz::Check(data != nullptr, "a request has data");
+        const CFDataRef copy = CFDataCreate(nullptr, CFDataGetBytePtr(data), CFDataGetLength(data));
+        if ((msgid & kNestsLoop) != 0) {
+            CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true);
+        }
+        if ((msgid & kAnswersNothing) != 0) {
+            CFRelease(copy);
+            return nullptr;
+        }
+        return copy;
+    }
+
+    Choices& choices_;
+    CFMessagePortRef port_;
+    CFRunLoopSourceRef source_;
+    std::vector<Sender> senders_;
+    bool valid_ = true;
+    bool nested_ = false;
+};
+
+class AskedPort {
+  public:
+    explicit AskedPort(Choices& choices)
+        : choices_(choices), listener_(local_socket::Listener::Create("Asked", nullptr, nullptr)) {}
+    AskedPort(const AskedPort&) = delete;
+    AskedPort& operator=(const AskedPort&) = delete;
+    ~AskedPort() { Forget(); }
+
+    void Run() {
+        for (int step = 0; step < kMostSteps && !choices_.Exhausted(); ++step) {
+            if (port_ == nullptr) {
+                port_ = CFMessagePortCreateRemote(nullptr, CFSTR("Asked"));
+                peer_.emplace(listener_->Accept());
+                sequence_ = 0;
+            }
+            Step();
+        }
+    }
+
+  private:
+    void Forget() {
+        if (port_ != nullptr) {
+            CFMessagePortInvalidate(port_);
+            CFRelease(port_);
+            port_ = nullptr;
+        }
+    }
+
+    void Step() {
+        const std::uint8_t choice = choices_.Byte();
+        switch (choice % 16) {
+            case 0:
+                Forget();
+                break;
+            case 1:
+                peer_->Close();
+                break;
+            case 2:
+                Send(choices_.Bytes(choices_.Byte()));
+                break;
+            case 3:
+                Send(fuzz::Damaged(fuzz::Framed(Reply(choice / 16)), choices_));
+                break;
+            case 4:
+            case 5:
+                Pump(1);
+                break;
+            case 6:
+                TakeRequests();
+                break;
+            case 7:
+            case 8:
+                Ask(false);
+                break;
+            case 9:
+            case 10:
+            case 11:
+                Ask(true);
+                break;
+            default:
+                Send(fuzz::Framed(Reply(choice / 16)));
+                break;
+        }
+    }
+
+    void Send(const Bytes& bytes) {
+        if (peer_->IsOpen()) {
+            peer_->Send(bytes);
+        }
+    }
+
+    // To one of the next requests, as a rule.
+    Bytes Reply(unsigned ahead) {
+        MessageHeader header;
+        header.kind = MessageHeader::Kind::reply;
+        header.sequence = ahead == 15 ? choices_.Raw<std::uint32_t>() : sequence_ + ahead % 4;
+        return Payload(header, choices_.Bytes(choices_.Byte()));
+    }
+
+    void Ask(bool wantsReply) {
+        const Bytes data = choices_.Bytes(choices_.Byte());
+        const CFDataRef body =
+            CFDataCreate(nullptr, data.data(), static_cast<CFIndex>(data.size()));
+        CFDataRef reply = nullptr;
+        sequence_ += wantsReply ? 1 : 0;
+        const SInt32 result = CFMessagePortSendRequest(port_, 5, body, 0.01, 0.01,
+                                                       wantsReply ? kCFRunLoopDefaultMode : nullptr,
+                                                       wantsReply ? &reply : nullptr);
+        CFRelease(body);
+        fuzz::Check(result <= 0 && result >= -5, "a result is one of the six");
+        fuzz::Check((reply != nullptr) == (wantsReply && result == 0),
+                    "a reply comes with success and only then");
+        if (reply != nullptr) {
+            CFRelease(reply);
+        }
+    }
+
+    void TakeRequests() {
+        if (!peer_->IsOpen()) {
+            return;
+        }
+        inbox_.Add(peer_->Receive());
+        while (const auto payload = inbox_.Next()) {
+            const auto message = DecodeMessage(*payload);
+            fuzz::Check(message && message->header.kind == MessageHeader::Kind::request &&
+                            message->header.msgid == 5,
+                        "a client sends requests");
+        }
+    }
+
+    Choices& choices_;
+    std::optional<local_socket::Listener> listener_;
+    std::optional<fuzz::Peer> peer_;
+    Inbox inbox_;
+    CFMessagePortRef port_ = nullptr;
+    std::uint32_t sequence_ = 0;
+};
+
+}  // namespace
+
+void fuzz::PrepareTarget() {
+    PrivateFolder();
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    fuzz::RunWithoutGrowth([&] {
+        std::span<const std::uint8_t> input(data, size);
+        Choices choices(input, fuzz::End::front);
+        const platform_testing::TestClock clock;
+        if (choices.Flag()) {
+            AskedPort(choices).Run();
+        } else {
+            ServedPort(choices).Run();
+        }
+    });
+    return 0;
+}
