@@ -16,7 +16,7 @@ bool CVEK_UserSpaceDriver::GetLocale() {
     const bool converted = CFStringGetCString(tag, text, sizeof text, CFStringGetSystemEncoding());
     CFRelease(tag);
     if (converted) {
-        strcpy(language, text);
+        memcpy(language, text, strlen(text) + 1);
         SendMessage(kJSLg, reinterpret_cast<unsigned char*>(text), strlen(text) + 1, false,
                     nullptr);
     }

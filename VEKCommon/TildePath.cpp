@@ -33,7 +33,7 @@ CFStringRef CLanguageSupport::CreateCFStringByExpandingTildePath(CFStringRef pat
 char* CLanguageSupport::CreatePathByExpandingTildePath(const char* path) {
 // The text of this assertion is known to those who read crash reports.
 #line 150 "VEKCommon/CLanguageSupport"
-    assert(path != NULL);
+    assert(path != NULL);  // NOLINT(modernize-use-nullptr)
 #line 38 "VEKCommon/TildePath.cpp"
     glob_t matches;
     if (glob(path, GLOB_TILDE, nullptr, &matches) != 0) {

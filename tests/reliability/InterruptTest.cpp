@@ -23,6 +23,13 @@ using test_support::Stage;
 using test_support::WaitUntil;
 using Clock = std::chrono::steady_clock;
 
+// At its end a process of the sanitizer build searches its memory for what leaked.
+#if __has_feature(address_sanitizer)
+constexpr std::chrono::seconds kAtOnce(10);
+#else
+constexpr std::chrono::seconds kAtOnce(1);
+#endif
+
 // Before it, the first thing the driver does, no process can promise anything.
 bool WaitForHandler(const ChildProcess& driver) {
     return WaitUntil([&] { return test_support::HandlesSignal(driver.pid(), SIGINT); });
@@ -39,7 +46,7 @@ TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndL
     const auto seed = std::random_device()();
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> moment(0, 40'000);  // microseconds
-    const int repetitions = test_support::Repetitions(60, 1000);
+    const int repetitions = test_support::Repetitions(40, 1000);
     for (int i = 0; i < repetitions; ++i) {
         // Full pipes that nobody reads would stop the desktop, and with it the driver.
         stage.Desktop().ForgetOutput();
@@ -53,7 +60,7 @@ TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndL
         ASSERT_EQ(driver.WaitForExit(), 0)
             << "after " << delay.count() << " us, seed " << seed << ", repetition " << i << "\n"
             << driver.StandardError();
-        ASSERT_LT(Clock::now() - interrupted, std::chrono::seconds(1));
+        ASSERT_LT(Clock::now() - interrupted, kAtOnce);
         ASSERT_THAT(stage.Session().Files(), testing::UnorderedElementsAreArray(filesBefore))
             << "after " << delay.count() << " us, seed " << seed << ", repetition " << i;
     }

@@ -6,26 +6,29 @@
 #ifdef __OBJC__
 #import <Foundation/NSGeometry.h>
 
-typedef NSPoint CGPoint;
-typedef NSSize CGSize;
-typedef NSRect CGRect;
+using CGPoint = NSPoint;
+using CGSize = NSSize;
+using CGRect = NSRect;
 #else
 using CGFloat = double;
 
-typedef struct _NSPoint {
+struct _NSPoint {
     CGFloat x;
     CGFloat y;
-} CGPoint;
+};
+using CGPoint = _NSPoint;
 
-typedef struct _NSSize {
+struct _NSSize {
     CGFloat width;
     CGFloat height;
-} CGSize;
+};
+using CGSize = _NSSize;
 
-typedef struct _NSRect {
+struct _NSRect {
     CGPoint origin;
     CGSize size;
-} CGRect;
+};
+using CGRect = _NSRect;
 #endif
 
 inline CGPoint CGPointMake(CGFloat x, CGFloat y) {

@@ -8,7 +8,7 @@ namespace {
 using test_support::Bytes;
 using testing::ElementsAre;
 
-const int kRepetitions = test_support::Repetitions(500, 10'000);
+const int kRepetitions = test_support::Repetitions(200, 10'000);
 
 class DriverOwnership : public DriverTest {
   protected:

@@ -12,7 +12,7 @@
 
 namespace {
 
-const int kRepetitions = test_support::Repetitions(500, 10'000);
+const int kRepetitions = test_support::Repetitions(200, 10'000);
 
 class Ownership : public DispatcherTest {};
 
