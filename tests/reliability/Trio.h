@@ -49,6 +49,7 @@ class Trio {
     ProcessResult Control(const std::vector<std::string>& arguments);
 
     SessionFixture session_;
+    std::string scene_;  // the file
     std::array<std::unique_ptr<ChildProcess>, kRoles.size()> processes_;
     int starts_ = 0;
     int companionStart_ = 0;
