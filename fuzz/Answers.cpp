@@ -37,6 +37,22 @@ constexpr const char* kIdentifiers[] = {"_NS:59",  "_NS:16",  "_NS:62",  "_NS:66
                                         "_NS:63",  "_NS:99",  "_NS:352", "_NS:363", "_NS:393",
                                         "_NS:433", "_NS:435", "_NS:114", "_NS:1234"};
 
+// What the driver looks for in the releases of the editor, with the children that lead to it.
+struct Sought {
+    const char* role;
+    const char* identifier;
+};
+
+constexpr Sought kSought[] = {
+    {"AXStaticText", "_NS:100"}, {"AXStaticText", "_NS:28"},  {"AXStaticText", "_NS:62"},
+    {"AXStaticText", "_NS:66"},  {"AXStaticText", "_NS:433"}, {"AXStaticText", "_NS:435"},
+    {"AXTable", "_NS:139"},      {"AXTable", "_NS:16"},       {"AXTable", "_NS:49"},
+    {"AXCheckBox", "_NS:159"},   {"AXRadioGroup", "_NS:59"},  {"AXRadioGroup", "_NS:63"},
+    {"AXLayoutArea", "_NS:352"}, {"AXLayoutArea", "_NS:363"}, {"AXLayoutArea", "_NS:393"},
+    {"AXLayoutArea", "_NS:99"},  {"AXLayoutArea", "_NS:16"},  {"AXButton", "_NS:59"},
+    {"AXTextField", "_NS:62"},   {"AXRadioGroup", "_NS:62"},  {"AXCheckBox", "_NS:128"},
+    {"AXRadioGroup", "_NS:66"},  {"AXTable", "_NS:100"},      {"AXGroup", "_NS:1"}};
+
 constexpr const char* kTexts[] = {"Final Cut Pro",   "Color Board", "01:00:00:00",
                                   "Playhead",        "12 fps",      "",
                                   "99999999999",     "-5",          "\xC3\xA9\xF0\x9F\x8E\xAC",
@@ -127,8 +143,12 @@ Reply Answers::Plausible(const Request& request) {
         case Operation::isSettable:
             reply.flag = choices_.Flag();
             break;
-        case Operation::copyAttribute:
         case Operation::copyAttributes:
+            if (choices_.Byte() < 208) {
+                return {.values = SoughtElement(request.names)};
+            }
+            [[fallthrough]];
+        case Operation::copyAttribute:
             for (const std::string& name : request.names) {
                 reply.values.push_back(PlausibleAttribute(name));
             }
@@ -151,12 +171,30 @@ Reply Answers::Plausible(const Request& request) {
     return reply;
 }
 
+// A whole element, of which only the children are still open.
+Array Answers::SoughtElement(const std::vector<std::string>& names) {
+    const Sought& sought = choices_.Pick(kSought);
+    Array values;
+    for (const std::string& name : names) {
+        if (name == "AXRole") {
+            values.push_back({std::string(sought.role)});
+        } else if (name == "AXIdentifier") {
+            values.push_back({std::string(sought.identifier)});
+        } else if (name == "AXChildren") {
+            values.push_back(Elements());
+        } else {
+            values.push_back({ErrorValue{-25205}});
+        }
+    }
+    return values;
+}
+
 Answers::Value Answers::PlausibleAttribute(const std::string& name) {
     if (name == "AXWindows" || name == "AXChildren" || name == "AXSelectedRows") {
         return Elements();
     }
     if (name == "AXRole") {
-        return {std::string(choices_.Pick(kRoles))};
+        return {std::string(choices_.Byte() < 64 ? "AXValueIndicator" : choices_.Pick(kRoles))};
     }
     if (name == "AXIdentifier") {
         return {std::string(choices_.Pick(kIdentifiers))};
@@ -165,7 +203,7 @@ Answers::Value Answers::PlausibleAttribute(const std::string& name) {
         return choices_.Flag() ? Value{std::string("AXSearchField")} : Value{ErrorValue{-25205}};
     }
     if (name == "AXDescription") {
-        return {choices_.Flag() ? Text() : std::string("Playhead")};
+        return {choices_.Byte() < 64 ? Text() : std::string("Playhead")};
     }
     if (name == "AXPosition") {
         return {Point{Coordinate(), Coordinate()}};

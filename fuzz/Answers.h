@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "fuzz/Choices.h"
 #include "platform/DesktopLink/Messages.h"
@@ -30,6 +31,7 @@ class Answers {
 
     desktop_link::Reply Plausible(const desktop_link::Request& request);
     desktop_link::Reply Settled(const desktop_link::Request& request) const;
+    desktop_link::Array SoughtElement(const std::vector<std::string>& names);
     Value PlausibleAttribute(const std::string& name);
     Value AnyValue(int depth);
     Value Elements();

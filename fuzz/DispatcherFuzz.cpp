@@ -86,14 +86,14 @@ class Play {
             Step(*driver);
         }
         Settle(*driver);
+        platform_testing::ForgetEventFaults();
+        platform_testing::ForgetMidiFaults();
     }
 
   private:
     // The observer of the front application is one for the whole process.
     void Prepare() {
         test_support::SetFrontApplication({});
-        platform_testing::ForgetEventFaults();
-        platform_testing::ForgetMidiFaults();
         desktop_link::FrontApplication();  // so that notifications are wanted
         const std::uint8_t choice = program_.Byte();
         if (choice % 4 != 3) {

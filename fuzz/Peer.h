@@ -30,10 +30,9 @@ class Peer {
 
     // What has come, at most 64 KiB; nothing also at the end.
     std::vector<std::uint8_t> Receive() const {
-        std::vector<std::uint8_t> bytes(std::size_t{64} << 10);
-        const ssize_t count = recv(socket_.get(), bytes.data(), bytes.size(), MSG_DONTWAIT);
-        bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-        return bytes;
+        static std::uint8_t buffer[std::size_t{64} << 10];
+        const ssize_t count = recv(socket_.get(), buffer, sizeof buffer, MSG_DONTWAIT);
+        return {buffer, buffer + (count > 0 ? count : 0)};
     }
 
   private:

@@ -1,17 +1,22 @@
 // Scenes and the commands of scripts: the first line is a scene, every other one a command or, when
-// it begins with '#', a request of a process in the wire's form.
+// it has the key "request", a request of a process: the operation's number, "application",
+// "element", "names", "value" as in a scene, "flag", and for events "type", "x", "y", "keyCode"
+// and "flags".
 //
 // What must hold: a mistake is refused with one line and nothing else happens; a dump loads as it
 // is and is the same when it is dumped again.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "desktop/Desktop.h"
 #include "desktop/SceneError.h"
+#include "desktop/SceneValue.h"
 #include "fuzz/Check.h"
 #include "fuzz/JsonMutator.h"
 #include "fuzz/StartUp.h"
@@ -42,13 +47,60 @@ void Run(desktop::Desktop& desktop, const std::string& command) {
     }
 }
 
-void Ask(desktop::Desktop& desktop, const std::string& line) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(line.data());
-    const auto request = desktop_link::DecodeRequest(bytes + 1, line.size() - 1);
+double Number(const nlohmann::json& object, const char* key) {
+    const auto found = object.find(key);
+    return found != object.end() && found->is_number() ? found->get<double>() : 0;
+}
+
+std::string Text(const nlohmann::json& object, const char* key) {
+    const auto found = object.find(key);
+    return found != object.end() && found->is_string() ? found->get<std::string>() : "";
+}
+
+// Throws SceneError for an element that is not there and a value that is none.
+desktop_link::Request ReadRequest(desktop::Desktop& desktop, const nlohmann::json& line) {
+    using desktop_link::Operation;
+    desktop_link::Request request;
+    const double operation = Number(line, "request");
+    request.operation = operation >= 1 && operation <= static_cast<int>(Operation::script)
+                            ? static_cast<Operation>(static_cast<int>(operation))
+                            : Operation::copyAttribute;
+    request.element = desktop.Find(Text(line, "application"), Text(line, "element"));
+    if (const auto names = line.find("names"); names != line.end() && names->is_array()) {
+        for (const auto& name : *names) {
+            request.names.push_back(name.is_string() ? name.get<std::string>() : "AXValue");
+        }
+    }
+    if (const auto value = line.find("value"); value != line.end()) {
+        const auto resolve = [&desktop](const std::string& address, const std::string& application,
+                                        const std::string&) {
+            return desktop.Find(application, address);
+        };
+        request.value = desktop::ReadAnswer(
+                            *value, request.names.empty() ? "" : request.names.front(), "", resolve)
+                            .value;
+    }
+    request.flag = line.value("flag", nlohmann::json()) == true;
+    request.text = Text(line, "text");
+    request.number = static_cast<std::int64_t>(std::clamp(Number(line, "number"), -1e9, 1e9));
+    const auto small = [&line](const char* key) {
+        return static_cast<std::uint32_t>(std::clamp(Number(line, key), 0.0, 4e9));
+    };
+    request.event.type = small("type");
+    request.event.keyCode = small("keyCode");
+    request.event.flags = small("flags");
+    request.event.position = {Number(line, "x"), Number(line, "y")};
+    request.event.flagsWereSet = request.flag;
+    return request;
+}
+
+void Ask(desktop::Desktop& desktop, const nlohmann::json& line) {
+    const auto message = Encode(ReadRequest(desktop, line));
+    const auto request = desktop_link::DecodeRequest(message.data(), message.size());
     const auto reply = request ? desktop.Handle(1, *request) : std::nullopt;
     if (reply) {
-        const auto message = Encode(*reply);
-        fuzz::Check(desktop_link::DecodeReply(message.data(), message.size()).has_value(),
+        const auto answer = Encode(*reply);
+        fuzz::Check(desktop_link::DecodeReply(answer.data(), answer.size()).has_value(),
                     "what the desktop answers can travel");
     }
 }
@@ -95,10 +147,15 @@ void Play(const std::vector<std::string>& lines) {
     CheckDump(desktop);
     ReadAttributes(desktop);
     for (std::size_t index = 1; index < lines.size() && index < kMostCommands; ++index) {
-        if (lines[index].starts_with('#')) {
-            Ask(desktop, lines[index]);
-        } else {
+        const auto line = nlohmann::json::parse(lines[index], nullptr, false);
+        if (!line.is_object() || !line.contains("request")) {
             Run(desktop, lines[index]);
+            continue;
+        }
+        try {
+            Ask(desktop, line);
+        } catch (const desktop::SceneError&) {
+            // There is no such element.
         }
     }
     desktop.Advance(1);
