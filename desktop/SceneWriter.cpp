@@ -1,6 +1,7 @@
 #include "desktop/SceneWriter.h"
 
 #include <algorithm>
+#include <string_view>
 #include <vector>
 
 #include "desktop/Address.h"
@@ -87,7 +88,7 @@ class SceneWriter {
         text_ += "    { " + facts.Text() + ",\n      \"windows\": ";
         // Nothing is left to be read of a dead application, whatever was answered before.
         const Answer* override = application.dead ? nullptr : application.root.Stored("AXWindows");
-        if (override != nullptr) {
+        if (override != nullptr && application.root.children.empty()) {
             text_ += ToText(Write(application, *override, "AXWindows")) + " }";
             return;
         }
@@ -127,7 +128,10 @@ class SceneWriter {
     void WriteElement(const Application& application, const Element& element) {
         Members members;
         for (const Attribute* attribute : InOrder(element)) {
-            members.Add(*attribute->name, Write(application, attribute->answer, *attribute->name));
+            if (!HidesTree(application, element, *attribute->name)) {
+                members.Add(*attribute->name,
+                            Write(application, attribute->answer, *attribute->name));
+            }
         }
         AddTreeAttributes(application, element, members);
         if (element.details != nullptr && element.details->actions) {
@@ -172,10 +176,39 @@ class SceneWriter {
         }
     }
 
+    // True when what the tree holds under this name has to be written, too.
+    static bool HidesTree(const Application& application, const Element& element,
+                          std::string_view attribute) {
+        if (&element == &application.root) {
+            return attribute == "AXWindows" && !application.dead && !element.children.empty();
+        }
+        return (attribute == "AXChildren" && element.hasChildren) ||
+               (attribute == "AXSelectedRows" && SelectedRows(element) != nullptr) ||
+               (attribute == "AXMain" && application.mainWindow == &element);
+    }
+
+    // What hides a part of the tree becomes the answer to a reading, after the rules there are: of
+    // two members with one name, a scene would keep only the last.
+    static Misbehaviour WithHidingAnswers(const Application& application, const Element& element) {
+        const Misbehaviour* own = element.OwnMisbehaviour();
+        Misbehaviour misbehaviour = own == nullptr ? Misbehaviour() : *own;
+        for (const Attribute& attribute : element.attributes) {
+            auto& rules = misbehaviour.reads;
+            const auto place = std::find_if(rules.begin(), rules.end(), [&](const ReadRule& rule) {
+                return rule.name >= *attribute.name;
+            });
+            const bool ruled = place != rules.end() && place->name == *attribute.name;
+            if (!ruled && HidesTree(application, element, *attribute.name)) {
+                rules.insert(place, ReadRule{{*attribute.name, 0, {}}, attribute.answer, {}});
+            }
+        }
+        return misbehaviour;
+    }
+
     void AddMisbehaviour(const Application& application, const Element& element, Members& members) {
-        const Misbehaviour* misbehaviour = element.OwnMisbehaviour();
-        if (misbehaviour != nullptr && !misbehaviour->Empty()) {
-            members.Add("misbehaviour", WriteMisbehaviour(*misbehaviour, Describer(application)));
+        const Misbehaviour misbehaviour = WithHidingAnswers(application, element);
+        if (!misbehaviour.Empty()) {
+            members.Add("misbehaviour", WriteMisbehaviour(misbehaviour, Describer(application)));
         }
     }
 

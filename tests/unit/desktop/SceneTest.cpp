@@ -417,6 +417,39 @@ TEST(Dump, ShowsChangesAndCanBeTakenUpAgain) {
     EXPECT_EQ(other.Read("/0/2", "AXRole"), Text("AXButton"));
 }
 
+// Children, selected rows, main window and windows are the tree's own; an answer that a command
+// sets in place of one of them hides it. The dump has both, each once.
+TEST(Dump, KeepsTheTreeBelowAnAnswerThatHidesIt) {
+    const std::string scene = R"({"front": "e", "applications": [
+        {"bundleID": "e", "pid": 501, "windows": [
+            {"AXRole": "AXWindow", "AXOwner": {"element": "/0/0/1"}, "AXChildren": [
+                {"AXRole": "AXTable", "AXSelectedRows": [1],
+                 "misbehaviour": {"read": {"AXHelp": {"error": -25204}, "AXTitle": {"answer": 1}}},
+                 "AXChildren": [{"AXRole": "AXRow"}, {"AXRole": "AXRow"}]}]}]},
+        {"pid": 77, "windows": [{"AXLinked": {"element": "/0/0/1", "application": "e"}}]}]})";
+    const std::pair<const char*, const char*> places[] = {
+        {"/", "AXWindows"}, {"/0", "AXMain"}, {"/0/0", "AXChildren"}, {"/0/0", "AXSelectedRows"}};
+    for (const auto& [address, attribute] : places) {
+        SCOPED_TRACE(attribute);
+        Desktop desktop(scene);
+        const Client client{desktop};
+        const Value hidden = client.Read(address, attribute);
+        client.Do({{"command", "set"},
+                   {"element", address},
+                   {"attribute", attribute},
+                   {"value", {{"error", -25200}}}});
+        EXPECT_EQ(client.Read(address, attribute), Failing(-25200));
+        const std::string dump = desktop.Dump();
+        Desktop taken(dump);
+        const Client other{taken};
+        EXPECT_EQ(taken.Dump(), dump);
+        EXPECT_EQ(other.Read(address, attribute), Failing(-25200));
+        EXPECT_EQ(other.Read("/0/0", "AXTitle"), Number(1));
+        other.Do({{"command", "misbehave"}, {"element", address}, {"misbehaviour", nullptr}});
+        EXPECT_EQ(other.Read(address, attribute).content.index(), hidden.content.index());
+    }
+}
+
 TEST(Dump, ReferenceToADestroyedElementStaysOne) {
     Desktop desktop(WindowWith(
         {{{"AXRole", "AXGroup"}, {"AXOwner", {{"element", "/0/1"}}}}, {{"AXRole", "AXGroup"}}}));
