@@ -78,7 +78,7 @@ std::optional<BinaryDocument> BinaryDocument::Open(Bytes bytes) {
 class BinaryReader {
   public:
     BinaryReader(const BinaryDocument& document, const ObjectMaker& make)
-        : document_(document), make_(make) {}
+        : document_(document), make_(make), left_(document.objects_.size()) {}
 
     // An object that several others refer to is made once.
     Object ReadObject(std::uint64_t reference, int depth) {
@@ -187,10 +187,21 @@ class BinaryReader {
         return count;
     }
 
+    // Objects do not overlap, so that all of them together are no longer than their part of the
+    // document. Without this check a document could mean its square: a text at every byte, each of
+    // which goes on to the end.
+    bool TakeItems(std::uint64_t count) {
+        if (count > left_) {
+            return false;
+        }
+        left_ -= count;
+        return true;
+    }
+
     Object ReadCounted(unsigned kind, Bytes rest, unsigned low, int depth) {
         const std::optional<std::uint64_t> count = TakeCount(rest, low);
         // No item takes less than a byte, which keeps the products below from overflowing.
-        if (!count || *count > rest.size()) {
+        if (!count || *count > rest.size() || !TakeItems(*count)) {
             return nullptr;
         }
         switch (kind) {
@@ -280,6 +291,7 @@ class BinaryReader {
 
     const BinaryDocument& document_;
     const ObjectMaker& make_;
+    std::size_t left_;                                // items that the document still has room for
     std::unordered_map<std::uint64_t, Object> made_;  // by offset
     std::unordered_set<std::uint64_t> beingRead_;     // offsets of the containers around
 };

@@ -117,6 +117,21 @@ TEST(PropertyList, BinaryCountBeyondTheDocumentIsRefused) {
     }
 }
 
+// A document of 46 kilobytes would mean 60 megabytes.
+TEST(PropertyList, BinaryObjectsThatOverlapAreRefused) {
+    constexpr std::uint64_t kLength = 30'000;
+    constexpr std::uint64_t kObjects = 2'000;
+    std::string array = "\xAF\x11" + BigEndian(kObjects, 2);
+    for (std::uint64_t object = 1; object <= kObjects; ++object) {
+        array += BigEndian(object, 2);
+    }
+    const std::string data = "\x4F\x11" + BigEndian(kLength, 2);
+    std::vector<std::string> objects(kObjects, data);
+    objects.insert(objects.begin(), array);
+    objects.emplace_back(kLength, 'd');
+    EXPECT_TRUE(Tree(Binary(objects)).is_null());
+}
+
 TEST(PropertyList, EveryTruncationOfABinaryDocumentIsRefused) {
     const std::string document = Binary({"\xD1" + BigEndian(1, 2) + BigEndian(2, 2), "\x51k",
                                          "\x5F\x10\x12" + std::string(18, 'v')});
