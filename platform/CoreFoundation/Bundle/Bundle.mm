@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "BundleFile.h"
 #include "BundleLayout.h"
 #include "Languages.h"
 
@@ -19,10 +20,13 @@ NSString* PathString(const std::filesystem::path& path) {
 
 // The dictionary that a property list file holds; nil when there is none in it.
 NSDictionary* ReadDictionary(const std::filesystem::path& path) {
-    NSData* data = [NSData dataWithContentsOfFile:PathString(path)];
-    if (data == nil) {
+    const auto bytes = bundle::ReadFile(path);
+    if (!bytes) {
         return nil;
     }
+    NSData* data = [NSData dataWithBytesNoCopy:const_cast<std::uint8_t*>(bytes->data())
+                                        length:bytes->size()
+                                  freeWhenDone:NO];
     const id root =
         [(id)CFPropertyListCreateWithData(kCFAllocatorDefault, (CFDataRef)data,
                                           kCFPropertyListImmutable, nullptr, nullptr) autorelease];

@@ -11,8 +11,7 @@
 
 namespace {
 
-// No property list that anyone writes is longer; a device file would never end.
-constexpr std::size_t kLongestDocument = std::size_t{256} << 20U;
+using property_list::kLongestDocument;
 
 constexpr std::size_t kShortestStream = 6;
 

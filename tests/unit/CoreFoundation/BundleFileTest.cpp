@@ -1,0 +1,43 @@
+// The bytes of a bundle's files, which may be anything.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "platform/CoreFoundation/Bundle/BundleFile.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+std::optional<std::string> Read(const std::filesystem::path& path) {
+    const auto bytes = bundle::ReadFile(path);
+    return bytes ? std::optional(std::string(bytes->begin(), bytes->end())) : std::nullopt;
+}
+
+TEST(BundleFile, OfAnyLengthIsReadWhole) {
+    const test_support::TemporaryFolder folder;
+    for (const std::size_t size : {0U, 1U, 65535U, 65536U, 65537U, 1'000'000U}) {
+        const std::string text(size, 'x');
+        EXPECT_TRUE(Read(folder.Write("file", text)) == text) << size;
+    }
+}
+
+// Files of the kernel's claim to have no byte.
+TEST(BundleFile, OfUnknownLengthIsReadToItsEnd) {
+    std::ifstream limits("/proc/self/limits");
+    const std::string text(std::istreambuf_iterator<char>(limits), {});
+    ASSERT_FALSE(text.empty());
+    EXPECT_EQ(std::filesystem::file_size("/proc/self/limits"), 0U);
+    EXPECT_EQ(Read("/proc/self/limits"), text);
+}
+
+TEST(BundleFile, MayBeReachedThroughALink) {
+    const test_support::TemporaryFolder folder;
+    folder.Write("file", "text");
+    std::filesystem::create_symlink("file", folder.Path() / "link");
+    EXPECT_EQ(Read(folder.Path() / "link"), "text");
+}
+
+}  // namespace
