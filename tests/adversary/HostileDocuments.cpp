@@ -132,7 +132,7 @@ std::vector<HostileFile> FilesWithoutDictionary() {
              }
          }},
         WithBytes("NoByte", ""),
-        WithBytes("Garbage", "\x01\x02\xFF\xFE garbage \0 and more"),
+        WithBytes("Garbage", std::string("\x01\x02\xFF\xFE garbage \0 and more", 22)),
         WithBytes("AnEntityBomb", EntityBomb()),
         WithBytes("ManyOpenArrays", "<plist>" + Repeated("<array>", kLong)),
         WithBytes("ManyOpenDictionaries", "<plist>" + Repeated("<dict><key>k</key>", kLong)),
