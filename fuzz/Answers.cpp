@@ -173,13 +173,15 @@ Reply Answers::Plausible(const Request& request) {
 
 // A whole element, of which only the children are still open.
 Array Answers::SoughtElement(const std::vector<std::string>& names) {
-    const Sought& sought = choices_.Pick(kSought);
+    const std::uint8_t choice = choices_.Byte();
+    const Sought& known = kSought[choice % std::size(kSought)];
+    const bool wanted = choice < 128 && !sought_.empty();
     Array values;
     for (const std::string& name : names) {
         if (name == "AXRole") {
-            values.push_back({std::string(sought.role)});
+            values.push_back({std::string(known.role)});
         } else if (name == "AXIdentifier") {
-            values.push_back({std::string(sought.identifier)});
+            values.push_back({wanted ? sought_ : std::string(known.identifier)});
         } else if (name == "AXChildren") {
             values.push_back(Elements());
         } else {
@@ -216,6 +218,9 @@ Answers::Value Answers::PlausibleAttribute(const std::string& name) {
     }
     if (name == "AXIndex") {
         return Number();
+    }
+    if (name == "AXTitle") {
+        return {Text()};
     }
     return choices_.Flag() ? Number() : Value{Text()};
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "fuzz/Choices.h"
@@ -21,6 +22,9 @@ class Answers {
 
     // An application for the front; its bundle, if it has one, is in `bundleFolder`.
     desktop_link::Application Application(const std::string& bundleFolder);
+
+    // What a request is about: many elements have this identifier from now on.
+    void Seek(std::string identifier) { sought_ = std::move(identifier); }
 
     // From now on the front application has one window with the first static text of the newest
     // releases in it, whatever the input says.
@@ -42,6 +46,7 @@ class Answers {
     std::int32_t ErrorCode();
 
     Choices& choices_;
+    std::string sought_;
     bool settled_ = false;
     int answered_ = 0;
 };

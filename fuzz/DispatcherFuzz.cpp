@@ -25,6 +25,7 @@
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/MidiFaults.h"
 #include "platform/Testing/TestClock.h"
+#include "protocol/ByteBuffers.h"
 #include "protocol/MessageCodes.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
@@ -128,9 +129,15 @@ class Play {
                 platform_testing::FailEventCreation(
                     platform_testing::EventCreation{choice / 16 % 5}, 1 + program_.Below(4));
                 break;
-            default:
-                Ask(fuzz::NextRequest(program_));
+            default: {
+                const fuzz::CompanionRequest request = fuzz::NextRequest(program_);
+                if (request.body && request.body->size() >= 4) {
+                    const unsigned int element = UFromBuffer::GetLong(request.body->data());
+                    answers_.Seek("_NS:" + std::to_string(element));
+                }
+                Ask(request);
                 break;
+            }
         }
     }
 

@@ -86,8 +86,10 @@ class Inbox {
 class ServedPort {
   public:
     explicit ServedPort(Choices& choices) : choices_(choices) {
-        CFMessagePortContext context = {0, this, nullptr, nullptr, nullptr};
-        port_ = CFMessagePortCreateLocal(nullptr, CFSTR("Served"), Receive, &context, nullptr);
+        CFMessagePortContext context = {0, this, RetainInfo, ReleaseInfo, nullptr};
+        Boolean isNotTaken = true;
+        port_ = CFMessagePortCreateLocal(nullptr, CFSTR("Served"), Receive, &context, &isNotTaken);
+        fuzz::Check(port_ != nullptr && !isNotTaken, "a port of a free name takes its context");
         source_ = CFMessagePortCreateRunLoopSource(nullptr, port_, 0);
         CFRunLoopAddSource(CFRunLoopGetCurrent(), source_, kCFRunLoopDefaultMode);
     }
@@ -97,11 +99,13 @@ class ServedPort {
         CFMessagePortInvalidate(port_);
         CFRelease(source_);
         CFRelease(port_);
+        fuzz::Check(infos_ == 0, "what a port was given is released as often as it was retained");
     }
 
     void Run() {
         for (int step = 0; step < kMostSteps && !choices_.Exhausted(); ++step) {
             Step();
+            fuzz::Check(CFMessagePortIsValid(port_) == valid_, "a port is valid until its end");
         }
         do {
             Pump(80);  // more than there are requests
@@ -144,8 +148,12 @@ class ServedPort {
                 sender.peer.EndSending();
                 break;
             case 5:
-                valid_ = false;
-                CFMessagePortInvalidate(port_);
+                if (choice / 16 < 4) {
+                    valid_ = false;
+                    CFMessagePortInvalidate(port_);
+                } else {
+                    MakeAgain();
+                }
                 break;
             case 6:
             case 7:
@@ -161,6 +169,29 @@ class ServedPort {
                 break;
         }
     }
+
+    // The same port while it is valid; its source serves the peers there are.
+    void MakeAgain() {
+        if (!valid_) {
+            return;
+        }
+        Boolean isNotTaken = false;
+        const CFMessagePortRef same =
+            CFMessagePortCreateLocal(nullptr, CFSTR("Served"), nullptr, nullptr, &isNotTaken);
+        fuzz::Check(same == port_ && isNotTaken, "a port of a taken name is that which has it");
+        CFRelease(same);
+        CFRunLoopSourceInvalidate(source_);
+        CFRelease(source_);
+        source_ = CFMessagePortCreateRunLoopSource(nullptr, port_, 0);
+        CFRunLoopAddSource(CFRunLoopGetCurrent(), source_, kCFRunLoopDefaultMode);
+    }
+
+    static const void* RetainInfo(const void* info) {
+        ++infos_;
+        return info;
+    }
+
+    static void ReleaseInfo(const void*) { --infos_; }
 
     // No reply is expected for what NextRequest() made here.
     static void SendDishonest(Sender& sender, const Bytes& bytes) {
@@ -241,6 +272,7 @@ class ServedPort {
     }
 
     Choices& choices_;
+    static inline int infos_ = 0;
     CFMessagePortRef port_;
     CFRunLoopSourceRef source_;
     std::vector<Sender> senders_;
@@ -260,6 +292,8 @@ class AskedPort {
         for (int step = 0; step < kMostSteps && !choices_.Exhausted(); ++step) {
             if (port_ == nullptr) {
                 port_ = CFMessagePortCreateRemote(nullptr, CFSTR("Asked"));
+                CFMessagePortSetInvalidationCallBack(port_, PortEnds);
+                ++valid_;
                 peer_.emplace(listener_->Accept());
                 sequence_ = 0;
             }
@@ -273,6 +307,7 @@ class AskedPort {
             CFMessagePortInvalidate(port_);
             CFRelease(port_);
             port_ = nullptr;
+            fuzz::Check(valid_ == 0, "the end of a port is told once");
         }
     }
 
@@ -292,8 +327,10 @@ class AskedPort {
                 Send(fuzz::Damaged(fuzz::Framed(Reply(choice / 16)), choices_));
                 break;
             case 4:
-            case 5:
                 Pump(1);
+                break;
+            case 5:
+                CheckValidity();
                 break;
             case 6:
                 TakeRequests();
@@ -311,6 +348,15 @@ class AskedPort {
                 Send(fuzz::Framed(Reply(choice / 16)));
                 break;
         }
+    }
+
+    static void PortEnds(CFMessagePortRef, void*) { --valid_; }
+
+    // A port whose peer is gone is not valid, and is told so when it is asked.
+    void CheckValidity() {
+        const bool valid = CFMessagePortIsValid(port_);
+        fuzz::Check(valid_ == (valid ? 1 : 0), "a port that ended is not valid");
+        fuzz::Check(!valid || CFMessagePortGetName(port_) != nullptr, "a valid port has its name");
     }
 
     void Send(const Bytes& bytes) {
@@ -362,6 +408,7 @@ class AskedPort {
     std::optional<local_socket::Listener> listener_;
     std::optional<fuzz::Peer> peer_;
     Inbox inbox_;
+    static inline int valid_ = 0;  // ports whose end was not told yet
     CFMessagePortRef port_ = nullptr;
     std::uint32_t sequence_ = 0;
 };

@@ -142,8 +142,22 @@ void CheckDump(desktop::Desktop& desktop) {
     }
 }
 
+void CheckLogLine(const std::string& line) {
+    fuzz::Check(nlohmann::json::parse(line, nullptr, false).is_object() &&
+                    line.find('\n') == std::string::npos,
+                "an entry of the log is an object in one line");
+}
+
+void CheckNotification(const desktop_link::Notification& notification) {
+    const auto message = Encode(notification);
+    fuzz::Check(desktop_link::DecodeNotification(message.data(), message.size()) == notification,
+                "what listeners are told can travel");
+}
+
 void Play(const std::vector<std::string>& lines) {
     desktop::Desktop desktop(lines.front(), Options());
+    desktop.Log().SetSink(CheckLogLine);
+    const int subscription = desktop.Subscribe(CheckNotification);
     CheckDump(desktop);
     ReadAttributes(desktop);
     for (std::size_t index = 1; index < lines.size() && index < kMostCommands; ++index) {
@@ -158,7 +172,9 @@ void Play(const std::vector<std::string>& lines) {
             // There is no such element.
         }
     }
+    desktop.Advance(desktop.NextDue().value_or(0));
     desktop.Advance(1);
+    desktop.Unsubscribe(subscription);
     ReadAttributes(desktop);
     CheckDump(desktop);
 }
