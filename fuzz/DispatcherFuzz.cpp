@@ -6,6 +6,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -25,7 +26,6 @@
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/MidiFaults.h"
 #include "platform/Testing/TestClock.h"
-#include "protocol/ByteBuffers.h"
 #include "protocol/MessageCodes.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
@@ -132,7 +132,8 @@ class Play {
             default: {
                 const fuzz::CompanionRequest request = fuzz::NextRequest(program_);
                 if (request.body && request.body->size() >= 4) {
-                    const unsigned int element = UFromBuffer::GetLong(request.body->data());
+                    std::uint32_t element = 0;
+                    std::memcpy(&element, request.body->data(), sizeof element);
                     answers_.Seek("_NS:" + std::to_string(element));
                 }
                 Ask(request);
