@@ -50,10 +50,9 @@ void DecodeAndEncode(std::span<const std::uint8_t> bytes,
 
 class Conversation {
   public:
-    explicit Conversation(Choices& choices)
-        : choices_(choices),
-          listener_(local_socket::Listener::Create(kSocketName, nullptr, nullptr)) {
-        transport_.SetNotificationHandler([](const Notification&) {});
+    explicit Conversation(Choices& choices) : choices_(choices) {
+        BeThere();
+        Listen();
     }
 
     void Run() {
@@ -69,6 +68,11 @@ class Conversation {
         switch (choice % 16) {
             case 0:
                 desktop_.reset();
+                if (choice / 16 < 8) {
+                    BeThere();
+                } else {
+                    listener_.reset();
+                }
                 break;
             case 1:
                 Send(choices_.Bytes(choices_.Byte()));
@@ -82,10 +86,16 @@ class Conversation {
                 Accept();
                 break;
             case 5:
+                if (choice / 16 % 2 == 0) {
+                    transport_.SetNotificationHandler(nullptr);
+                } else {
+                    Listen();
+                }
+                break;
             case 6:
             case 7:
             case 8:
-                Ask();
+                Ask(choice / 16);
                 break;
             default:
                 Send(fuzz::Framed(NextPayload(choice / 16)));
@@ -93,26 +103,50 @@ class Conversation {
         }
     }
 
+    void BeThere() {
+        if (!listener_) {
+            listener_ = local_socket::Listener::Create(kSocketName, nullptr, nullptr);
+        }
+    }
+
     void Accept() {
-        if (local_socket::Descriptor client = listener_->Accept()) {
+        local_socket::Descriptor client =
+            listener_ ? listener_->Accept() : local_socket::Descriptor();
+        if (client) {
             desktop_.emplace(std::move(client));
             sequence_ = 1;  // of hello
         }
     }
 
-    void Ask() {
+    void Listen() {
+        transport_.SetNotificationHandler([](const Notification&) {});
+    }
+
+    // A request as large as this one does not fit the socket's buffer unless the desktop reads.
+    static Request LargeRequest() {
+        Request request;
+        request.operation = Operation::setAttribute;
+        request.value = {desktop_link::Bytes{Payload(150000, 7)}};
+        return request;
+    }
+
+    // Of the desktops, one in two reads what it is asked.
+    void Ask(unsigned kind) {
         Request request;
         request.operation = Operation::copyAttribute;
         if (choices_.Flag()) {
             request.operation = Operation::hello;
+        } else if (kind / 4 == 1) {
+            request = LargeRequest();
         }
         request.names = {"AXValue"};
         const auto reply = transport_.Exchange(request, 0);
         fuzz::Check(!reply || request.operation != Operation::hello || reply->session.has_value(),
                     "hello is answered with a session");
+        fuzz::Check(!transport_.Unreachable() || !listener_, "a desktop that is there is reached");
         ++sequence_;
         Accept();
-        if (desktop_) {
+        if (desktop_ && kind % 2 == 0) {
             desktop_->Receive();
         }
     }
@@ -160,6 +194,7 @@ class Conversation {
     // After whatever was sent: a desktop that behaves is understood.
     void CheckNextDesktop() {
         desktop_.reset();
+        BeThere();
         CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
         while (local_socket::Descriptor abandoned = listener_->Accept()) {
         }

@@ -210,7 +210,18 @@ void Store(Body body) {
     unsigned char bytes[4] = {};
     UToBuffer::StoreLong(number, bytes);
     fuzz::Check(UFromBuffer::GetLong(bytes) == number, "a stored number is read again");
+    UToBuffer::StoreByte(bytes[1], bytes);
+    fuzz::Check(UFromBuffer::GetByte(bytes) == bytes[1], "a stored byte is read again");
+    UToBuffer::StoreShort(static_cast<unsigned short>(number), bytes);
+    fuzz::Check(UFromBuffer::GetShort(bytes) == (bytes[0] | bytes[1] << 8),
+                "a short number is read with its last byte as the highest");
     const std::vector<std::uint8_t> rest = numbers.Bytes(256);
+    std::vector<std::uint8_t> stored(rest.size());
+    std::vector<std::uint8_t> got(rest.size());
+    const auto count = static_cast<unsigned int>(rest.size());
+    fuzz::Check(UToBuffer::StoreBytes(rest.data(), count, stored.data()) == count &&
+                    UFromBuffer::GetBytes(stored.data(), got.data(), count) == count && got == rest,
+                "stored bytes are read again");
     if (rest.empty() || rest[0] >= rest.size()) {
         return;
     }
