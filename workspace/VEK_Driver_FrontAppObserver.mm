@@ -4,7 +4,7 @@ namespace {
 
 constexpr OSType kUnknownSignature = 0x3F3F3F3F;  // "????"
 
-VEK_Driver_FrontAppObserver* gSelf = nil;
+VEK_Driver_FrontAppObserver* gSelf = nil;  // retained
 
 // The information dictionary of the bundle that the application runs from, or nil.
 NSDictionary* InfoDictionary(NSRunningApplication* app) {
@@ -30,15 +30,17 @@ NSString* StringForKey(NSDictionary* dictionary, NSString* key) {
 
 + (VEK_Driver_FrontAppObserver*)frontAppObserver {
     if (gSelf == nil) {
-        gSelf = [[self alloc] init];
+        [[[self alloc] init] release];
     }
     return gSelf;
 }
 
-// Whichever instance was made last is the shared one.
+// Whichever instance was made last is the shared one, and lives on without its maker.
 - (id)init {
     self = [super init];
     if (self != nil) {
+        [self retain];
+        [gSelf release];
         gSelf = self;
     }
     return self;

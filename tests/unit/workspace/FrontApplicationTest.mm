@@ -38,9 +38,7 @@ class FrontApplication : public testing::Test {
     FrontApplication() : observer([[VEK_Driver_FrontAppObserver alloc] init]) {}
     ~FrontApplication() override {
         // Another one becomes the shared one, so that nobody is left with this test's.
-        static VEK_Driver_FrontAppObserver* shared = nil;
-        [shared release];
-        shared = [[VEK_Driver_FrontAppObserver alloc] init];
+        [[[VEK_Driver_FrontAppObserver alloc] init] release];
         [observer release];
     }
 
@@ -198,6 +196,16 @@ TEST_F(FrontApplication, SharedInstanceIsTheOneMadeLast) {
     [another release];
 }
 
+TEST_F(FrontApplication, SharedInstanceLivesOnWhenItsMakerLetsGoOfIt) {
+    VEK_Driver_FrontAppObserver* another = [[VEK_Driver_FrontAppObserver alloc] init];
+    ASSERT_EQ([another retainCount], 2u) << "its maker and the process hold it";
+    [another release];
+    CFWorkspace_StartObservingFrontApplication();
+    Activate("com.example.odd");
+    EXPECT_EQ([VEK_Driver_FrontAppObserver frontAppObserver], another);
+    EXPECT_EQ(CurrentBundleID(), "com.example.odd");
+}
+
 TEST_F(FrontApplication, CallbackIsKeptAndNeverCalled) {
     static int calls = 0;
     observer.callback = [] { ++calls; };
@@ -210,7 +218,7 @@ TEST_F(FrontApplication, CallbackIsKeptAndNeverCalled) {
 TEST_F(FrontApplication, DeadObserverIsNoLongerNotified) {
     VEK_Driver_FrontAppObserver* shortLived = [[VEK_Driver_FrontAppObserver alloc] init];
     [shortLived observe];
-    observer = [observer init];  // shared again, so that nobody reaches the short-lived one
+    observer = [observer init];  // shared again, so that nobody holds the short-lived one
     [shortLived release];
     Activate("com.example.odd");
     EXPECT_EQ(CurrentBundleID(), "(nil)") << "the shared observer was never told to observe";

@@ -46,7 +46,7 @@ VEK_Driver_TargetWindowInfo Candidate(const char* key, const char* subWindowKey 
 class WindowLookup : public testing::Test {
   protected:
     explicit WindowLookup(const std::string& scene = Scene(kWindows)) : desktop(scene) {
-        [[VEK_Driver_FrontAppObserver alloc] init];  // a new shared observer
+        [[[VEK_Driver_FrontAppObserver alloc] init] release];  // a new shared observer
         CFWorkspace_StartObservingFrontApplication();
         home = std::filesystem::path(testing::TempDir()) / "window-lookup-home";
         std::filesystem::create_directories(Folder());
@@ -155,7 +155,7 @@ class OtherWindows : public WindowLookup {
     OtherWindows() : WindowLookup(Scene("[]")) {}
     void Use(const std::string& windows) {
         other = std::make_unique<InProcessDesktop>(Scene(windows));
-        [[VEK_Driver_FrontAppObserver alloc] init];
+        [[[VEK_Driver_FrontAppObserver alloc] init] release];
         CFWorkspace_StartObservingFrontApplication();
     }
     std::unique_ptr<InProcessDesktop> other;
