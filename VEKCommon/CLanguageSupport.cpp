@@ -1,11 +1,16 @@
 #include "VEKCommon/CLanguageSupport.h"
 
+#include <cstring>
+
 CLanguageSupport* CLanguageSupport::sSelf = nullptr;
 
 namespace {
 
-// Null when the user has no such folder.
+// Null when the user has no such folder, and for a tag that would name a file outside of it.
 CFStringRef CreateTranslationPath(const char* language) {
+    if (strchr(language, '/') != nullptr) {
+        return nullptr;
+    }
     CFStringRef folder = CLanguageSupport::CreateCFStringByExpandingTildePath(
         CFSTR("~/Library/Application Support/Solvanto/"));
     if (folder == nullptr) {

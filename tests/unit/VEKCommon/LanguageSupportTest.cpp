@@ -106,6 +106,17 @@ TEST_F(LanguageSupport, MissingFileEchoesTheKey) {
     EXPECT_EQ(FoundIn("de", CFSTR("Color Board")), "Color Board");
 }
 
+TEST_F(LanguageSupport, TagCannotLeaveTheMakersFolder) {
+    home_.WriteTranslations("de", kXml);
+    std::filesystem::create_directories(home_.MakersFolder() / "below");
+    std::ofstream(home_.MakersFolder() / "below" / "de.plist") << kXml;
+    std::ofstream(home_.MakersFolder().parent_path() / "de.plist") << kXml;
+    ASSERT_EQ(FoundIn("de", CFSTR("Color Board")), "Farbtafel");
+    for (const char* tag : {"../de", "../Solvanto/de", "./de", "below/de", "/de"}) {
+        EXPECT_EQ(FoundIn(tag, CFSTR("Color Board")), "Color Board") << tag;
+    }
+}
+
 TEST_F(LanguageSupport, FileInPlaceOfTheFolderEchoesTheKey) {
     std::filesystem::create_directories(home_.MakersFolder().parent_path());
     std::ofstream(home_.MakersFolder()) << kXml;
