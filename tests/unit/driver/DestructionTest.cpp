@@ -6,6 +6,7 @@
 
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
+#include "tests/support/VirtualSlot.h"
 #include "tests/unit/driver/DriverTest.h"
 
 namespace {
@@ -81,6 +82,14 @@ TEST_F(Destruction, WithoutRemotePortIsHarmless) {
 TEST_F(Destruction, IsVirtual) {
     delete driver_;
     EXPECT_TRUE(destroyed);
+}
+
+TEST(DriverTable, HoldsTheTitleComparisonAndTheSignatureBehindTheTwoDestructors) {
+    if (!test_support::VirtualSlot(&CVEK_UserSpaceDriver::MatchWindowTitle)) {
+        GTEST_SKIP() << "slots are read out of member pointers as x86-64 lays them out";
+    }
+    EXPECT_EQ(test_support::VirtualSlot(&CVEK_UserSpaceDriver::MatchWindowTitle), 2);
+    EXPECT_EQ(test_support::VirtualSlot(&CVEK_UserSpaceDriver::GetSigFromPSN), 3);
 }
 
 class InterruptDeathTest : public testing::Test {

@@ -1,13 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstring>
 #include <string>
 
 #include "protocol/MessageSpec.h"
+#include "tests/support/VirtualSlot.h"
 #include "tests/unit/protocol/Bytes.h"
 
 namespace {
+
+using test_support::VirtualSlot;
 
 // What the base gives to a record that overrides only what it must.
 struct PlainRecord : SMessageSpec {
@@ -15,14 +17,6 @@ struct PlainRecord : SMessageSpec {
     unsigned char* Serialize() override { return nullptr; }
     void Deserialize(const unsigned char*) override {}
 };
-
-// The slot of a virtual operation under the C++ ABI that macOS and Linux share on x86-64.
-template <class Operation>
-std::intptr_t Slot(Operation operation) {
-    std::intptr_t pointerPart = 0;
-    std::memcpy(&pointerPart, &operation, sizeof pointerPart);
-    return (pointerPart - 1) / static_cast<std::intptr_t>(sizeof(void*));
-}
 
 }  // namespace
 
@@ -123,11 +117,10 @@ TEST(MessageSpec, BaseAnswersTheStoredSerialSize) {
 }
 
 TEST(MessageSpec, VirtualOperationsKeepTheirSlots) {
-#if defined(__x86_64__)
-    EXPECT_EQ(Slot(&SMessageSpec::Serialize), 2) << "after the two destructors";
-    EXPECT_EQ(Slot(&SMessageSpec::Deserialize), 3);
-    EXPECT_EQ(Slot(&SMessageSpec::SerialBufferSize), 4);
-#else
-    GTEST_SKIP() << "the slot is read out of a member pointer as x86-64 lays it out";
-#endif
+    if (!VirtualSlot(&SMessageSpec::Serialize)) {
+        GTEST_SKIP() << "slots are read out of member pointers as x86-64 lays them out";
+    }
+    EXPECT_EQ(VirtualSlot(&SMessageSpec::Serialize), 2) << "after the two destructors";
+    EXPECT_EQ(VirtualSlot(&SMessageSpec::Deserialize), 3);
+    EXPECT_EQ(VirtualSlot(&SMessageSpec::SerialBufferSize), 4);
 }

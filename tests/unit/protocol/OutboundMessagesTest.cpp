@@ -13,6 +13,7 @@
 #include "protocol/MessageCodes.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
+#include "tests/support/OwnedObject.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 
@@ -170,6 +171,41 @@ TEST_F(OutboundMessages, LocalPortCallsItsInvalidationCallbackWithItsInfo) {
             [](CFMessagePortRef, void* info) { ++*static_cast<int*>(info); }, &invalidated);
     }
     EXPECT_EQ(invalidated, 1);
+}
+
+TEST_F(OutboundMessages, LocalPortStaysValidToItsOwnerAfterItWasInvalidated) {
+    static CFMessagePortRef callersPort;
+    callersPort = nullptr;
+    const auto callback = [](CFMessagePortRef port, SInt32, CFDataRef, void*) -> CFDataRef {
+        callersPort = port;
+        return nullptr;
+    };
+    const CFStringRef name = CFSTR("Port of this test");
+    const CACFLocalMessagePort port(name, callback, nullptr, nullptr);
+    CFRunLoopAddSource(CFRunLoopGetCurrent(), port.GetRunLoopSource(), kCFRunLoopDefaultMode);
+    const CACFRemoteMessagePort remote(name, nullptr);
+    const test_support::OwnedObject<CFDataRef> data = CFDataCreate(kCFAllocatorDefault, nullptr, 0);
+    EXPECT_EQ(remote.SendRequest(1, data, 1.0, 0.0), 0);
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, true);
+    ASSERT_NE(callersPort, nullptr);
+    CFMessagePortInvalidate(callersPort);
+    EXPECT_TRUE(port.IsValid()) << "it tells that the port was made, not that it still works";
+}
+
+TEST_F(OutboundMessages, RemotePortIsReleasedAtItsEndAndNotInvalidated) {
+    const test_support::Companion companion;
+    static int invalidated;
+    invalidated = 0;
+    const CFStringRef name = CFSTR("VEK_KRT9");
+    // Another reference to the same port sees what becomes of it.
+    const test_support::OwnedObject<CFMessagePortRef> kept =
+        CFMessagePortCreateRemote(kCFAllocatorDefault, name);
+    {
+        const CACFRemoteMessagePort port(name, [](CFMessagePortRef, void*) { ++invalidated; });
+        ASSERT_TRUE(port.IsValid());
+    }
+    EXPECT_EQ(invalidated, 0);
+    EXPECT_TRUE(CFMessagePortIsValid(kept));
 }
 
 TEST_F(OutboundMessages, RemotePortStaysValidToItsOwnerAfterItsPeerHasGone) {
