@@ -24,6 +24,8 @@ NAME_IN_TEXT_FIELD = ("10.3.2",)  # a clip's cell holds a text field with the na
 
 POSITION_FIELD = "_NS:128"  # the control whose position is reported without offset since 10.3
 
+EDITOR = "com.apple.FinalCut"
+
 CLIPS = [
     "Opening Titles", "Harbour Wide", "Interview Anna 1", "Interview Anna 2", "Harbour Detail",
     "Gulls", "Interview Tom", "Workshop Wide", "Workshop Hands", "Lathe Close-up", "Sparks",
@@ -231,17 +233,59 @@ class Editor:
     def application(self):
         windows = [self.main_window(), self.tasks_window()]
         return {
-            "bundleID": "com.apple.FinalCut", "name": "Final Cut Pro", "pid": 501,
+            "bundleID": EDITOR, "name": "Final Cut Pro", "pid": 501,
             "info": {"CFBundleShortVersionString": self.version, "CFBundleSignature": "????",
                      "CFBundlePackageType": "APPL", "CFBundleDevelopmentRegion": "en"},
             "editor": {"clipTable": "/AXWindow/AXSplitGroup/AXGroup/AXSplitGroup/AXGroup"
                                     "/AXScrollArea/AXTable",
-                       "clipNames": ["/AXWindow/AXSplitGroup/AXSplitGroup/AXGroup[2]/AXGroup/%d" % i
-                                     for i in range(1 if self.second_name == self.name else 2)],
+                       "clipNames": self.name_places(),
                        "playhead": "/AXWindow/AXSplitGroup/AXGroup/AXSplitGroup/AXGroup[1]"
                                    "/AXScrollArea/AXLayoutArea/AXValueIndicator",
                        "framesPerSecond": 25},
             "windows": windows}
+
+
+    def name_places(self):
+        """Addresses of the texts with the clip's name; one when both sources are the same text."""
+        return ["/AXWindow/AXSplitGroup/AXSplitGroup/AXGroup[2]/AXGroup/%d" % i
+                for i in range(1 if self.second_name == self.name else 2)]
+
+    def script(self):
+        """The clip is selected where each of the three sources tells its name, in their order."""
+        texts = list(zip(self.name_places(), (self.name, self.second_name)))
+        index = "/AXWindow/AXSplitGroup/AXGroup/AXGroup/0"
+        close, reopen = (index + "/1", index + "/0") if self.version in RADIO_TOGGLE else (
+            index, index)
+
+        def forget(at, place):
+            return {"at": at, "command": "remove", "element": place, "attribute": "AXIdentifier"}
+
+        if len(texts) == 2:
+            second_source = forget(3, texts[0][0])
+        else:
+            # Missed once by the search for the clip's name and once by that for the playhead, the
+            # text is then found as the second source.
+            second_source = {
+                "at": 3, "command": "misbehave", "element": texts[0][0],
+                "misbehaviour": {"read": {"multiple": {"error": -25204, "times": 2}}}}
+        return [
+            {"at": 1, "command": "selectClip", "clip": "Harbour Wide"},
+            {"at": 2, "command": "playhead", "timecode": "01:00:05:00"},
+            {"at": 2.5, "command": "playhead", "frames": 12},
+            second_source,
+            {"at": 3.5, "command": "selectClip", "clip": "Interview Anna 1"},
+            {"at": 4, "command": "activate", "application": "com.example.notes"},
+            {"at": 5, "command": "activate", "application": EDITOR},
+            forget(6, texts[-1][0]),
+            {"at": 6.5, "command": "selectClip", "clip": "Gulls"},
+            # While the timeline index is closed, nobody sees what is selected.
+            {"at": 7.5, "command": "press", "element": close},
+            {"at": 8, "command": "selectClip", "clip": "Crowd"},
+            {"at": 9, "command": "press", "element": reopen},
+            *[{"at": 10, "command": "set", "element": place, "attribute": "AXIdentifier",
+               "value": identifier} for place, identifier in texts],
+            {"at": 11, "command": "selectClip", "row": None},
+        ]
 
 
 def timecode(frames):
@@ -260,18 +304,6 @@ def other_applications():
          "info": {"CFBundleShortVersionString": "2.1", "CFBundleSignature": "note"},
          "windows": [note]},
         {"name": "renderer", "pid": 503, "windows": []},
-    ]
-
-
-def script():
-    return [
-        {"at": 1, "command": "selectClip", "clip": "Harbour Wide"},
-        {"at": 2, "command": "playhead", "timecode": "01:00:05:00"},
-        {"at": 2.5, "command": "playhead", "frames": 12},
-        {"at": 3, "command": "selectClip", "clip": "Interview Anna 1"},
-        {"at": 4, "command": "activate", "application": "com.example.notes"},
-        {"at": 5, "command": "activate", "application": "com.apple.FinalCut"},
-        {"at": 6, "command": "selectClip", "row": None},
     ]
 
 
@@ -296,7 +328,7 @@ def main():
         sys.exit("usage: make-editor-scene.py " + "|".join(PROFILES))
     scene = {
         "trusted": True, "screens": [{"frame": [0, 0, 1440, 900]}], "pointer": [100, 200],
-        "front": "com.apple.FinalCut",
+        "front": EDITOR,
         "midi": {"devices": [
             {"name": "KRT-9 USB", "entities": [
                 {"name": "Private", "sources": ["Private"], "destinations": ["Private"]},
@@ -304,10 +336,11 @@ def main():
             {"name": "Piano", "entities": [
                 {"name": "Keys", "sources": ["Keys"], "destinations": []}]}]},
     }
+    editor = Editor(sys.argv[1])
     lines = [json.dumps(key) + ": " + json.dumps(value) for key, value in scene.items()]
-    lines.append('"script": [\n    ' + ",\n    ".join(map(json.dumps, script())) + "\n  ]")
+    lines.append('"script": [\n    ' + ",\n    ".join(map(json.dumps, editor.script())) + "\n  ]")
     applications = []
-    for application in [Editor(sys.argv[1]).application()] + other_applications():
+    for application in [editor.application()] + other_applications():
         out = []
         write(application, out, 4)
         applications.append("\n".join(out))

@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -10,6 +13,7 @@
 
 #include "desktop/Desktop.h"
 #include "desktop/InProcessTransport.h"
+#include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/LiveObjects.h"
 #include "protocol/MessageCodes.h"
 #include "tests/support/Companion.h"
@@ -49,7 +53,9 @@ json Scene(const json& editor) {
 // A driver that sees one scene, from start to end.
 class Session {
   public:
-    explicit Session(const json& scene) : desktop_(scene) {
+    // The scene as JSON or as its text.
+    template <class SceneForm>
+    explicit Session(const SceneForm& scene) : desktop_(scene) {
         auto transport = std::make_unique<desktop::InProcessTransport>(desktop_);
         transport_ = transport.get();
         desktop_link::SetTransport(std::move(transport));
@@ -218,6 +224,121 @@ TEST(EditorScene, AControlAddedWhereTheSearchHasYetToComeIsFound) {
                               {"parent", "/0/1"},
                               {"element", Control("AXCheckBox", "_NS:1", 3)}});
     EXPECT_EQ(session.Value("_NS:1"), 3U);
+}
+
+// --- The scenes that come with the driver --------------------------------------------------------
+
+class ShippedScene : public testing::TestWithParam<const char*> {
+  protected:
+    static std::string Text() {
+        const std::string path = std::string(KRT9_SCENES) + "/editor-" + GetParam() + ".json";
+        std::ifstream file(path);
+        EXPECT_TRUE(file) << path;
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    // What the companion is told when the driver has ticked often enough to look into every source.
+    std::vector<std::string> Told() {
+        for (int tick = 0; tick < 4; ++tick) {
+            session_->TimeoutCounter();
+        }
+        return session_.Sent();
+    }
+
+    std::vector<std::string> ToldAfter(int steps) {
+        for (int step = 0; step < steps; ++step) {
+            session_.Do({{"command", "step"}});
+        }
+        return Told();
+    }
+
+    Session session_{Text()};
+};
+
+TEST_P(ShippedScene, PlaysClipsOfEachSourceThePlayheadAndTheTimelineIndex) {
+    using testing::ElementsAre;
+    using testing::IsEmpty;
+    const bool oneText = std::string(GetParam()) == "10.3.2";
+    DriverInspector::LocaleSent(session_.Driver()) = true;
+    DriverInspector::StatusValid(session_.Driver()) = true;
+    session_->ObserveFCPXClipSelectionChange();
+    session_->ObserveFCPXTimelineTimecode();
+    EXPECT_THAT(Told(), testing::UnorderedElementsAre("no clip selected", "01:00:00:00"));
+    EXPECT_THAT(ToldAfter(1), ElementsAre("Harbour Wide"));
+    EXPECT_THAT(ToldAfter(1), ElementsAre("01:00:05:00"));
+    EXPECT_THAT(ToldAfter(1), ElementsAre("01:00:05:12"));
+    EXPECT_THAT(ToldAfter(1), IsEmpty()) << "the second source tells the same name";
+    EXPECT_THAT(ToldAfter(1), ElementsAre("Interview Anna 1"));
+    EXPECT_THAT(ToldAfter(2), IsEmpty()) << "another application in front, and the editor again";
+    EXPECT_THAT(ToldAfter(1), IsEmpty()) << "the clip table tells the same name";
+    EXPECT_THAT(ToldAfter(1), ElementsAre("Gulls"));
+    EXPECT_THAT(ToldAfter(1), IsEmpty());
+    EXPECT_FALSE(DriverInspector::TimelineIndexVisible(session_.Driver()));
+    EXPECT_THAT(ToldAfter(1), IsEmpty()) << "the timeline index is closed";
+    EXPECT_THAT(ToldAfter(1), ElementsAre("Crowd"));
+    EXPECT_TRUE(DriverInspector::TimelineIndexVisible(session_.Driver()));
+    EXPECT_THAT(ToldAfter(oneText ? 1 : 2), IsEmpty()) << "the static texts tell the same name";
+    EXPECT_THAT(ToldAfter(1), ElementsAre("no clip selected"));
+    EXPECT_THAT(session_.Desktop().Run(R"({"command": "step"})"), testing::HasSubstr("at its end"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Editor, ShippedScene,
+                         testing::Values("10.1.4", "10.2.3", "10.3.2", "10.3.4", "10.4", "10.4.6"),
+                         [](const auto& version) {
+                             std::string name = version.param;
+                             std::replace(name.begin(), name.end(), '.', '_');
+                             return name;
+                         });
+
+// --- Scenes of a size that no editor reaches -----------------------------------------------------
+
+// AddressSanitizer takes its time over every allocation.
+#if __has_feature(address_sanitizer)
+constexpr unsigned kScale = 10;
+#else
+constexpr unsigned kScale = 1;
+#endif
+
+std::string Repeated(const std::string& text, unsigned count) {
+    std::string repeated;
+    for (unsigned i = 0; i < count; ++i) {
+        repeated += text;
+    }
+    return repeated;
+}
+
+// One window with these children: a list of elements as JSON text.
+std::string BigScene(const std::string& children) {
+    return R"({"front": "com.apple.FinalCut", "applications": [{"bundleID": "com.apple.FinalCut",
+        "windows": [{"AXRole": "AXWindow", "AXChildren": [)" +
+           children + "]}]}]}";
+}
+
+const std::string kSought = R"({"AXRole": "AXCheckBox", "AXIdentifier": "_NS:1", "AXValue": 7})";
+
+// The window list, the window's children, each child on the way, and then the value.
+unsigned long ExchangesForValueBehind(unsigned long children) {
+    return 1 + 1 + children + 1;
+}
+
+TEST(BigEditorScene, ValueOfTheLastOfAHundredThousandElements) {
+    constexpr unsigned kGroups = 1000 / kScale;
+    const std::string button = R"({"AXRole": "AXButton", "AXIdentifier": "_NS:2"})";
+    const std::string group =
+        R"({"AXRole": "AXGroup", "AXChildren": [)" + Repeated(button + ",", 98) + button + "]},";
+    Session session(BigScene(Repeated(group, kGroups) + kSought));
+    const unsigned long before = desktop_link::ExchangeCount();
+    EXPECT_EQ(session.Value("_NS:1"), 7U);
+    EXPECT_EQ(desktop_link::ExchangeCount() - before, ExchangesForValueBehind(100 * kGroups + 1));
+}
+
+TEST(BigEditorScene, ValueOfAnElementNestedTenThousandDeep) {
+    constexpr unsigned kDepth = 10000 / kScale;
+    Session session(BigScene(Repeated(R"({"AXRole": "AXGroup", "AXChildren": [)", kDepth) +
+                             kSought + Repeated("]}", kDepth)));
+    const unsigned long before = desktop_link::ExchangeCount();
+    EXPECT_EQ(session.Value("_NS:1"), 7U);
+    EXPECT_EQ(desktop_link::ExchangeCount() - before, ExchangesForValueBehind(kDepth + 1));
 }
 
 }  // namespace
