@@ -237,19 +237,18 @@ class ShippedScene : public testing::TestWithParam<const char*> {
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    // What the companion is told when the driver has ticked often enough to look into every source.
-    std::vector<std::string> Told() {
-        for (int tick = 0; tick < 4; ++tick) {
+    // What the companion is told in so many ticks.
+    std::vector<std::string> Told(int ticks) {
+        for (int tick = 0; tick < ticks; ++tick) {
             session_->TimeoutCounter();
         }
         return session_.Sent();
     }
 
-    std::vector<std::string> ToldAfter(int steps) {
-        for (int step = 0; step < steps; ++step) {
-            session_.Do({{"command", "step"}});
-        }
-        return Told();
+    // The script's next step, and what comes of it.
+    std::vector<std::string> ToldAfterStep(int ticks = 1) {
+        session_.Do({{"command", "step"}});
+        return Told(ticks);
     }
 
     Session session_{Text()};
@@ -258,43 +257,53 @@ class ShippedScene : public testing::TestWithParam<const char*> {
 TEST_P(ShippedScene, PlaysClipsOfEachSourceThePlayheadAndTheTimelineIndex) {
     using testing::ElementsAre;
     using testing::IsEmpty;
+    constexpr int round = 3;  // ticks in which each source has its turn
     const bool oneText = std::string(GetParam()) == "10.3.2";
     DriverInspector::LocaleSent(session_.Driver()) = true;
     DriverInspector::StatusValid(session_.Driver()) = true;
     session_->ObserveFCPXClipSelectionChange();
     session_->ObserveFCPXTimelineTimecode();
-    EXPECT_THAT(Told(), testing::UnorderedElementsAre("no clip selected", "01:00:00:00"));
-    EXPECT_THAT(ToldAfter(1), ElementsAre("Harbour Wide"));
-    EXPECT_THAT(ToldAfter(1), ElementsAre("01:00:05:00"));
-    EXPECT_THAT(ToldAfter(1), ElementsAre("01:00:05:12"));
-    EXPECT_THAT(ToldAfter(1), IsEmpty()) << "the second source tells the same name";
-    EXPECT_THAT(ToldAfter(1), ElementsAre("Interview Anna 1"));
-    EXPECT_THAT(ToldAfter(2), IsEmpty()) << "another application in front, and the editor again";
-    EXPECT_THAT(ToldAfter(1), IsEmpty()) << "the clip table tells the same name";
-    EXPECT_THAT(ToldAfter(1), ElementsAre("Gulls"));
-    EXPECT_THAT(ToldAfter(1), IsEmpty());
+    EXPECT_THAT(Told(round), testing::UnorderedElementsAre("no clip selected", "01:00:00:00"));
+    EXPECT_THAT(ToldAfterStep(), ElementsAre("Harbour Wide"));
+    EXPECT_THAT(ToldAfterStep(), ElementsAre("01:00:05:00"));
+    EXPECT_THAT(ToldAfterStep(), ElementsAre("01:00:05:12"));
+    EXPECT_THAT(ToldAfterStep(2), IsEmpty()) << "the second source tells the same name";
+    EXPECT_THAT(ToldAfterStep(), ElementsAre("Interview Anna 1"));
+    EXPECT_THAT(ToldAfterStep(), IsEmpty()) << "another application is in front";
+    EXPECT_THAT(ToldAfterStep(), IsEmpty()) << "the editor again";
+    EXPECT_THAT(ToldAfterStep(round), IsEmpty()) << "the clip table tells the same name";
+    EXPECT_THAT(ToldAfterStep(round), ElementsAre("Gulls"));
+    EXPECT_THAT(ToldAfterStep(round), IsEmpty());
     EXPECT_FALSE(DriverInspector::TimelineIndexVisible(session_.Driver()));
-    EXPECT_THAT(ToldAfter(1), IsEmpty()) << "the timeline index is closed";
-    EXPECT_THAT(ToldAfter(1), ElementsAre("Crowd"));
+    EXPECT_THAT(ToldAfterStep(round), IsEmpty()) << "the timeline index is closed";
+    EXPECT_THAT(ToldAfterStep(round), ElementsAre("Crowd"));
     EXPECT_TRUE(DriverInspector::TimelineIndexVisible(session_.Driver()));
-    EXPECT_THAT(ToldAfter(oneText ? 1 : 2), IsEmpty()) << "the static texts tell the same name";
-    EXPECT_THAT(ToldAfter(1), ElementsAre("no clip selected"));
+    EXPECT_THAT(ToldAfterStep(round), IsEmpty()) << "the first text tells the same name";
+    if (!oneText) {
+        EXPECT_THAT(ToldAfterStep(), IsEmpty()) << "the second text has its identifier again";
+    }
+    EXPECT_THAT(ToldAfterStep(), ElementsAre("no clip selected"));
     EXPECT_THAT(session_.Desktop().Run(R"({"command": "step"})"), testing::HasSubstr("at its end"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Editor, ShippedScene,
-                         testing::Values("10.1.4", "10.2.3", "10.3.2", "10.3.4", "10.4", "10.4.6"),
-                         [](const auto& version) {
-                             std::string name = version.param;
-                             std::replace(name.begin(), name.end(), '.', '_');
-                             return name;
-                         });
+// Under AddressSanitizer, which records the stack of every allocation, those two that differ most.
+#if __has_feature(address_sanitizer)
+const auto kShipped = testing::Values("10.1.4", "10.3.2");
+#else
+const auto kShipped = testing::Values("10.1.4", "10.2.3", "10.3.2", "10.3.4", "10.4", "10.4.6");
+#endif
+
+INSTANTIATE_TEST_SUITE_P(Editor, ShippedScene, kShipped, [](const auto& version) {
+    std::string name = version.param;
+    std::replace(name.begin(), name.end(), '.', '_');
+    return name;
+});
 
 // --- Scenes of a size that no editor reaches -----------------------------------------------------
 
-// AddressSanitizer takes its time over every allocation.
+// Less of it under AddressSanitizer.
 #if __has_feature(address_sanitizer)
-constexpr unsigned kScale = 10;
+constexpr unsigned kScale = 20;
 #else
 constexpr unsigned kScale = 1;
 #endif
