@@ -38,7 +38,10 @@ endif()
 
 function(krt9_compile_options target)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Werror)
-    if(NOT APPLE)
+    if(APPLE)
+        # Newer SDKs deprecate functions that the driver calls and that have no equal in C.
+        target_compile_options(${target} PRIVATE -Wno-error=deprecated-declarations)
+    else()
         target_compile_options(${target} PRIVATE "$<$<COMPILE_LANGUAGE:OBJCXX>:${krt9_objcxx_flags}>")
     endif()
 endfunction()
