@@ -1,5 +1,7 @@
 #include "platform/DesktopLink/SocketTransport.h"
 
+#include <syslog.h>
+
 #include <utility>
 
 #include "platform/DesktopLink/Session.h"
@@ -55,6 +57,7 @@ void SocketTransport::SetNotificationHandler(std::function<void(const Notificati
 bool SocketTransport::Connect() {
     connection_ = Connection::Open(socketName_);
     if (!connection_) {
+        ReportPlanted();
         return false;
     }
     if (watch_) {
@@ -65,6 +68,16 @@ bool SocketTransport::Connect() {
         Disconnect();
     }
     return connection_.has_value();
+}
+
+// Said once, though every exchange tries anew. A refused folder is not mentioned here: the message
+// ports say so.
+void SocketTransport::ReportPlanted() {
+    std::string problem = local_socket::NameProblem(socketName_);
+    if (!problem.empty() && problem != reported_) {
+        syslog(LOG_ERR, "no desktop: %s", problem.c_str());
+    }
+    reported_ = std::move(problem);
 }
 
 void SocketTransport::Disconnect() {

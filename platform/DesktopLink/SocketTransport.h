@@ -32,6 +32,7 @@ class SocketTransport final : public Transport {
 
   private:
     bool Connect();
+    void ReportPlanted();
     void Disconnect();
 
     // 0 when it could not be sent.
@@ -54,6 +55,7 @@ class SocketTransport final : public Transport {
     bool DeliverNotification();
 
     std::string socketName_;
+    std::string reported_;  // what was last said to lie in the socket's place
     std::optional<Connection> connection_;
     bool unreachable_ = false;
     std::uint32_t lastSequence_ = 0;

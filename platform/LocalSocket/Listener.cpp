@@ -53,6 +53,27 @@ bool PeerIsSameUser(int socket) {
            credentials.uid == geteuid();
 }
 
+// Why a file under a name of the session is no socket that this user's processes could have left
+// there, or nothing. The kernel follows a link to a socket, and says of a file that is none the
+// same as of a socket that nobody serves.
+std::string PlantedFileProblem(int directory, const std::string& fileName) {
+    struct stat status {};
+    if (fstatat(directory, fileName.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return {};  // what keeps it from being looked at also keeps it from being used
+    }
+    const std::string path = SessionDirectoryPath() + "/" + fileName;
+    if (S_ISLNK(status.st_mode)) {
+        return fmt::format("{} is a symbolic link instead of a socket", path);
+    }
+    if (!S_ISSOCK(status.st_mode)) {
+        return fmt::format("{} is no socket", path);
+    }
+    if (status.st_uid != geteuid()) {
+        return fmt::format("{} belongs to user {} instead of {}", path, status.st_uid, geteuid());
+    }
+    return {};
+}
+
 enum class Occupant { none, dead, living, unknown };
 
 Occupant ProbeOccupant(int directory, const std::string& fileName) {
@@ -104,6 +125,12 @@ std::optional<Listener> Listener::Create(std::string_view name, bool* taken, std
         return std::nullopt;
     }
     const DirectoryLock lock(listener.directory_.get());
+    for (const std::string& fileName : {listener.fileName_, std::string(kUnfinishedFileName)}) {
+        *problem = PlantedFileProblem(listener.directory_.get(), fileName);
+        if (!problem->empty()) {
+            return std::nullopt;
+        }
+    }
     switch (ProbeOccupant(listener.directory_.get(), listener.fileName_)) {
         case Occupant::living:
             *taken = true;
@@ -195,12 +222,26 @@ Descriptor Connect(std::string_view name, std::string* problem) {
     if (!directory) {
         return {};
     }
+    *problem = PlantedFileProblem(directory.get(), SocketFileName(name));
+    if (!problem->empty()) {
+        return {};
+    }
     Descriptor socket = NewSocket();
-    if (!socket || ConnectTo(socket.get(), directory.get(), SocketFileName(name)) != 0 ||
-        !PeerIsSameUser(socket.get())) {
+    if (!socket || ConnectTo(socket.get(), directory.get(), SocketFileName(name)) != 0) {
+        return {};
+    }
+    if (!PeerIsSameUser(socket.get())) {
+        *problem = fmt::format("{}/{} is served by another user", SessionDirectoryPath(),
+                               SocketFileName(name));
         return {};
     }
     return socket;
+}
+
+std::string NameProblem(std::string_view name) {
+    std::string unused;
+    const Descriptor directory = OpenSessionDirectory(IfMissing::leave, &unused);
+    return directory ? PlantedFileProblem(directory.get(), SocketFileName(name)) : std::string();
 }
 
 }  // namespace local_socket

@@ -36,8 +36,9 @@ class Descriptor {
 class Listener {
   public:
     // Nothing when a living process serves the name (`taken` is then true) or when it cannot be
-    // served (`problem` then holds one line). A socket file that a dead process left behind is
-    // replaced. A process that is stopped still lives. Both pointers may be null.
+    // served (`problem` then holds one line). A socket file that a dead process of this user left
+    // behind is replaced; anything else under the name is left as it is, and the name is refused.
+    // A process that is stopped still lives. Both pointers may be null.
     static std::optional<Listener> Create(std::string_view name, bool* taken, std::string* problem);
 
     Listener(Listener&&) noexcept = default;
@@ -67,8 +68,12 @@ class Listener {
 };
 
 // Connects to the listener of that name; an invalid descriptor when there is none or when it
-// belongs to another user. `problem` (may be null) holds one line when the session's folder is
-// refused and stays empty when there is simply no listener.
+// belongs to another user. `problem` (may be null) holds one line when the session's folder or what
+// lies under the name is refused, and stays empty when there is simply no listener.
 Descriptor Connect(std::string_view name, std::string* problem = nullptr);
+
+// One line when anything but a socket of this user lies under the name: a file, a symbolic link,
+// another user's socket. Empty otherwise, also when the session's folder is missing or refused.
+std::string NameProblem(std::string_view name);
 
 }  // namespace local_socket

@@ -40,6 +40,19 @@ class ListenerTest : public testing::Test {
         return taken;
     }
 
+    // Neither side makes use of what lies under the name "port".
+    void ExpectRefused(const std::string& reason) {
+        const std::string expected = (session_.Path() / "port").string() + " " + reason;
+        bool taken = true;
+        std::string problem;
+        EXPECT_FALSE(Listener::Create("port", &taken, &problem));
+        EXPECT_FALSE(taken);
+        EXPECT_THAT(problem, testing::StartsWith(expected));
+        EXPECT_FALSE(Connect("port", &problem));
+        EXPECT_THAT(problem, testing::StartsWith(expected));
+        EXPECT_THAT(NameProblem("port"), testing::StartsWith(expected));
+    }
+
     // The exit status of a process that ran the work.
     static int InOtherProcess(const std::function<int()>& work) {
         const pid_t child = fork();
@@ -184,7 +197,8 @@ TEST_F(ListenerTest, SocketOfAKilledProcessIsReplaced) {
 }
 
 TEST_F(ListenerTest, UnfinishedSocketOfAKilledProcessIsReplaced) {
-    std::ofstream(session_.Path() / "#binding") << "left behind";
+    Kill(StartServer("port"));
+    std::filesystem::rename(session_.Path() / "port", session_.Path() / "#binding");
     const auto listener = Serve("port");
     EXPECT_THAT(session_.Files(), ElementsAre("port"));
 }
@@ -200,11 +214,42 @@ TEST_F(ListenerTest, FileThatIsNotItsOwnIsLeftAlone) {
 
 TEST_F(ListenerTest, FolderInThePlaceOfTheSocketIsReported) {
     std::filesystem::create_directory(session_.Path() / "port");
-    bool taken = true;
+    ExpectRefused("is no socket");
+}
+
+TEST_F(ListenerTest, FileInThePlaceOfTheSocketIsReportedAndKept) {
+    std::ofstream(session_.Path() / "port") << "text";
+    ExpectRefused("is no socket");
+    EXPECT_EQ(std::filesystem::file_size(session_.Path() / "port"), 4U);
+}
+
+TEST_F(ListenerTest, LinkInThePlaceOfTheSocketIsReportedAndNotFollowed) {
+    const auto served = Serve("served");
+    std::filesystem::create_symlink("served", session_.Path() / "port");
+    ExpectRefused("is a symbolic link");
+    std::filesystem::remove(session_.Path() / "port");
+    std::filesystem::create_symlink("nowhere", session_.Path() / "port");
+    ExpectRefused("is a symbolic link");
+    EXPECT_TRUE(std::filesystem::is_symlink(session_.Path() / "port"));
+    EXPECT_FALSE(std::filesystem::exists(session_.Path() / "nowhere"));
+}
+
+TEST_F(ListenerTest, SocketOfAnotherUserIsReportedAndKept) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can give a socket to another user";
+    }
+    Kill(StartServer("port"));
+    ASSERT_EQ(chown((session_.Path() / "port").c_str(), kNobody, kNobody), 0);
+    ExpectRefused("belongs to user 65534 instead of 0");
+    EXPECT_THAT(session_.Files(), ElementsAre("port"));
+}
+
+TEST_F(ListenerTest, FileInThePlaceOfAnUnfinishedSocketIsReportedAndKept) {
+    std::ofstream(session_.Path() / "#binding") << "text";
     std::string problem;
-    EXPECT_FALSE(Listener::Create("port", &taken, &problem));
-    EXPECT_FALSE(taken);
-    EXPECT_THAT(problem, testing::HasSubstr("cannot be served"));
+    EXPECT_FALSE(Listener::Create("port", nullptr, &problem));
+    EXPECT_THAT(problem, testing::HasSubstr("#binding is no socket"));
+    EXPECT_THAT(session_.Files(), ElementsAre("#binding"));
 }
 
 TEST_F(ListenerTest, AnyBytesNameAPort) {
