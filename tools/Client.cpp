@@ -1,5 +1,7 @@
 #include "tools/Client.h"
 
+#include "tools/SessionCheck.h"
+
 namespace krt9ctl {
 
 CFStringRef ReplyMode() {
@@ -8,6 +10,7 @@ CFStringRef ReplyMode() {
 
 Answer Client::Send(const Request& request) {
     if (!port_) {
+        CheckSession();
         port_.reset(CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR("KRT9Background")));
     }
     if (!port_) {

@@ -1,10 +1,12 @@
 #include "tools/DesktopScript.h"
 
 #include "platform/DesktopLink/Transport.h"
+#include "tools/SessionCheck.h"
 
 namespace krt9ctl {
 
 std::optional<Json> AskDesktop(const Json& command, double timeout) {
+    CheckSession();
     desktop_link::Request request;
     request.operation = desktop_link::Operation::script;
     request.text = OneLine(command);

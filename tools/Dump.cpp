@@ -6,6 +6,7 @@
 #include "tools/Grammar.h"
 #include "tools/Run.h"
 #include "tools/SceneDump.h"
+#include "tools/SessionCheck.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {
@@ -71,6 +72,7 @@ ExitCode ActDump(const Arguments& arguments, Context& context) {
     if (arguments.Has("--pid") && arguments.Has("--application")) {
         throw UsageError("--pid and --application exclude each other");
     }
+    CheckSession();
     const auto choice = Choose(arguments);
     if (!choice) {
         return Fail(context, arguments.Has("--application") ? "there is no such application"

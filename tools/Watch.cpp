@@ -11,6 +11,7 @@
 #include "tools/Interruption.h"
 #include "tools/Reference.h"
 #include "tools/Run.h"
+#include "tools/SessionCheck.h"
 
 namespace krt9ctl {
 
@@ -75,6 +76,7 @@ void Watch::Listen(Clock::time_point end) {
 }
 
 ExitCode Watch::Run(std::optional<double> seconds) {
+    CheckSession();
     const Interruption interruption;
     CFMessagePortContext context{0, this, nullptr, nullptr, nullptr};
     const Reference<CFMessagePortRef> port(CFMessagePortCreateLocal(
