@@ -1,0 +1,240 @@
+// Another user of the machine against a session that runs.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+
+#include "platform/DesktopLink/Framing.h"
+#include "platform/DesktopLink/Messages.h"
+#include "tests/reliability/Trio.h"
+#include "tests/reliability/WireClient.h"
+#include "tests/users/OtherUser.h"
+
+namespace {
+
+using test_support::AsOtherUser;
+using test_support::Bytes;
+using test_support::ChildProcess;
+using test_support::Command;
+using test_support::kOtherUser;
+using test_support::ProcessResult;
+using test_support::Role;
+using test_support::Stage;
+using test_support::Trio;
+using test_support::WireClient;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr int kTries = 200;
+
+struct Door {
+    std::string socket;
+    Bytes frame;  // well-formed, for what listens there
+};
+
+Bytes Framed(const Bytes& payload) {
+    Bytes frame;
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+        frame.push_back(static_cast<std::uint8_t>(payload.size() >> shift));
+    }
+    frame.insert(frame.end(), payload.begin(), payload.end());
+    return frame;
+}
+
+// Asks the desktop for all that is on it.
+Bytes StateRequest() {
+    desktop_link::Request request;
+    request.operation = desktop_link::Operation::script;
+    request.text = R"({"command": "state"})";
+    return Framed(desktop_link::MakePayload(desktop_link::FrameKind::request, 1,
+                                            desktop_link::Encode(request)));
+}
+
+// 'JPMS' presses the mouse button; the companion shows every message, unknown ones too.
+std::vector<Door> Doors() {
+    return {{"KRT9Background", WireClient::Request("JPMS", Bytes(16, 1), 1)},
+            {"VEK_KRT9", WireClient::Request("JXXX", Bytes(16, 1), 1)},
+            {"krt9-desktop", StateRequest()}};
+}
+
+std::string Hex(const Bytes& bytes) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string hex;
+    for (const std::uint8_t byte : bytes) {
+        hex += {kDigits[byte >> 4], kDigits[byte & 0xF]};
+    }
+    return hex;
+}
+
+std::vector<std::string> SplitLines(const std::string& text) {
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        lines.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return lines;
+}
+
+class OtherUsers : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (const std::string reason = test_support::NoOtherUser(); !reason.empty()) {
+            GTEST_SKIP() << reason;
+        }
+        trio.emplace();
+        EXPECT_TRUE(trio->DriverSeesTheEditor());
+        trio->Process(Role::companion).ForgetOutput();
+        logBefore = DesktopLog();
+    }
+
+    static std::string DesktopLog() {
+        const ProcessResult result =
+            test_support::RunProcess(Stage::CompanionPath(), {"desktop", "log"});
+        EXPECT_EQ(result.status, 0) << result.standardError;
+        return result.standardOutput;
+    }
+
+    std::filesystem::path Folder() const { return trio->Session().Path(); }
+
+    // What became of the other user's attempts at one door.
+    std::unique_ptr<ChildProcess> Attack(const Door& door) const {
+        const Command command = AsOtherUser(
+            test_support::StrangerPath(),
+            {"connect", Folder() / door.socket, std::to_string(kTries), Hex(door.frame)});
+        return std::make_unique<ChildProcess>(command.path, command.arguments);
+    }
+    static std::string Outcome(ChildProcess& stranger) {
+        EXPECT_EQ(stranger.WaitForExit(60), 0);
+        return stranger.StandardOutput() + stranger.StandardError();
+    }
+
+    ProcessResult RunAsOther(const std::string& path,
+                             const std::vector<std::string>& arguments) const {
+        const Command command = AsOtherUser(path, arguments);
+        return test_support::RunProcess(command.path, command.arguments,
+                                        test_support::OtherUsersEnvironment(Folder()));
+    }
+
+    // The owner's session works as before; nothing came of what the other user sent.
+    void ExpectUntouched() {
+        EXPECT_EQ(DesktopLog(), logBefore);
+        EXPECT_TRUE(trio->DriverSeesTheEditor());
+        EXPECT_TRUE(trio->CompanionHears("01:00:00:12"));
+        // What another user sent would have come before.
+        EXPECT_THAT(trio->Process(Role::companion).StandardOutput(), Not(HasSubstr("JXXX")));
+    }
+
+    // The programs of the other user, pointed at this session, say `reason` in one line.
+    void ExpectTurnedAway(const std::string& reason);
+
+    std::optional<Trio> trio;
+    std::string logBefore;
+};
+
+void OtherUsers::ExpectTurnedAway(const std::string& reason) {
+    const std::string line = "the session folder " + Folder().string() + " " + reason;
+    const struct {
+        std::string path;
+        std::vector<std::string> arguments;
+        std::string output;
+    } programs[] = {
+        {Stage::CompanionPath(), {"pointer"}, "krt9ctl: pointer: " + line + "\n"},
+        {Stage::CompanionPath(), {"watch"}, "krt9ctl: watch: " + line + "\n"},
+        {Stage::CompanionPath(), {"desktop", "state"}, "krt9ctl: desktop state: " + line + "\n"},
+        {Stage::CompanionPath(), {"dump"}, "krt9ctl: dump: " + line + "\n"},
+        {KRT9_BINARIES "/krt9-desktop",
+         {KRT9_SCENES "/editor-10.4.6.json"},
+         "krt9-desktop: " + line + "\n"},
+    };
+    for (const auto& program : programs) {
+        const ProcessResult result = RunAsOther(program.path, program.arguments);
+        EXPECT_EQ(result.standardError, program.output);
+        EXPECT_EQ(result.standardOutput, "");
+        EXPECT_EQ(result.status, 1);
+    }
+    // The driver idles, as it does whenever it cannot have its port.
+    std::map<std::string, std::string> environment = Stage::DriverEnvironment();
+    environment.merge(test_support::OtherUsersEnvironment(Folder()));
+    const Command command = AsOtherUser(Stage::DriverPath(), {});
+    ChildProcess driver(command.path, command.arguments, environment);
+    EXPECT_TRUE(driver.WaitForOutput("version 1.0.0"));
+    driver.Signal(SIGINT);
+    EXPECT_EQ(driver.WaitForExit(), 0) << driver.StandardError();
+    EXPECT_THAT(SplitLines(driver.StandardError()),
+                ElementsAre(HasSubstr("CFMessagePort \"KRT9Background\": " + line),
+                            HasSubstr("com.solvanto.KRT9Background version 1.0.0")));
+}
+
+}  // namespace
+
+TEST_F(OtherUsers, CannotConnectToAnySocketOfTheSession) {
+    for (const Door& door : Doors()) {
+        EXPECT_EQ(Outcome(*Attack(door)),
+                  std::to_string(kTries) + " refused, 0 closed, 0 answered, 0 kept\n")
+            << door.socket;
+    }
+    ExpectUntouched();
+}
+
+// The folder's mode is what keeps others out; without it each peer's user is looked at.
+TEST_F(OtherUsers, AreClosedAtOnceWhenTheDoorsWereOpenedByHandAndTheOwnerIsServedMeanwhile) {
+    WireClient owner;
+    ASSERT_TRUE(owner.Connected());
+    ASSERT_EQ(chmod(Folder().c_str(), 0755), 0);
+    std::vector<std::unique_ptr<ChildProcess>> strangers;
+    for (const Door& door : Doors()) {
+        ASSERT_EQ(chmod((Folder() / door.socket).c_str(), 0777), 0);
+    }
+    for (const Door& door : Doors()) {
+        strangers.push_back(Attack(door));
+    }
+    for (std::uint32_t sequence = 1; sequence <= kTries; ++sequence) {
+        ASSERT_TRUE(owner.Send(WireClient::Request("JGlM", {}, sequence)));
+        const auto reply = owner.Receive();
+        ASSERT_TRUE(reply && reply->sequence == sequence && reply->data.size() == 8);
+    }
+    for (const auto& stranger : strangers) {
+        EXPECT_EQ(Outcome(*stranger),
+                  "0 refused, " + std::to_string(kTries) + " closed, 0 answered, 0 kept\n");
+    }
+    ASSERT_EQ(chmod(Folder().c_str(), 0700), 0);
+    ExpectUntouched();
+}
+
+// What the other user sends is what the owner is answered to.
+TEST_F(OtherUsers, SendWhatTheOwnerWouldBeAnsweredTo) {
+    for (const Door& door : Doors()) {
+        const local_socket::Descriptor owner = local_socket::Connect(door.socket);
+        ASSERT_EQ(write(owner.get(), door.frame.data(), door.frame.size()),
+                  static_cast<ssize_t>(door.frame.size()));
+        pollfd readable{owner.get(), POLLIN, 0};
+        ASSERT_EQ(poll(&readable, 1, 10'000), 1) << door.socket;
+        char byte = 0;
+        EXPECT_EQ(read(owner.get(), &byte, 1), 1) << door.socket;
+    }
+    EXPECT_TRUE(trio->Process(Role::companion).WaitForOutput("JXXX"));
+    EXPECT_NE(DesktopLog(), logBefore) << "the button was pressed";
+}
+
+TEST_F(OtherUsers, ProgramsPointedAtThisSessionAreTurnedAway) {
+    const auto files = trio->Session().Files();
+    ExpectTurnedAway("cannot be opened: Permission denied");
+    EXPECT_EQ(trio->Session().Files(), files);
+    ExpectUntouched();
+}
+
+TEST_F(OtherUsers, ProgramsPointedAtThisSessionAreTurnedAwayWhenItsDoorsWereOpenedByHand) {
+    const auto files = trio->Session().Files();
+    ASSERT_EQ(chmod(Folder().c_str(), 0777), 0);
+    ExpectTurnedAway("belongs to user 0 instead of 65534");
+    ASSERT_EQ(chmod(Folder().c_str(), 0700), 0);
+    EXPECT_EQ(trio->Session().Files(), files);
+    ExpectUntouched();
+}
