@@ -1,6 +1,8 @@
 #include "desktop/Desktop.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <memory>
 #include <utility>
 
 #include "desktop/Address.h"
@@ -178,11 +180,30 @@ void Desktop::ActivatePrevious() {
 
 Application& Desktop::Launch(nlohmann::json source) {
     // The process id of one that died may be used again.
-    if (source.contains("pid")) {
-        std::erase_if(model_.applications, [&](const auto& each) {
-            return each->dead && each.get() != model_.front && source["pid"] == each->pid;
-        });
+    auto& applications = model_.applications;
+    const auto dead = std::find_if(applications.begin(), applications.end(), [&](const auto& each) {
+        return each->dead && each.get() != model_.front && source.contains("pid") &&
+               source["pid"] == each->pid;
+    });
+    const std::ptrdiff_t place = dead - applications.begin();
+    std::unique_ptr<Application> replaced;
+    if (dead != applications.end()) {
+        replaced = std::move(*dead);
+        applications.erase(dead);
     }
+    try {
+        Application& application = AddWithBundle(std::move(source));
+        log_.Add({{"launched", application.Key()}});
+        return application;
+    } catch (const SceneError&) {
+        if (replaced != nullptr) {
+            applications.insert(applications.begin() + place, std::move(replaced));
+        }
+        throw;
+    }
+}
+
+Application& Desktop::AddWithBundle(nlohmann::json source) {
     Application& application = SceneReader(model_).AddApplication(std::move(source), "application");
     try {
         bundles_.Write(application);
@@ -191,7 +212,6 @@ Application& Desktop::Launch(nlohmann::json source) {
         model_.applications.pop_back();
         throw;
     }
-    log_.Add({{"launched", application.Key()}});
     return application;
 }
 

@@ -114,6 +114,7 @@ class Desktop {
     void SetFront(Application* application);
     void ActivatePrevious();
     Application& Launch(nlohmann::json source);  // throws SceneError
+    Application& AddWithBundle(nlohmann::json source);
     void Kill(Application& application);
     void Quit(Application& application);
     void PlayScript();

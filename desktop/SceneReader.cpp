@@ -28,10 +28,6 @@ std::vector<std::string> ReadNames(const json& source, const std::string& place)
     return names;
 }
 
-bool IsAttributeName(const std::string& key) {
-    return !key.empty() && key[0] >= 'A' && key[0] <= 'Z';
-}
-
 desktop_link::Rect ReadScreen(const json& source, const std::string& place) {
     ExpectOnly(source, place, {"frame"});
     const json& frame = Required(source, "frame", place);
@@ -268,8 +264,8 @@ void SceneReader::TakeMainWindow(Application& application, Element& window) {
 
 void SceneReader::ReadAttribute(Element& element, const std::string& key, json& source,
                                 const std::string& place) {
-    if (key != "misbehaviour" && !IsAttributeName(key)) {
-        throw SceneError(place, "no attribute; their names begin with a capital letter");
+    if (key != "misbehaviour") {
+        ExpectAttributeName(key, place);
     }
     if (NeedsWholeTree(key, source)) {
         ExpectShallow(source, place);
@@ -294,6 +290,12 @@ void SceneReader::Resolve(Deferred& deferred) {
         return;
     }
     SetFromScene(model_, element, deferred.key, deferred.source, deferred.place);
+}
+
+void ExpectAttributeName(const std::string& name, const std::string& place) {
+    if (name.empty() || name[0] < 'A' || name[0] > 'Z') {
+        throw SceneError(place, "no attribute; their names begin with a capital letter");
+    }
 }
 
 void SetFromScene(Model& model, Element& element, const std::string& attribute, const json& source,

@@ -48,6 +48,9 @@ class SceneReader {
     std::vector<Deferred> deferred_;
 };
 
+// Throws SceneError for what no scene can name so.
+void ExpectAttributeName(const std::string& name, const std::string& place);
+
 // Reads one attribute of an element that stands in its tree, as a scene or a command writes it.
 void SetFromScene(Model& model, Element& element, const std::string& attribute,
                   const nlohmann::json& source, const std::string& place);

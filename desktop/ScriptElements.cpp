@@ -39,6 +39,7 @@ std::string Script::Set(const Json& command) {
     Element& element = NamedElement(command);
     const std::string& attribute =
         ExpectText(Required(command, "attribute", "command"), "attribute");
+    ExpectAttributeName(attribute, "attribute");
     const Json& value = Required(command, "value", "command");
     ExpectShallow(value, "value");
     Model& model = desktop_.model_;

@@ -134,6 +134,21 @@ TEST(Applications, BadLaunchChangesNothing) {
     EXPECT_EQ(client.Do({{"command", "state"}})["elements"], 1) << "nothing is left behind";
 }
 
+TEST(Applications, BadLaunchWithTheProcessIdOfADeadOneLeavesTheDeadOne) {
+    Desktop desktop(kThree);
+    const Client client{desktop};
+    client.Do({{"command", "kill"}, {"application", "com.example.two"}});
+    const std::string before = desktop.Dump();
+    EXPECT_THAT(before, HasSubstr("com.example.two"));
+    for (const json& bad :
+         {json{{"pid", 502}, {"windows", {1}}}, json{{"pid", 502}, {"info", {{"k", nullptr}}}}}) {
+        EXPECT_NE(client.ProblemOf({{"command", "launch"}, {"application", bad}}), "") << bad;
+        EXPECT_EQ(desktop.Dump(), before) << bad;
+    }
+    client.Do({{"command", "launch"}, {"application", {{"name", "new"}, {"pid", 502}}}});
+    EXPECT_THAT(desktop.Dump(), testing::Not(HasSubstr("com.example.two")));
+}
+
 TEST(Commands, BadOnesAnswerOneLineAndChangeNothing) {
     Desktop desktop(kThree);
     const Client client{desktop};
@@ -151,6 +166,8 @@ TEST(Commands, BadOnesAnswerOneLineAndChangeNothing) {
         {R"({"command": "set", "element": "/9", "attribute": "AXValue", "value": 1})",
          R"(element: no element "/9")"},
         {R"({"command": "set", "element": "/0", "attribute": "AXValue"})", R"("value" is missing)"},
+        {R"({"command": "set", "element": "/0", "attribute": "value", "value": 1})",
+         "attribute: no attribute; their names begin with a capital letter"},
         {R"({"command": "set", "element": "/0", "attribute": "AXChildren", "value": []})",
          "use \"insert\""},
         {R"({"command": "set", "element": "/0", "attribute": "AXPosition", "value": [1]})",
