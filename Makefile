@@ -1,6 +1,6 @@
 # The commands of the house. `make demo` and `make check` install what is missing, build, and run.
 
-.PHONY: demo check check-sanitize fuzz fuzz-coverage build lint packages clean
+.PHONY: demo check check-sanitize endurance fuzz fuzz-coverage build lint packages clean
 
 demo: build
 	@scripts/demo
@@ -13,6 +13,12 @@ check-sanitize: packages
 	@cmake --preset sanitize >/dev/null
 	@cmake --build --preset sanitize
 	@scripts/run-tests build-sanitize
+
+# The long form of what the tests do in short: a million requests, a thousand interrupts, ten
+# thousand repetitions of each request; then a quarter of an hour for each fuzz target.
+endurance: build
+	@KRT9_ENDURANCE=1 scripts/run-tests build
+	@$(MAKE) fuzz SECONDS=900
 
 # Every fuzz target for SECONDS seconds.
 SECONDS ?= 30
