@@ -12,7 +12,6 @@
 
 namespace {
 
-using test_support::ChildProcess;
 using test_support::Stage;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -105,20 +104,6 @@ TEST(LifeCycle, NothingIsAutoreleasedForEver) {
     stage.StartDriver();
     EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
     EXPECT_THAT(stage.Driver().StandardError(), Not(HasSubstr("autorelease")));
-}
-
-TEST(LifeCycle, SecondDriverIdlesAndTheFirstGoesOnUndisturbed) {
-    Stage stage;
-    stage.StartDriver();
-    ChildProcess second(Stage::DriverPath(), {}, Stage::DriverEnvironment());
-    // The name is taken, so the second one has no source, and stops in the middle of construction:
-    // it never asks for trust.
-    ASSERT_TRUE(second.WaitForOutput("version 1.0.0"));
-    EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
-    second.Signal(SIGINT);
-    EXPECT_EQ(second.WaitForExit(), 0);
-    EXPECT_THAT(second.StandardError(), Not(HasSubstr("accessibilityEnabled")));
-    EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
 }
 
 }  // namespace
