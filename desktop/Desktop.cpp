@@ -228,13 +228,19 @@ void Desktop::Kill(Application& application) {
 
 // Each command at its time after now; one without a time follows the one before it at once.
 void Desktop::PlayScript() {
-    double at = 0;
-    for (; nextStep_ < model_.script.size(); ++nextStep_) {
-        nlohmann::json command = model_.script[nextStep_];
-        const nlohmann::json* time = Field(command, "at");
-        at = time == nullptr ? at : ExpectDuration(*time, Place(Place("script", nextStep_), "at"));
-        schedule_.After(
-            at, [this, command = std::move(command)] { Script(*this).RunPlanned(command); });
+    // All times are read before anything is planned: a bad one refuses the whole.
+    std::vector<double> times;
+    for (std::size_t step = nextStep_; step < model_.script.size(); ++step) {
+        const nlohmann::json* time = Field(model_.script[step], "at");
+        const double before = times.empty() ? 0 : times.back();
+        times.push_back(
+            time == nullptr ? before : ExpectDuration(*time, Place(Place("script", step), "at")));
+    }
+    for (const double at : times) {
+        schedule_.After(at, [this, command = nlohmann::json(model_.script[nextStep_])] {
+            Script(*this).RunPlanned(command);
+        });
+        ++nextStep_;
     }
 }
 

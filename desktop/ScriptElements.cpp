@@ -142,10 +142,13 @@ std::string Script::SelectClip(const Json& command) {
     if (rows.empty() && !none) {
         throw SceneError("command", "give a \"row\" or a \"clip\" of the table, or null as row");
     }
-    SetSelectedRows(table, rows);
+    std::vector<Element*> texts;
     for (const std::string& place : editor.clipNames) {
-        Element& text = ResolveAddress(*application, place, "editor.clipNames");
-        desktop_.model_.arena.Set(text, "AXValue", Answer::Of({name}));
+        texts.push_back(&ResolveAddress(*application, place, "editor.clipNames"));
+    }
+    SetSelectedRows(table, rows);
+    for (Element* text : texts) {
+        desktop_.model_.arena.Set(*text, "AXValue", Answer::Of({name}));
     }
     return ToText(nlohmann::ordered_json{{"ok", true}, {"clip", name}});
 }

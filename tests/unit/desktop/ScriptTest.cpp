@@ -318,6 +318,17 @@ TEST(Editor, SelectsClipsByNameOrRow) {
     EXPECT_NE(client.ProblemOf({{"command", "selectClip"}, {"row", 2}}), "");
 }
 
+TEST(Editor, SelectsNothingWhenAClipNameIsGone) {
+    Desktop desktop(EditorScene());
+    const Client client{desktop};
+    client.Do({{"command", "selectClip"}, {"clip", "Crowd"}});
+    client.Do({{"command", "remove"}, {"element", "name"}});
+    const std::string before = desktop.Dump();
+    EXPECT_THAT(client.ProblemOf({{"command", "selectClip"}, {"row", 0}}),
+                HasSubstr("editor.clipNames"));
+    EXPECT_EQ(desktop.Dump(), before);
+}
+
 TEST(Editor, MovesThePlayheadToATimecodeOrByFrames) {
     Desktop desktop(EditorScene());
     const Client client{desktop};
@@ -353,6 +364,18 @@ TEST(ScriptPlaying, StepsThroughTheScript) {
     client.Do({{"command", "step"}});
     EXPECT_EQ(client.Do({{"command", "state"}})["front"], nullptr);
     EXPECT_THAT(client.ProblemOf({{"command", "step"}}), HasSubstr("at its end"));
+}
+
+TEST(ScriptPlaying, BadTimeRefusesTheWholePlay) {
+    json scene = TimedScene();
+    scene["script"][2]["at"] = "soon";
+    Desktop desktop(scene);
+    const Client client{desktop};
+    EXPECT_THAT(client.ProblemOf({{"command", "play"}}), HasSubstr("script[2].at"));
+    desktop.Advance(5);
+    EXPECT_EQ(client.Do({{"command", "state"}})["front"], "com.example.one");
+    client.Do({{"command", "step"}});
+    EXPECT_EQ(client.Do({{"command", "state"}})["front"], "com.example.two");
 }
 
 TEST(ScriptPlaying, PlaysEachCommandAtItsTime) {
