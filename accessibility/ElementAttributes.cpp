@@ -1,5 +1,7 @@
 #include "accessibility/ElementAttributes.h"
 
+#include "accessibility/ApplicationCall.h"
+
 namespace {
 
 bool IsOfType(CFTypeRef value, CFTypeID type) {
@@ -26,8 +28,9 @@ Reference TypedValueAt(CFArrayRef values, CFIndex index, CFTypeID type) {
 
 OwnedReference<CFTypeRef> CopyAttribute(AXUIElementRef element, CFStringRef name) {
     CFTypeRef value = nullptr;
-    if (element == nullptr ||
-        AXUIElementCopyAttributeValue(element, name, &value) != kAXErrorSuccess) {
+    if (element == nullptr || CallApplication([&] {
+                                  return AXUIElementCopyAttributeValue(element, name, &value);
+                              }) != kAXErrorSuccess) {
         return nullptr;
     }
     return OwnedReference<CFTypeRef>(value);
@@ -58,8 +61,10 @@ bool GetPointAttribute(AXUIElementRef element, CFStringRef name, CGPoint& point)
 
 OwnedReference<CFArrayRef> CopyAttributes(AXUIElementRef element, CFArrayRef names) {
     CFArrayRef values = nullptr;
-    if (element == nullptr || names == nullptr ||
-        AXUIElementCopyMultipleAttributeValues(element, names, 0, &values) != kAXErrorSuccess) {
+    if (element == nullptr || names == nullptr || CallApplication([&] {
+                                                      return AXUIElementCopyMultipleAttributeValues(
+                                                          element, names, 0, &values);
+                                                  }) != kAXErrorSuccess) {
         return nullptr;
     }
     return OwnedReference<CFArrayRef>(values);

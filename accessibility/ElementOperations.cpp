@@ -1,4 +1,5 @@
 // What requests do to one control of the front application, named by its identifier.
+#include "accessibility/ApplicationCall.h"
 #include "accessibility/ElementAttributes.h"
 #include "accessibility/VersionProfiles.h"
 #include "driver/Autoreleased.h"
@@ -16,7 +17,9 @@ OwnedReference<AXUIElementRef> FindElement(VEK_C_AXUtils& axUtils, CFStringRef i
 }
 
 bool Press(AXUIElementRef element) {
-    return AXUIElementPerformAction(element, kAXPressAction) == kAXErrorSuccess;
+    return CallApplication([element] {
+               return AXUIElementPerformAction(element, kAXPressAction);
+           }) == kAXErrorSuccess;
 }
 
 }  // namespace

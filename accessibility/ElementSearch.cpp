@@ -1,4 +1,5 @@
 // The search from the front application's windows down to one element.
+#include "accessibility/ApplicationCall.h"
 #include "accessibility/DepthFirstSearch.h"
 #include "accessibility/ElementAttributes.h"
 #include "accessibility/VEK_C_AXUtils.h"
@@ -146,7 +147,9 @@ CFArrayRef VEK_C_AXUtils::copyFrontApplicationWindowList(bool debug, const char*
         return nullptr;
     }
     CFTypeRef value = nullptr;
-    AXError error = AXUIElementCopyAttributeValue(application.get(), kAXWindowsAttribute, &value);
+    AXError error = CallApplication([&] {
+        return AXUIElementCopyAttributeValue(application.get(), kAXWindowsAttribute, &value);
+    });
     if (error != kAXErrorSuccess) {
         if (debug) {
             ConsoleLog(CFSTR("CopyApplicationWindowList %s AXUIElementCopyAttributeValue err = "

@@ -1,4 +1,5 @@
 // Siblings in an array of elements, and the values of one element.
+#include "accessibility/ApplicationCall.h"
 #include "accessibility/ElementAttributes.h"
 #include "accessibility/VEK_C_AXUtils.h"
 #include "driver/OwnedReference.h"
@@ -45,8 +46,11 @@ CFStringRef VEK_C_AXUtils::CopyStringValueForElement(AXUIElementRef element) {
 
 // A text field takes over a new value only when it is confirmed.
 bool VEK_C_AXUtils::SetStringValueForElement(AXUIElementRef element, CFStringRef text) {
-    return AXUIElementSetAttributeValue(element, kAXValueAttribute, text) == kAXErrorSuccess &&
-           AXUIElementPerformAction(element, kAXConfirmAction) == kAXErrorSuccess;
+    const AXError set = CallApplication(
+        [&] { return AXUIElementSetAttributeValue(element, kAXValueAttribute, text); });
+    return set == kAXErrorSuccess && CallApplication([&] {
+                                         return AXUIElementPerformAction(element, kAXConfirmAction);
+                                     }) == kAXErrorSuccess;
 }
 
 CFStringRef VEK_C_AXUtils::CopyValueDescriptionForElement(AXUIElementRef element) {
@@ -60,6 +64,7 @@ CFStringRef VEK_C_AXUtils::CopyDescriptionForElement(AXUIElementRef element) {
 // The query fails for a destroyed element; whether the attribute is settable does not matter.
 bool VEK_C_AXUtils::ElementIsValid(AXUIElementRef element) {
     Boolean settable = false;
-    return AXUIElementIsAttributeSettable(element, kAXIdentifierAttribute, &settable) ==
-           kAXErrorSuccess;
+    return CallApplication([&] {
+               return AXUIElementIsAttributeSettable(element, kAXIdentifierAttribute, &settable);
+           }) == kAXErrorSuccess;
 }

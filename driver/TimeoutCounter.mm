@@ -2,6 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include "accessibility/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "workspace/FrontApplication.h"
 
@@ -55,6 +56,7 @@ void CVEK_UserSpaceDriver::TimeoutCounter() {
             fcpxProfile = ProfileForVersion(shortVersion);
         }
         if (IsEditor(bundleID) && (observeClipSelection || observeTimelineTimecode)) {
+            const OneWait wait;
             if (observeClipSelection) {
                 ObserveFCPXClipSelectionTask();
             }

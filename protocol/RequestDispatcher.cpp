@@ -9,6 +9,7 @@
 #include <optional>
 #include <type_traits>
 
+#include "accessibility/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "protocol/MessageCodes.h"
 #include "protocol/RequestOperations.h"
@@ -138,5 +139,6 @@ CFDataRef CVEK_UserSpaceDriver::MessageCallback(CFMessagePortRef, SInt32 msgid, 
         LogIncompleteBody(*request, body.Length());
         return nullptr;
     }
+    const OneWait wait;
     return request->serve(*this, body.Bytes());
 }

@@ -1,29 +1,18 @@
 #include "workspace/WindowAttributes.h"
 
+#include "accessibility/ElementAttributes.h"
+#include "driver/OwnedReference.h"
+
 CFStringRef CopyWindowTitle(CFTypeRef window) {
     if (CFGetTypeID(window) != AXUIElementGetTypeID()) {
         return nullptr;
     }
-    CFTypeRef title = nullptr;
-    if (AXUIElementCopyAttributeValue(static_cast<AXUIElementRef>(window), kAXTitleAttribute,
-                                      &title) != kAXErrorSuccess) {
-        return nullptr;
-    }
-    if (CFGetTypeID(title) != CFStringGetTypeID()) {
-        CFRelease(title);
-        return nullptr;
-    }
-    return static_cast<CFStringRef>(title);
+    return CopyStringAttribute(static_cast<AXUIElementRef>(window), kAXTitleAttribute).release();
 }
 
 bool CopyWindowGeometry(AXUIElementRef window, CFStringRef attribute, AXValueType type,
                         void* value) {
-    CFTypeRef copied = nullptr;
-    if (AXUIElementCopyAttributeValue(window, attribute, &copied) != kAXErrorSuccess) {
-        return false;
-    }
-    const bool extracted = CFGetTypeID(copied) == AXValueGetTypeID() &&
-                           AXValueGetValue(static_cast<AXValueRef>(copied), type, value);
-    CFRelease(copied);
-    return extracted;
+    const OwnedReference<CFTypeRef> copied = CopyAttribute(window, attribute);
+    return copied && CFGetTypeID(copied.get()) == AXValueGetTypeID() &&
+           AXValueGetValue(static_cast<AXValueRef>(copied.get()), type, value);
 }

@@ -1,3 +1,4 @@
+#include "accessibility/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "workspace/WindowAttributes.h"
 
@@ -22,7 +23,9 @@ bool CVEK_UserSpaceDriver::GetPosAndSizeForWindowName(std::string& name, bool pa
     if (window == nullptr) {
         return false;
     }
-    if (AXUIElementSetAttributeValue(window, kAXMainAttribute, kCFBooleanTrue) != kAXErrorSuccess) {
+    if (CallApplication([window] {
+            return AXUIElementSetAttributeValue(window, kAXMainAttribute, kCFBooleanTrue);
+        }) != kAXErrorSuccess) {
         return false;
     }
     return GetPosAndSizeForWindowElement(window, position, size);

@@ -1,5 +1,6 @@
 #import <AppKit/AppKit.h>
 
+#include "accessibility/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "workspace/FrontApplication.h"
 
@@ -22,7 +23,8 @@ NSArray* CVEK_UserSpaceDriver::CopyApplicationWindowList(bool debug, NSString* l
               CFGetRetainCount(application));
     }
     CFTypeRef windows = nullptr;
-    const AXError error = AXUIElementCopyAttributeValue(application, kAXWindowsAttribute, &windows);
+    const AXError error = CallApplication(
+        [&] { return AXUIElementCopyAttributeValue(application, kAXWindowsAttribute, &windows); });
     CFRelease(application);
     if (error != kAXErrorSuccess) {
         if (debug) {

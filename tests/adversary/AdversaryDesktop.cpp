@@ -69,6 +69,9 @@ class AdversaryDesktop::Forwarding final : public desktop_link::Transport {
             }
         }
         state_->exchanges.push_back({request, reply, timeout});
+        if (!reply && state_->owner.onSilence) {
+            state_->owner.onSilence(timeout);
+        }
         return reply;
     }
 

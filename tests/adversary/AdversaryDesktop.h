@@ -47,6 +47,10 @@ class AdversaryDesktop {
     // May change the reply to an exchange, counted from 0.
     std::function<void(std::size_t exchange, std::optional<desktop_link::Reply>& reply)> onReply;
 
+    // An exchange was not answered for so many seconds, all the time that the process waits.
+    // Restart() leaves it.
+    std::function<void(double seconds)> onSilence;
+
     unsigned Moments() const;
     const std::vector<Exchange>& Exchanges() const;
 
