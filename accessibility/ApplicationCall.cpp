@@ -6,24 +6,26 @@ namespace {
 // only that one call has failed.
 constexpr CFTimeInterval kLongestAnswer = 0.25;
 
-OneWait* currentWait = nullptr;
-
 }  // namespace
 
-OneWait::OneWait() : outer_(currentWait) {
-    currentWait = this;
+int OneWait::depth = 0;
+bool OneWait::over = false;
+
+OneWait::OneWait() {
+    ++depth;
 }
 
 OneWait::~OneWait() {
-    currentWait = outer_;
+    --depth;
+    over = over && depth > 0;
 }
 
 bool OneWait::IsOver() {
-    return currentWait != nullptr && currentWait->over_;
+    return over;
 }
 
 void OneWait::Note(AXError error, CFTimeInterval seconds) {
-    if (currentWait != nullptr && error == kAXErrorCannotComplete && seconds > kLongestAnswer) {
-        currentWait->over_ = true;
+    if (depth > 0 && error == kAXErrorCannotComplete && seconds > kLongestAnswer) {
+        over = true;
     }
 }

@@ -10,8 +10,8 @@
 #include <ApplicationServices/ApplicationServices.h>
 #include <CoreFoundation/CoreFoundation.h>
 
-// Lives as long as the operation whose calls share one wait. They may be nested: each counts for
-// itself. Calls outside of any are all made.
+// Lives as long as the operation whose calls share one wait. Operations may be parts of others: then
+// the wait is the outermost one's. Calls outside of any are all made.
 class OneWait {
   public:
     OneWait();
@@ -26,8 +26,8 @@ class OneWait {
     static void Note(AXError error, CFTimeInterval seconds);
 
   private:
-    OneWait* outer_;
-    bool over_ = false;
+    static int depth;
+    static bool over;
 };
 
 // The error of `call`, which makes one accessibility call; kAXErrorCannotComplete without making it

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "accessibility/ApplicationCall.h"
 #include "accessibility/DepthFirstSearch.h"
 #include "accessibility/ElementAttributes.h"
 #include "driver/Autoreleased.h"
@@ -104,6 +105,7 @@ class SearchInArray : public DepthFirstSearch {
 bool CVEK_UserSpaceDriver::CopyChildWithID(CFArrayRef children, CFStringRef identifier,
                                            AXUIElementRef& element, CFStringRef role,
                                            bool /*passThrough*/, bool debug) {
+    const OneWait wait;
     const void* names[] = {kAXRoleAttribute, kAXChildrenAttribute, kAXIdentifierAttribute};
     OwnedReference<CFArrayRef> attributeNames = CreateNames(names);
     SearchInArray search(attributeNames.get(), identifier, role, debug);
@@ -120,6 +122,7 @@ AXUIElementRef CVEK_UserSpaceDriver::CopyChildWithRoleAndDescription(CFArrayRef 
                                                                      CFStringRef role,
                                                                      CFStringRef description,
                                                                      bool debug) {
+    const OneWait wait;
     const void* names[] = {kAXRoleAttribute, kAXDescriptionAttribute};
     OwnedReference<CFArrayRef> attributeNames = CreateNames(names);
     if (debug && children == nullptr) {

@@ -4,6 +4,7 @@
 #include <span>
 #include <utility>
 
+#include "accessibility/ApplicationCall.h"
 #include "accessibility/ElementAttributes.h"
 #include "driver/Autoreleased.h"
 #include "driver/CVEK_UserSpaceDriver.h"
@@ -35,6 +36,7 @@ OwnedReference<AXUIElementRef> FindOnPath(AXUIElementRef parent, std::span<const
 }  // namespace
 
 AXUIElementRef CVEK_UserSpaceDriver::GetColorPuckWithID(NSString* identifier) {
+    const OneWait wait;
     const CFStringRef roles[] = {kAXSplitGroupRole, kAXGroupRole, kAXButtonRole};
     CFArrayRef windows = (CFArrayRef)CopyApplicationWindowList(false, @"");
     for (CFIndex index = 0; index < CountOf(windows); ++index) {

@@ -1,5 +1,5 @@
 // The grammar of the command line as data: every verb, its parameters and what it does. The parser,
-// the help, and whatever else is generated (manual page, completions) read the same rows.
+// the help and the verb `grammar` read the same rows.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The verb that prints the grammar, from which manual page and completions are generated.
+// The verb that prints the grammar, for programs that want to know every verb.
 #include "tools/Arguments.h"
 #include "tools/CommandLine.h"
 #include "tools/Grammar.h"
