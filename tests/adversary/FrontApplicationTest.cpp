@@ -125,7 +125,7 @@ TEST_P(FrontBundle, LeavesTheVersionAndTheSignatureUnknown) {
     {
         const AllocationMeter meter;
         Activate(bundle);
-        EXPECT_LT(meter.SoFar().peak, kMostMemory);
+        EXPECT_LT(meter.SoFar().peak, MostMemoryFor(bundle / "Contents/Info.plist"));
     }
     EXPECT_EQ(CFWorkspace_CurrentFrontApplicationPID(), 501);
     EXPECT_EQ(CFWorkspace_FrontApplicationSignature(), kUnknownSignature);
@@ -239,7 +239,7 @@ TEST_F(FrontApplication, InformationIsReadUpToItsLongestAndNoFurther) {
     {
         const AllocationMeter meter;
         Activate(bundle);
-        EXPECT_LT(meter.SoFar().peak, kMostMemory);
+        EXPECT_LT(meter.SoFar().peak, MostMemoryFor(bundle / "Contents/Info.plist"));
     }
     ExpectProfile(3);
 }
@@ -253,7 +253,8 @@ TEST_P(LocalizedInformation, ThatHoldsNoDictionaryLeavesTheInformationItself) {
     {
         const AllocationMeter meter;
         Activate(bundle);
-        EXPECT_LT(meter.SoFar().peak, kMostMemory);
+        EXPECT_LT(meter.SoFar().peak,
+                  MostMemoryFor(bundle / "Contents/Resources/en.lproj/InfoPlist.strings"));
     }
     ExpectProfile(3);
 }

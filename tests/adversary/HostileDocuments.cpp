@@ -6,6 +6,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <stdexcept>
@@ -165,6 +166,20 @@ std::vector<HostileValue> ValuesThatAreNoText() {
         {"Data", "<data>MTAuNC42</data>"},
         {"ADate", "<date>2020-01-01T00:00:00Z</date>"},
     };
+}
+
+std::size_t MostMemoryFor(const std::filesystem::path& file) {
+    constexpr std::size_t kPerByte = 24;
+    constexpr std::size_t kSmallChange = std::size_t{1} << 20U;
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    std::uintmax_t size = 0;
+    if (std::filesystem::is_regular_file(status)) {
+        size = std::filesystem::file_size(file);
+    } else if (std::filesystem::is_character_file(status)) {
+        size = kLongestDocument;  // it never ends
+    }
+    return kPerByte * std::min<std::uintmax_t>(size, kLongestDocument) + kSmallChange;
 }
 
 std::string XmlDictionaryOfSize(std::size_t size, const std::string& content) {

@@ -32,9 +32,10 @@ std::string XmlDictionary(const std::string& content);
 // The same with one more entry, whose text makes the document as long as wanted.
 std::string XmlDictionaryOfSize(std::size_t size, const std::string& content);
 
-// What is read at most, in bytes, and what it may take meanwhile: a document as bytes, decoded, and
-// as objects, and whatever grows by doubling.
-constexpr std::size_t kLongestDocument = std::size_t{32} << 20U;
-constexpr std::size_t kMostMemory = 16 * kLongestDocument;
+constexpr std::size_t kLongestDocument = std::size_t{32} << 20U;  // bytes, that are read
+
+// What reading the file may take, in bytes, whatever it claims to be: a document as bytes, decoded,
+// and as objects, each of which may have grown by doubling.
+std::size_t MostMemoryFor(const std::filesystem::path& file);
 
 }  // namespace adversary
