@@ -50,14 +50,27 @@ Bytes Payload(const MessageHeader& header, const Bytes& data) {
     return payload;
 }
 
-// Short as a rule; long ones do not fit the sockets' buffers unless they are read.
-Bytes NextData(Choices& choices) {
-    const std::uint8_t size = choices.Byte();
-    if (size < 240) {
-        return choices.Bytes(size);
+// Short as a rule; long ones do not fit the sockets' buffers unless they are read. All long ones of
+// an input together are so long that the limit of an allocation still tells memory for what came
+// from memory for what was announced.
+class DataSource {
+  public:
+    explicit DataSource(Choices& choices) : choices_(choices) {}
+
+    Bytes Next() {
+        const std::uint8_t size = choices_.Byte();
+        if (size < 240) {
+            return choices_.Bytes(size);
+        }
+        const std::size_t length = std::min(std::size_t{size - 239U} * 20000, longBytesLeft_);
+        longBytesLeft_ -= length;
+        return Bytes(length, size);
     }
-    return Bytes(std::size_t{size - 239U} * 20000, size);
-}
+
+  private:
+    Choices& choices_;
+    std::size_t longBytesLeft_ = 1900000;
+};
 
 // Frames that come in, in parts of any size.
 class Inbox {
@@ -206,7 +219,7 @@ class ServedPort {
         header.wantsReply = choices_.Flag();
         header.msgid = choices_.Byte() << 4;
         header.sequence = ++sender.sequence;
-        return Payload(header, NextData(choices_));
+        return Payload(header, data_.Next());
     }
 
     void SendRequest(Sender& sender) {
@@ -272,6 +285,7 @@ class ServedPort {
     }
 
     Choices& choices_;
+    DataSource data_{choices_};
     static inline int infos_ = 0;
     CFMessagePortRef port_;
     CFRunLoopSourceRef source_;
@@ -370,11 +384,11 @@ class AskedPort {
         MessageHeader header;
         header.kind = MessageHeader::Kind::reply;
         header.sequence = ahead == 15 ? choices_.Raw<std::uint32_t>() : sequence_ + ahead % 4;
-        return Payload(header, NextData(choices_));
+        return Payload(header, data_.Next());
     }
 
     void Ask(bool wantsReply) {
-        const Bytes data = NextData(choices_);
+        const Bytes data = data_.Next();
         const CFDataRef body =
             CFDataCreate(nullptr, data.data(), static_cast<CFIndex>(data.size()));
         CFDataRef reply = nullptr;
@@ -405,6 +419,7 @@ class AskedPort {
     }
 
     Choices& choices_;
+    DataSource data_{choices_};
     std::optional<local_socket::Listener> listener_;
     std::optional<fuzz::Peer> peer_;
     Inbox inbox_;
