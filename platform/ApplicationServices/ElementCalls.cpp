@@ -1,6 +1,5 @@
 #include <ApplicationServices/AXUIElement.h>
 
-#include <algorithm>
 #include <utility>
 
 #include "platform/ApplicationServices/Element.h"
@@ -127,27 +126,6 @@ AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attrib
         return kAXErrorFailure;
     }
     *value = object;
-    return kAXErrorSuccess;
-}
-
-AXError AXUIElementCopyAttributeValues(AXUIElementRef element, CFStringRef attribute, CFIndex index,
-                                       CFIndex maxValues, CFArrayRef* values) {
-    if (values == nullptr || index < 0 || maxValues < 0) {
-        return kAXErrorIllegalArgument;
-    }
-    const Answer answer = AskAbout(Operation::copyAttribute, element, attribute);
-    const Value* found = nullptr;
-    if (const AXError error = ValueIn(answer, found); error != kAXErrorSuccess) {
-        return error;
-    }
-    const auto* array = std::get_if<desktop_link::Array>(&found->content);
-    const auto first = static_cast<std::size_t>(index);
-    // An empty array has nothing out of range at its beginning.
-    if (array == nullptr || (first > 0 && first >= array->size())) {
-        return kAXErrorIllegalArgument;
-    }
-    const std::size_t count = std::min(static_cast<std::size_t>(maxValues), array->size() - first);
-    *values = CreateArray(std::span(*array).subspan(first, count));
     return kAXErrorSuccess;
 }
 

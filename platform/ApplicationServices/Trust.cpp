@@ -18,10 +18,6 @@ bool MayPrompt(CFDictionaryRef options) {
 
 }  // namespace
 
-Boolean AXIsProcessTrusted() {
-    return AXIsProcessTrustedWithOptions(nullptr);
-}
-
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
     desktop_link::Request request;
     request.operation = desktop_link::Operation::isTrusted;

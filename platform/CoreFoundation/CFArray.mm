@@ -29,10 +29,6 @@ CallbackArray* NewArray(const void* const* values, CFIndex count,
                                        callBacks:callBacks];
 }
 
-bool IsOurs(NSArray* array) {
-    return [array isKindOfClass:[CallbackArray class]];
-}
-
 }  // namespace
 
 const CFArrayCallBacks kCFTypeArrayCallBacks = {0, RetainObject, ReleaseObject, CFCopyDescription,
@@ -49,10 +45,6 @@ CFArrayRef CFArrayCreate(CFAllocatorRef, const void** values, CFIndex numValues,
         Stop(__func__, "no values");
     }
     return (CFArrayRef)NewArray(values, numValues, callBacks);
-}
-
-CFArrayRef CFArrayCreateCopy(CFAllocatorRef, CFArrayRef theArray) {
-    return (CFArrayRef)[Require<NSArray>(theArray, __func__) copy];
 }
 
 CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef, CFIndex capacity,
@@ -74,32 +66,6 @@ const void* CFArrayGetValueAtIndex(CFArrayRef theArray, CFIndex idx) {
     return [(NSArray*)theArray objectAtIndex:static_cast<NSUInteger>(idx)];
 }
 
-CFIndex CFArrayGetFirstIndexOfValue(CFArrayRef theArray, CFRange range, const void* value) {
-    NSArray* array = Require<NSArray>(theArray, __func__);
-    const auto count = static_cast<CFIndex>([array count]);
-    if (range.location < 0 || range.length < 0 || range.location > count ||
-        range.length > count - range.location) {
-        Stop(__func__, "range outside the array");
-    }
-    const bool ours = IsOurs(array);
-    for (CFIndex index = range.location; index < range.location + range.length; ++index) {
-        const void* const candidate = [array objectAtIndex:static_cast<NSUInteger>(index)];
-        if (ours ? [(CallbackArray*)array value:candidate equals:value]
-                 : static_cast<bool>(CFEqual(candidate, value))) {
-            return index;
-        }
-    }
-    return kCFNotFound;
-}
-
-Boolean CFArrayContainsValue(CFArrayRef theArray, CFRange range, const void* value) {
-    return CFArrayGetFirstIndexOfValue(theArray, range, value) != kCFNotFound;
-}
-
 void CFArrayAppendValue(CFMutableArrayRef theArray, const void* value) {
     [Require<NSMutableArray>(theArray, __func__) addObject:(id)value];
-}
-
-void CFArrayRemoveAllValues(CFMutableArrayRef theArray) {
-    [Require<NSMutableArray>(theArray, __func__) removeAllObjects];
 }

@@ -25,10 +25,6 @@ CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
     return (CFDataRef)[[NSData alloc] initWithBytes:bytes length:static_cast<NSUInteger>(length)];
 }
 
-CFDataRef CFDataCreateCopy(CFAllocatorRef, CFDataRef theData) {
-    return (CFDataRef)[Require<NSData>(theData, __func__) copy];
-}
-
 CFMutableDataRef CFDataCreateMutable(CFAllocatorRef, CFIndex capacity) {
     if (capacity < 0) {
         Stop(__func__, "negative capacity");

@@ -68,10 +68,6 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, 
     return dictionary;
 }
 
-CFDictionaryRef CFDictionaryCreateCopy(CFAllocatorRef, CFDictionaryRef theDict) {
-    return (CFDictionaryRef)[Require<NSDictionary>(theDict, __func__) copy];
-}
-
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex capacity,
                                                  const CFDictionaryKeyCallBacks* keyCallBacks,
                                                  const CFDictionaryValueCallBacks* valueCallBacks) {
@@ -84,10 +80,6 @@ CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex capacit
 
 CFIndex CFDictionaryGetCount(CFDictionaryRef theDict) {
     return static_cast<CFIndex>([Require<NSDictionary>(theDict, __func__) count]);
-}
-
-Boolean CFDictionaryContainsKey(CFDictionaryRef theDict, const void* key) {
-    return CFDictionaryGetValueIfPresent(theDict, key, nullptr);
 }
 
 const void* CFDictionaryGetValue(CFDictionaryRef theDict, const void* key) {

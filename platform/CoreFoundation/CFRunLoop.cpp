@@ -158,7 +158,3 @@ CFTimeInterval CFRunLoopTimerGetInterval(CFRunLoopTimerRef timer) {
 CFAbsoluteTime CFRunLoopTimerGetNextFireDate(CFRunLoopTimerRef timer) {
     return Implementation<Timer>(timer, __func__).NextFireDate();
 }
-
-void CFRunLoopTimerSetNextFireDate(CFRunLoopTimerRef timer, CFAbsoluteTime fireDate) {
-    Implementation<Timer>(timer, __func__).SetNextFireDate(fireDate);
-}

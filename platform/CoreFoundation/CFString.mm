@@ -51,12 +51,6 @@ CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar* chars, C
         {reinterpret_cast<const char16_t*>(chars), static_cast<std::size_t>(numChars)});
 }
 
-CFStringRef CFStringCreateWithSubstring(CFAllocatorRef, CFStringRef str, CFRange range) {
-    NSString* string = Require<NSString>(str, __func__);
-    const core_foundation::StringUnits units(string, Checked(range, string, __func__));
-    return (CFStringRef)core_foundation::NewString(units.view());
-}
-
 CFStringRef CFStringCreateCopy(CFAllocatorRef, CFStringRef theString) {
     return (CFStringRef)[Require<NSString>(theString, __func__) copy];
 }
@@ -73,19 +67,6 @@ CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex, CFStringRe
     return (CFMutableStringRef)string;
 }
 
-void CFStringAppend(CFMutableStringRef theString, CFStringRef appendedString) {
-    [Mutable(theString, __func__) appendString:Require<NSString>(appendedString, __func__)];
-}
-
-void CFStringAppendCString(CFMutableStringRef theString, const char* cStr,
-                           CFStringEncoding encoding) {
-    CFStringRef appended = CFStringCreateWithCString(kCFAllocatorDefault, cStr, encoding);
-    if (appended != nullptr) {
-        CFStringAppend(theString, appended);
-        CFRelease(appended);
-    }
-}
-
 void CFStringReplaceAll(CFMutableStringRef theString, CFStringRef replacement) {
     NSString* text = [Require<NSString>(replacement, __func__) copy];  // it may be theString itself
     [Mutable(theString, __func__) setString:text];
@@ -94,12 +75,6 @@ void CFStringReplaceAll(CFMutableStringRef theString, CFStringRef replacement) {
 
 CFIndex CFStringGetLength(CFStringRef theString) {
     return static_cast<CFIndex>([Require<NSString>(theString, __func__) length]);
-}
-
-UniChar CFStringGetCharacterAtIndex(CFStringRef theString, CFIndex idx) {
-    UniChar character = 0;
-    CFStringGetCharacters(theString, CFRangeMake(idx, 1), &character);
-    return character;
 }
 
 void CFStringGetCharacters(CFStringRef theString, CFRange range, UniChar* buffer) {

@@ -5,31 +5,13 @@
 
 using core_foundation::Require;
 
-CFStringRef CFStringCreateWithFormatAndArguments(CFAllocatorRef, CFDictionaryRef,
-                                                 CFStringRef format, va_list arguments) {
+CFStringRef CFStringCreateWithFormat(CFAllocatorRef, CFDictionaryRef, CFStringRef format, ...) {
     @autoreleasepool {
-        return (CFStringRef)[[NSString alloc] initWithFormat:Require<NSString>(format, __func__)
-                                                   arguments:arguments];
+        va_list arguments;
+        va_start(arguments, format);
+        NSString* string = [[NSString alloc] initWithFormat:Require<NSString>(format, __func__)
+                                                  arguments:arguments];
+        va_end(arguments);
+        return (CFStringRef)string;
     }
-}
-
-CFStringRef CFStringCreateWithFormat(CFAllocatorRef alloc, CFDictionaryRef formatOptions,
-                                     CFStringRef format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    CFStringRef string =
-        CFStringCreateWithFormatAndArguments(alloc, formatOptions, format, arguments);
-    va_end(arguments);
-    return string;
-}
-
-void CFStringAppendFormat(CFMutableStringRef theString, CFDictionaryRef formatOptions,
-                          CFStringRef format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    CFStringRef appended =
-        CFStringCreateWithFormatAndArguments(kCFAllocatorDefault, formatOptions, format, arguments);
-    va_end(arguments);
-    CFStringAppend(theString, appended);
-    CFRelease(appended);
 }

@@ -15,5 +15,4 @@
                count:(NSUInteger)count
            callBacks:(const CFArrayCallBacks*)callBacks;
 - (const std::vector<const void*>&)values;
-- (BOOL)value:(const void*)first equals:(const void*)second;
 @end

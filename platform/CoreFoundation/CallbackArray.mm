@@ -17,6 +17,9 @@ struct CallbackArrayStorage {
             callBacks.release(kCFAllocatorDefault, value);
         }
     }
+    bool Equal(const void* first, const void* second) const {
+        return first == second || (callBacks.equal != nullptr && callBacks.equal(first, second));
+    }
 };
 
 @implementation CallbackArray
@@ -59,11 +62,6 @@ struct CallbackArrayStorage {
 
 - (const std::vector<const void*>&)values {
     return _storage->values;
-}
-
-- (BOOL)value:(const void*)first equals:(const void*)second {
-    return first == second ||
-           (_storage->callBacks.equal != nullptr && _storage->callBacks.equal(first, second));
 }
 
 - (NSUInteger)count {
@@ -148,7 +146,7 @@ struct CallbackArrayStorage {
         return NO;
     }
     for (NSUInteger index = 0; index < count; ++index) {
-        if (![self value:_storage->values[index] equals:[other objectAtIndex:index]]) {
+        if (!_storage->Equal(_storage->values[index], [other objectAtIndex:index])) {
             return NO;
         }
     }

@@ -35,9 +35,7 @@ Timer::Timer(CFAbsoluteTime fireDate, CFTimeInterval interval, CFRunLoopTimerCal
 // Marks the timer as firing, and sets it up for its next date however the callback is left.
 class Timer::Firing {
   public:
-    explicit Firing(Timer& timer) : timer_(timer), firedFor_(timer.fireTime_) {
-        timer_.firing_ = true;
-    }
+    explicit Firing(Timer& timer) : timer_(timer) { timer_.firing_ = true; }
     Firing(const Firing&) = delete;
     Firing& operator=(const Firing&) = delete;
     ~Firing() {
@@ -46,14 +44,13 @@ class Timer::Firing {
         }
         const std::lock_guard lock(StructureMutex());
         timer_.firing_ = false;
-        if (timer_.valid_ && timer_.fireTime_ <= firedFor_) {
-            timer_.fireTime_ = timer_.NextOnGrid(firedFor_);
+        if (timer_.valid_) {
+            timer_.fireTime_ = timer_.NextOnGrid(timer_.fireTime_);
         }
     }
 
   private:
     Timer& timer_;
-    const Instant firedFor_;
 };
 
 void Timer::FireIfDue(const Mode& mode, Instant now) {
@@ -88,24 +85,6 @@ Instant Timer::NextOnGrid(Instant date) const {
 CFAbsoluteTime Timer::NextFireDate() const {
     const std::lock_guard lock(StructureMutex());
     return valid_ ? DateOf(fireTime_) : 0;
-}
-
-void Timer::SetNextFireDate(CFAbsoluteTime date) {
-    const Instant fireTime = FireTimeFor(date);
-    Retained<RunLoop> waiting;
-    {
-        const std::lock_guard lock(StructureMutex());
-        if (!valid_) {
-            return;
-        }
-        fireTime_ = fireTime;
-        if (loop != nullptr && loop->TryRetain()) {
-            waiting = Retained<RunLoop>::Adopt(loop);
-        }
-    }
-    if (waiting) {
-        waiting->WakeUp();
-    }
 }
 
 void Timer::Invalidate() {

@@ -33,7 +33,6 @@ class Timer final : public core_foundation::Object {
     CFTimeInterval IntervalInSeconds() const { return intervalInSeconds_; }
     // The mutex is not held.
     CFAbsoluteTime NextFireDate() const;
-    void SetNextFireDate(CFAbsoluteTime date);
 
     // The next date at which the timer can fire: kNever while it is firing.
     Instant NextDue() const { return firing_ ? kNever : fireTime_; }

@@ -20,7 +20,6 @@ constexpr OSStatus kParameterError = -50;
 struct Port {
     MIDIClientRef client = 0;
     bool isInput = false;
-    std::set<MIDIEndpointRef> connectedSources;
 };
 
 struct Registry {
@@ -48,13 +47,13 @@ OSStatus CreatePort(MIDIClientRef client, CFStringRef name, MidiCreation kind,
         return kMIDIServerStartErr;
     }
     *outPort = Known().NewReference();
-    Known().ports[*outPort] = {client, kind == MidiCreation::inputPort, {}};
+    Known().ports[*outPort] = {client, kind == MidiCreation::inputPort};
     return 0;
 }
 
-Port* FindInputPort(MIDIPortRef port) {
+bool IsInputPort(MIDIPortRef port) {
     const auto found = Known().ports.find(port);
-    return found != Known().ports.end() && found->second.isInput ? &found->second : nullptr;
+    return found != Known().ports.end() && found->second.isInput;
 }
 
 }  // namespace
@@ -93,8 +92,7 @@ OSStatus MIDIOutputPortCreate(MIDIClientRef client, CFStringRef portName, MIDIPo
 }
 
 OSStatus MIDIPortConnectSource(MIDIPortRef port, MIDIEndpointRef source, void*) {
-    Port* input = FindInputPort(port);
-    if (input == nullptr) {
+    if (!IsInputPort(port)) {
         return kMIDIInvalidPort;
     }
     desktop_link::Request request;
@@ -105,16 +103,5 @@ OSStatus MIDIPortConnectSource(MIDIPortRef port, MIDIEndpointRef source, void*) 
     if (!reply) {
         return transport.Unreachable() ? kMIDIUnknownEndpoint : kMIDIMessageSendErr;
     }
-    if (reply->error == 0) {
-        input->connectedSources.insert(source);
-    }
     return reply->error;
-}
-
-OSStatus MIDIPortDisconnectSource(MIDIPortRef port, MIDIEndpointRef source) {
-    Port* input = FindInputPort(port);
-    if (input == nullptr) {
-        return kMIDIInvalidPort;
-    }
-    return input->connectedSources.erase(source) > 0 ? 0 : OSStatus{kMIDINoConnection};
 }

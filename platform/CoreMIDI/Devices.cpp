@@ -45,19 +45,9 @@ MIDIEntityRef MIDIDeviceGetEntity(MIDIDeviceRef device, ItemCount entityIndex0) 
     return found ? ReferenceAt(found->entities, entityIndex0) : 0;
 }
 
-ItemCount MIDIEntityGetNumberOfSources(MIDIEntityRef entity) {
-    const auto found = core_midi::FindEntity(entity);
-    return found ? found->sources.size() : 0;
-}
-
 MIDIEndpointRef MIDIEntityGetSource(MIDIEntityRef entity, ItemCount sourceIndex0) {
     const auto found = core_midi::FindEntity(entity);
     return found ? ReferenceAt(found->sources, sourceIndex0) : 0;
-}
-
-ItemCount MIDIEntityGetNumberOfDestinations(MIDIEntityRef entity) {
-    const auto found = core_midi::FindEntity(entity);
-    return found ? found->destinations.size() : 0;
 }
 
 MIDIEndpointRef MIDIEntityGetDestination(MIDIEntityRef entity, ItemCount destIndex0) {

@@ -83,10 +83,6 @@ Boolean CFMessagePortIsValid(CFMessagePortRef ms) {
     return Implementation<Port>(ms, __func__).IsValid();
 }
 
-Boolean CFMessagePortIsRemote(CFMessagePortRef ms) {
-    return Implementation<Port>(ms, __func__).IsRemote();
-}
-
 CFStringRef CFMessagePortGetName(CFMessagePortRef ms) {
     return Implementation<Port>(ms, __func__).Name();
 }

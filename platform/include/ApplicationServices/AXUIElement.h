@@ -32,7 +32,6 @@ extern "C" {
 // Key of AXIsProcessTrustedWithOptions: whether the system may prompt the user.
 extern CFStringRef kAXTrustedCheckOptionPrompt;
 
-Boolean AXIsProcessTrusted(void);
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options);  // null: no prompt
 
 CFTypeID AXUIElementGetTypeID(void);
@@ -47,11 +46,6 @@ AXError AXUIElementCopyActionNames(AXUIElementRef element, CFArrayRef* names);
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                       CFTypeRef* value);
 
-// At most maxValues values of an array attribute from `index` on. kAXErrorIllegalArgument when the
-// index is out of range or the value is no array.
-AXError AXUIElementCopyAttributeValues(AXUIElementRef element, CFStringRef attribute, CFIndex index,
-                                       CFIndex maxValues, CFArrayRef* values);
-
 // One value per name, in order; in place of one that cannot be had stands an AXValue with its
 // error. With kAXCopyMultipleAttributeOptionStopOnError the first such error is the result instead.
 // An application that misbehaves can answer fewer values, or none.
@@ -64,9 +58,6 @@ AXError AXUIElementIsAttributeSettable(AXUIElementRef element, CFStringRef attri
 AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                      CFTypeRef value);
 AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action);
-
-// Local.
-AXError AXUIElementGetPid(AXUIElementRef element, pid_t* pid);
 
 // Local. Seconds; 0 goes back to the default, less is an illegal argument. On the system-wide
 // element it holds for the whole process, on another for that very object only, not for objects

@@ -23,15 +23,10 @@ extern const CFArrayCallBacks kCFTypeArrayCallBacks;
 CFTypeID CFArrayGetTypeID(void);
 CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const void** values, CFIndex numValues,
                          const CFArrayCallBacks* callBacks);
-CFArrayRef CFArrayCreateCopy(CFAllocatorRef allocator, CFArrayRef theArray);
 CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                        const CFArrayCallBacks* callBacks);
 CFIndex CFArrayGetCount(CFArrayRef theArray);
 const void* CFArrayGetValueAtIndex(CFArrayRef theArray, CFIndex idx);  // stops outside the array
-// kCFNotFound when absent.
-CFIndex CFArrayGetFirstIndexOfValue(CFArrayRef theArray, CFRange range, const void* value);
-Boolean CFArrayContainsValue(CFArrayRef theArray, CFRange range, const void* value);
 void CFArrayAppendValue(CFMutableArrayRef theArray, const void* value);
-void CFArrayRemoveAllValues(CFMutableArrayRef theArray);
 
 }  // extern "C"

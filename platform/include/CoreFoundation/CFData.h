@@ -7,7 +7,6 @@ extern "C" {
 
 CFTypeID CFDataGetTypeID(void);
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);  // copies
-CFDataRef CFDataCreateCopy(CFAllocatorRef allocator, CFDataRef theData);
 CFMutableDataRef CFDataCreateMutable(CFAllocatorRef allocator, CFIndex capacity);  // 0: no limit
 void CFDataAppendBytes(CFMutableDataRef theData, const UInt8* bytes, CFIndex length);
 CFIndex CFDataGetLength(CFDataRef theData);

@@ -54,7 +54,6 @@ SInt32 CFMessagePortSendRequest(CFMessagePortRef remote, SInt32 msgid, CFDataRef
 
 void CFMessagePortInvalidate(CFMessagePortRef port);
 Boolean CFMessagePortIsValid(CFMessagePortRef port);
-Boolean CFMessagePortIsRemote(CFMessagePortRef port);
 CFStringRef CFMessagePortGetName(CFMessagePortRef port);
 void CFMessagePortSetInvalidationCallBack(CFMessagePortRef port,
                                           CFMessagePortInvalidationCallBack callout);

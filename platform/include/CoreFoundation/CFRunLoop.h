@@ -96,7 +96,5 @@ void CFRunLoopTimerInvalidate(CFRunLoopTimerRef timer);
 Boolean CFRunLoopTimerIsValid(CFRunLoopTimerRef timer);
 CFTimeInterval CFRunLoopTimerGetInterval(CFRunLoopTimerRef timer);      // 0: fires once
 CFAbsoluteTime CFRunLoopTimerGetNextFireDate(CFRunLoopTimerRef timer);  // 0 when invalid
-// From inside the timer's callback only a date later than the one it fires for is heeded.
-void CFRunLoopTimerSetNextFireDate(CFRunLoopTimerRef timer, CFAbsoluteTime fireDate);
 
 }  // extern "C"

@@ -61,29 +61,19 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef alloc, const UInt8* bytes, CF
                                     CFStringEncoding encoding, Boolean isExternalRepresentation);
 CFStringRef CFStringCreateWithCharacters(CFAllocatorRef alloc, const UniChar* chars,
                                          CFIndex numChars);
-CFStringRef CFStringCreateWithSubstring(CFAllocatorRef alloc, CFStringRef str, CFRange range);
 CFStringRef CFStringCreateCopy(CFAllocatorRef alloc, CFStringRef theString);
 
 // printf conversions, %@ for objects; %s text is in the system encoding. formatOptions is not used.
 CFStringRef CFStringCreateWithFormat(CFAllocatorRef alloc, CFDictionaryRef formatOptions,
                                      CFStringRef format, ...);
-CFStringRef CFStringCreateWithFormatAndArguments(CFAllocatorRef alloc,
-                                                 CFDictionaryRef formatOptions, CFStringRef format,
-                                                 va_list arguments);
 
 // maxLength is a hint; 0 means none.
 CFMutableStringRef CFStringCreateMutable(CFAllocatorRef alloc, CFIndex maxLength);
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef alloc, CFIndex maxLength,
                                              CFStringRef theString);
-void CFStringAppend(CFMutableStringRef theString, CFStringRef appendedString);
-void CFStringAppendCString(CFMutableStringRef theString, const char* cStr,
-                           CFStringEncoding encoding);
-void CFStringAppendFormat(CFMutableStringRef theString, CFDictionaryRef formatOptions,
-                          CFStringRef format, ...);
 void CFStringReplaceAll(CFMutableStringRef theString, CFStringRef replacement);
 
 CFIndex CFStringGetLength(CFStringRef theString);
-UniChar CFStringGetCharacterAtIndex(CFStringRef theString, CFIndex idx);
 void CFStringGetCharacters(CFStringRef theString, CFRange range, UniChar* buffer);
 
 // bufferSize counts the terminating NUL. False, with an empty string in the buffer, when the text
@@ -103,11 +93,7 @@ CFStringEncoding CFStringGetSystemEncoding(void);  // MacRoman
 // Only options 0 (by code units) is provided.
 CFComparisonResult CFStringCompare(CFStringRef theString1, CFStringRef theString2,
                                    CFStringCompareFlags compareOptions);
-// {kCFNotFound, 0} when absent; an empty needle is never found. Only options 0 is provided.
-CFRange CFStringFind(CFStringRef theString, CFStringRef stringToFind,
-                     CFStringCompareFlags compareOptions);
 Boolean CFStringHasPrefix(CFStringRef theString, CFStringRef prefix);
-Boolean CFStringHasSuffix(CFStringRef theString, CFStringRef suffix);
 
 // The number that the text begins with: 0 when there is none, held at the limits of 32 bits.
 SInt32 CFStringGetIntValue(CFStringRef str);

@@ -78,16 +78,13 @@ OSStatus MIDIInputPortCreate(MIDIClientRef client, CFStringRef portName, MIDIRea
                              void* refCon, MIDIPortRef* outPort);
 OSStatus MIDIOutputPortCreate(MIDIClientRef client, CFStringRef portName, MIDIPortRef* outPort);
 OSStatus MIDIPortConnectSource(MIDIPortRef port, MIDIEndpointRef source, void* connRefCon);
-OSStatus MIDIPortDisconnectSource(MIDIPortRef port, MIDIEndpointRef source);
 
 // Counts are 0, and references 0, when there is no such object.
 ItemCount MIDIGetNumberOfDevices(void);
 MIDIDeviceRef MIDIGetDevice(ItemCount deviceIndex0);
 ItemCount MIDIDeviceGetNumberOfEntities(MIDIDeviceRef device);
 MIDIEntityRef MIDIDeviceGetEntity(MIDIDeviceRef device, ItemCount entityIndex0);
-ItemCount MIDIEntityGetNumberOfSources(MIDIEntityRef entity);
 MIDIEndpointRef MIDIEntityGetSource(MIDIEntityRef entity, ItemCount sourceIndex0);
-ItemCount MIDIEntityGetNumberOfDestinations(MIDIEntityRef entity);
 MIDIEndpointRef MIDIEntityGetDestination(MIDIEntityRef entity, ItemCount destIndex0);
 
 // The caller releases *str. kMIDIUnknownProperty or kMIDIObjectNotFound leave it as it was.

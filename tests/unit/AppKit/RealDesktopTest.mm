@@ -79,7 +79,7 @@ class RealDesktop : public testing::Test {
 TEST_F(RealDesktop, AnswersEveryFramework) {
     Start();
     EXPECT_EQ(FrontPid(), 501);
-    EXPECT_TRUE(AXIsProcessTrusted());
+    EXPECT_TRUE(AXIsProcessTrustedWithOptions(nullptr));
     EXPECT_EQ(ReadWindows(), kAXErrorSuccess);
     EXPECT_EQ([NSEvent mouseLocation].y, 700);
     EXPECT_EQ([[NSScreen mainScreen] frame].size.width, 1440);
@@ -133,7 +133,7 @@ TEST_F(RealDesktop, KilledDesktopLeavesAnEmptySessionAndTheNextOneIsFound) {
     EXPECT_EQ(FrontPid(), 501);
     Kill();
     EXPECT_EQ(ReadWindows(), kAXErrorAPIDisabled);
-    EXPECT_FALSE(AXIsProcessTrusted());
+    EXPECT_FALSE(AXIsProcessTrustedWithOptions(nullptr));
     RunForOneDelivery();
     EXPECT_EQ([[NSWorkspace sharedWorkspace] frontmostApplication], nil);
     Start();

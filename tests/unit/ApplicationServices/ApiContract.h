@@ -8,13 +8,10 @@
 
 #define HAS_SIGNATURE(function, ...) static_assert(std::is_same_v<decltype(function), __VA_ARGS__>)
 
-HAS_SIGNATURE(AXIsProcessTrusted, Boolean());
 HAS_SIGNATURE(AXIsProcessTrustedWithOptions, Boolean(CFDictionaryRef));
 HAS_SIGNATURE(AXUIElementCreateApplication, AXUIElementRef(pid_t));
 HAS_SIGNATURE(AXUIElementCreateSystemWide, AXUIElementRef());
 HAS_SIGNATURE(AXUIElementCopyAttributeValue, AXError(AXUIElementRef, CFStringRef, CFTypeRef*));
-HAS_SIGNATURE(AXUIElementCopyAttributeValues,
-              AXError(AXUIElementRef, CFStringRef, CFIndex, CFIndex, CFArrayRef*));
 HAS_SIGNATURE(AXUIElementCopyMultipleAttributeValues,
               AXError(AXUIElementRef, CFArrayRef, AXCopyMultipleAttributeOptions, CFArrayRef*));
 HAS_SIGNATURE(AXUIElementSetAttributeValue, AXError(AXUIElementRef, CFStringRef, CFTypeRef));
@@ -22,7 +19,6 @@ HAS_SIGNATURE(AXUIElementIsAttributeSettable, AXError(AXUIElementRef, CFStringRe
 HAS_SIGNATURE(AXUIElementPerformAction, AXError(AXUIElementRef, CFStringRef));
 HAS_SIGNATURE(AXUIElementCopyAttributeNames, AXError(AXUIElementRef, CFArrayRef*));
 HAS_SIGNATURE(AXUIElementCopyActionNames, AXError(AXUIElementRef, CFArrayRef*));
-HAS_SIGNATURE(AXUIElementGetPid, AXError(AXUIElementRef, pid_t*));
 HAS_SIGNATURE(AXUIElementSetMessagingTimeout, AXError(AXUIElementRef, float));
 HAS_SIGNATURE(AXUIElementGetTypeID, CFTypeID());
 HAS_SIGNATURE(AXValueCreate, AXValueRef(AXValueType, const void*));

@@ -116,8 +116,6 @@ TEST_F(ElementCalls, ApplicationThatDoesNotAnswerInTimeGivesCannotComplete) {
               kAXErrorCannotComplete);
     EXPECT_EQ(AXUIElementCopyMultipleAttributeValues(button_, attributes, 0, &values),
               kAXErrorCannotComplete);
-    EXPECT_EQ(AXUIElementCopyAttributeValues(button_, kAXChildrenAttribute, 0, 1, &values),
-              kAXErrorCannotComplete);
     EXPECT_EQ(AXUIElementCopyAttributeNames(button_, &values), kAXErrorCannotComplete);
     EXPECT_EQ(AXUIElementCopyActionNames(button_, &values), kAXErrorCannotComplete);
     EXPECT_EQ(AXUIElementIsAttributeSettable(button_, kAXTitleAttribute, &settable),
@@ -137,7 +135,7 @@ TEST_F(ElementCalls, WithoutADesktopNobodyIsTrusted) {
     EXPECT_EQ(AXUIElementCopyAttributeValue(button_, kAXTitleAttribute, &value),
               kAXErrorAPIDisabled);
     EXPECT_EQ(AXUIElementPerformAction(button_, kAXPressAction), kAXErrorAPIDisabled);
-    EXPECT_FALSE(AXIsProcessTrusted());
+    EXPECT_FALSE(AXIsProcessTrustedWithOptions(nullptr));
     EXPECT_EQ(value, nullptr);
     desktop_link::SetTransport(nullptr);
 }
@@ -173,11 +171,6 @@ TEST_F(ElementCalls, NullOrWrongArgumentsAreIllegalAndNeverSent) {
         AXUIElementCopyAttributeValue(button_, nullptr, &value),
         AXUIElementCopyAttributeValue(button_, noText, &value),
         AXUIElementCopyAttributeValue(button_, kAXTitleAttribute, nullptr),
-        AXUIElementCopyAttributeValues(nullptr, kAXChildrenAttribute, 0, 1, &values),
-        AXUIElementCopyAttributeValues(button_, nullptr, 0, 1, &values),
-        AXUIElementCopyAttributeValues(button_, kAXChildrenAttribute, 0, 1, nullptr),
-        AXUIElementCopyAttributeValues(button_, kAXChildrenAttribute, -1, 1, &values),
-        AXUIElementCopyAttributeValues(button_, kAXChildrenAttribute, 0, -1, &values),
         AXUIElementCopyMultipleAttributeValues(nullptr, texts, 0, &values),
         AXUIElementCopyMultipleAttributeValues(NoElement(), texts, 0, &values),
         AXUIElementCopyMultipleAttributeValues(button_, nullptr, 0, &values),
@@ -298,54 +291,6 @@ TEST_F(SeveralAttributes, RolesOfManyElementsShareOneString) {
     EXPECT_NE(At(2), CFArrayGetValueAtIndex(others, 2));
 }
 
-// --- a part of an array attribute ---
-
-class ArrayAttribute : public ElementCalls {
-  protected:
-    ArrayAttribute() { Desktop(Answer({Value{Array{Text("a"), Text("b"), Text("c")}}})); }
-    AXError Copy(CFIndex index, CFIndex maxValues) {
-        return AXUIElementCopyAttributeValues(button_, kAXChildrenAttribute, index, maxValues,
-                                              values_.Out());
-    }
-    std::string Copied() {
-        std::string joined;
-        for (CFIndex i = 0; i < CFArrayGetCount(values_); ++i) {
-            char text[8];
-            CFStringGetCString(static_cast<CFStringRef>(CFArrayGetValueAtIndex(values_, i)), text,
-                               sizeof text, kCFStringEncodingUTF8);
-            joined += text;
-        }
-        return joined;
-    }
-
-    OwnedArray values_;
-};
-
-TEST_F(ArrayAttribute, IsCutToTheRangeAndToItsEnd) {
-    EXPECT_EQ(Copy(0, 2), kAXErrorSuccess);
-    EXPECT_EQ(Copied(), "ab");
-    EXPECT_EQ(Copy(1, 100), kAXErrorSuccess);
-    EXPECT_EQ(Copied(), "bc");
-    EXPECT_EQ(Copy(2, 0), kAXErrorSuccess);
-    EXPECT_EQ(Copied(), "");
-}
-
-TEST_F(ArrayAttribute, IndexOutsideIsAnIllegalArgument) {
-    EXPECT_EQ(Copy(3, 1), kAXErrorIllegalArgument);
-    EXPECT_EQ(values_.get(), nullptr);
-}
-
-TEST_F(ArrayAttribute, BeginningOfAnEmptyOneIsNotOutside) {
-    Desktop(Answer({Value{Array{}}}));
-    EXPECT_EQ(Copy(0, 10), kAXErrorSuccess);
-    EXPECT_EQ(CFArrayGetCount(values_), 0);
-}
-
-TEST_F(ArrayAttribute, ValueThatIsNoArrayIsAnIllegalArgument) {
-    Desktop(Answer({Text("text")}));
-    EXPECT_EQ(Copy(0, 1), kAXErrorIllegalArgument);
-}
-
 // --- names, settable, set, act ---
 
 TEST_F(ElementCalls, NamesAreAnsweredAsTexts) {
@@ -413,7 +358,7 @@ TEST(Trust, IsAskedAnewEachTimeAndPromptsOnlyWhenTold) {
         reply.flag = trusted;
         return reply;
     });
-    EXPECT_TRUE(AXIsProcessTrusted());
+    EXPECT_TRUE(AXIsProcessTrustedWithOptions(nullptr));
     trusted = false;
     EXPECT_FALSE(AXIsProcessTrustedWithOptions(nullptr));
 
@@ -456,14 +401,13 @@ TEST(ElementCallsOwnership, EveryCallLeavesNoObjectBehind) {
                   OwnedArray values;
                   Boolean settable = 0;
                   AXUIElementCopyAttributeValue(element, kAXTitleAttribute, value.Out());
-                  AXUIElementCopyAttributeValues(element, kAXTitleAttribute, 1, 1, values.Out());
                   AXUIElementCopyMultipleAttributeValues(element, attributes, 0, values.Out());
                   AXUIElementCopyAttributeNames(element, values.Out());
                   AXUIElementCopyActionNames(element, values.Out());
                   AXUIElementIsAttributeSettable(element, kAXTitleAttribute, &settable);
                   AXUIElementSetAttributeValue(element, kAXValueAttribute, attributes.get());
                   AXUIElementPerformAction(element, kAXPressAction);
-                  AXIsProcessTrusted();
+                  AXIsProcessTrustedWithOptions(nullptr);
               }),
               "");
 }

@@ -11,6 +11,7 @@
 namespace {
 
 using application_services::CreateElement;
+using application_services::ReferenceOf;
 using application_services::TimeoutOf;
 using desktop_link::Reply;
 using desktop_link::Request;
@@ -35,21 +36,9 @@ TEST(Element, OfAnApplicationIsMadeForAnyProcessIdWithoutContact) {
     for (const pid_t pid : {501, 0, -1}) {
         const OwnedElement element = AXUIElementCreateApplication(pid);
         ASSERT_NE(element.get(), nullptr);
-        pid_t read = 12345;
-        EXPECT_EQ(AXUIElementGetPid(element, &read), kAXErrorSuccess);
-        EXPECT_EQ(read, pid);
+        EXPECT_EQ(ReferenceOf(element).pid, pid);
     }
     EXPECT_TRUE(desktop.Requests().empty());
-}
-
-TEST(Element, GetPidOfWhatIsNoElementOrIntoNothingIsAnIllegalArgument) {
-    pid_t pid = 7;
-    const OwnedElement element = AXUIElementCreateApplication(501);
-    EXPECT_EQ(AXUIElementGetPid(nullptr, &pid), kAXErrorIllegalArgument);
-    EXPECT_EQ(AXUIElementGetPid(reinterpret_cast<AXUIElementRef>(CFSTR("text")), &pid),
-              kAXErrorIllegalArgument);
-    EXPECT_EQ(AXUIElementGetPid(element, nullptr), kAXErrorIllegalArgument);
-    EXPECT_EQ(pid, 7);
 }
 
 TEST(Element, ObjectsOfOneControlAreEqualAndHashAlike) {

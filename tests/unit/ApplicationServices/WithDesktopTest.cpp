@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "desktop/InProcessTransport.h"
+#include "platform/ApplicationServices/Element.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/OwnedObject.h"
 
@@ -79,9 +80,7 @@ TEST_F(WithDesktop, TreeIsReadDownFromTheApplicationAndUpAgain) {
     EXPECT_EQ(Number(value), 1);
     EXPECT_EQ(Copy(box, kAXParentAttribute, parent), kAXErrorSuccess);
     EXPECT_TRUE(CFEqual(parent.get(), Control(-1).get()));
-    pid_t pid = 0;
-    EXPECT_EQ(AXUIElementGetPid(box, &pid), kAXErrorSuccess);
-    EXPECT_EQ(pid, 501);
+    EXPECT_EQ(application_services::ReferenceOf(box).pid, 501);
 }
 
 TEST_F(WithDesktop, FrameOfAWindowIsAPointAndASize) {
@@ -152,10 +151,10 @@ TEST_F(WithDesktop, HungApplicationCannotCompleteAndADeadOnesElementsAreInvalid)
 
 TEST_F(WithDesktop, UntrustedProcessIsToldThatTheInterfaceIsDisabled) {
     const OwnedElement box = Control(0);
-    EXPECT_TRUE(AXIsProcessTrusted());
+    EXPECT_TRUE(AXIsProcessTrustedWithOptions(nullptr));
     EXPECT_EQ(desktop_.Run(R"({"command": "trust", "trusted": false})"), R"({"ok":true})");
     Owned value;
-    EXPECT_FALSE(AXIsProcessTrusted());
+    EXPECT_FALSE(AXIsProcessTrustedWithOptions(nullptr));
     EXPECT_EQ(Copy(box, kAXValueAttribute, value), kAXErrorAPIDisabled);
     const OwnedEvent event = CGEventCreateKeyboardEvent(nullptr, 1, true);
     CGEventPost(kCGHIDEventTap, event);

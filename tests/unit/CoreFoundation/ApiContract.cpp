@@ -30,24 +30,14 @@ static_assert(kIs<decltype(CFStringCreateWithBytes),
                   CFStringRef(CFAllocatorRef, const UInt8*, CFIndex, CFStringEncoding, Boolean)>);
 static_assert(kIs<decltype(CFStringCreateWithCharacters),
                   CFStringRef(CFAllocatorRef, const UniChar*, CFIndex)>);
-static_assert(
-    kIs<decltype(CFStringCreateWithSubstring), CFStringRef(CFAllocatorRef, CFStringRef, CFRange)>);
 static_assert(kIs<decltype(CFStringCreateCopy), CFStringRef(CFAllocatorRef, CFStringRef)>);
 static_assert(kIs<decltype(CFStringCreateWithFormat),
                   CFStringRef(CFAllocatorRef, CFDictionaryRef, CFStringRef, ...)>);
-static_assert(kIs<decltype(CFStringCreateWithFormatAndArguments),
-                  CFStringRef(CFAllocatorRef, CFDictionaryRef, CFStringRef, va_list)>);
 static_assert(kIs<decltype(CFStringCreateMutable), CFMutableStringRef(CFAllocatorRef, CFIndex)>);
 static_assert(kIs<decltype(CFStringCreateMutableCopy),
                   CFMutableStringRef(CFAllocatorRef, CFIndex, CFStringRef)>);
-static_assert(kIs<decltype(CFStringAppend), void(CFMutableStringRef, CFStringRef)>);
-static_assert(
-    kIs<decltype(CFStringAppendCString), void(CFMutableStringRef, const char*, CFStringEncoding)>);
-static_assert(kIs<decltype(CFStringAppendFormat),
-                  void(CFMutableStringRef, CFDictionaryRef, CFStringRef, ...)>);
 static_assert(kIs<decltype(CFStringReplaceAll), void(CFMutableStringRef, CFStringRef)>);
 static_assert(kIs<decltype(CFStringGetLength), CFIndex(CFStringRef)>);
-static_assert(kIs<decltype(CFStringGetCharacterAtIndex), UniChar(CFStringRef, CFIndex)>);
 static_assert(kIs<decltype(CFStringGetCharacters), void(CFStringRef, CFRange, UniChar*)>);
 static_assert(
     kIs<decltype(CFStringGetCString), Boolean(CFStringRef, char*, CFIndex, CFStringEncoding)>);
@@ -59,15 +49,12 @@ static_assert(
 static_assert(kIs<decltype(CFStringGetSystemEncoding), CFStringEncoding()>);
 static_assert(kIs<decltype(CFStringCompare),
                   CFComparisonResult(CFStringRef, CFStringRef, CFStringCompareFlags)>);
-static_assert(kIs<decltype(CFStringFind), CFRange(CFStringRef, CFStringRef, CFStringCompareFlags)>);
 static_assert(kIs<decltype(CFStringHasPrefix), Boolean(CFStringRef, CFStringRef)>);
-static_assert(kIs<decltype(CFStringHasSuffix), Boolean(CFStringRef, CFStringRef)>);
 static_assert(kIs<decltype(CFStringGetIntValue), SInt32(CFStringRef)>);
 
 // CFData.h
 static_assert(kIs<decltype(CFDataGetTypeID), CFTypeID()>);
 static_assert(kIs<decltype(CFDataCreate), CFDataRef(CFAllocatorRef, const UInt8*, CFIndex)>);
-static_assert(kIs<decltype(CFDataCreateCopy), CFDataRef(CFAllocatorRef, CFDataRef)>);
 static_assert(kIs<decltype(CFDataCreateMutable), CFMutableDataRef(CFAllocatorRef, CFIndex)>);
 static_assert(kIs<decltype(CFDataAppendBytes), void(CFMutableDataRef, const UInt8*, CFIndex)>);
 static_assert(kIs<decltype(CFDataGetLength), CFIndex(CFDataRef)>);
@@ -78,16 +65,11 @@ static_assert(kIs<decltype(CFDataGetBytes), void(CFDataRef, CFRange, UInt8*)>);
 static_assert(kIs<decltype(CFArrayGetTypeID), CFTypeID()>);
 static_assert(kIs<decltype(CFArrayCreate),
                   CFArrayRef(CFAllocatorRef, const void**, CFIndex, const CFArrayCallBacks*)>);
-static_assert(kIs<decltype(CFArrayCreateCopy), CFArrayRef(CFAllocatorRef, CFArrayRef)>);
 static_assert(kIs<decltype(CFArrayCreateMutable),
                   CFMutableArrayRef(CFAllocatorRef, CFIndex, const CFArrayCallBacks*)>);
 static_assert(kIs<decltype(CFArrayGetCount), CFIndex(CFArrayRef)>);
 static_assert(kIs<decltype(CFArrayGetValueAtIndex), const void*(CFArrayRef, CFIndex)>);
-static_assert(
-    kIs<decltype(CFArrayGetFirstIndexOfValue), CFIndex(CFArrayRef, CFRange, const void*)>);
-static_assert(kIs<decltype(CFArrayContainsValue), Boolean(CFArrayRef, CFRange, const void*)>);
 static_assert(kIs<decltype(CFArrayAppendValue), void(CFMutableArrayRef, const void*)>);
-static_assert(kIs<decltype(CFArrayRemoveAllValues), void(CFMutableArrayRef)>);
 
 // CFDictionary.h
 static_assert(kIs<decltype(CFDictionaryGetTypeID), CFTypeID()>);
@@ -95,13 +77,10 @@ static_assert(
     kIs<decltype(CFDictionaryCreate),
         CFDictionaryRef(CFAllocatorRef, const void**, const void**, CFIndex,
                         const CFDictionaryKeyCallBacks*, const CFDictionaryValueCallBacks*)>);
-static_assert(
-    kIs<decltype(CFDictionaryCreateCopy), CFDictionaryRef(CFAllocatorRef, CFDictionaryRef)>);
 static_assert(kIs<decltype(CFDictionaryCreateMutable),
                   CFMutableDictionaryRef(CFAllocatorRef, CFIndex, const CFDictionaryKeyCallBacks*,
                                          const CFDictionaryValueCallBacks*)>);
 static_assert(kIs<decltype(CFDictionaryGetCount), CFIndex(CFDictionaryRef)>);
-static_assert(kIs<decltype(CFDictionaryContainsKey), Boolean(CFDictionaryRef, const void*)>);
 static_assert(kIs<decltype(CFDictionaryGetValue), const void*(CFDictionaryRef, const void*)>);
 static_assert(kIs<decltype(CFDictionaryGetValueIfPresent),
                   Boolean(CFDictionaryRef, const void*, const void**)>);

@@ -5,14 +5,8 @@
 #include <type_traits>
 
 static_assert(std::is_same_v<decltype(&CFBundleGetMainBundle), CFBundleRef (*)()>);
-static_assert(std::is_same_v<decltype(&CFBundleCreate), CFBundleRef (*)(CFAllocatorRef, CFURLRef)>);
 static_assert(std::is_same_v<decltype(&CFBundleCopyLocalizedString),
                              CFStringRef (*)(CFBundleRef, CFStringRef, CFStringRef, CFStringRef)>);
-static_assert(std::is_same_v<decltype(&CFBundleGetIdentifier), CFStringRef (*)(CFBundleRef)>);
-static_assert(std::is_same_v<decltype(&CFBundleGetValueForInfoDictionaryKey),
-                             CFTypeRef (*)(CFBundleRef, CFStringRef)>);
-static_assert(std::is_same_v<decltype(kCFBundleIdentifierKey), const CFStringRef>);
-static_assert(std::is_same_v<decltype(kCFBundleVersionKey), const CFStringRef>);
 
 static_assert(std::is_same_v<decltype(&CFURLCreateWithFileSystemPath),
                              CFURLRef (*)(CFAllocatorRef, CFStringRef, CFURLPathStyle, Boolean)>);

@@ -28,8 +28,10 @@ CFIndex Number(const json& step, std::size_t index) {
 }
 
 // Asks only: leaving them out changes nothing for the other steps.
-const std::set<std::string> kQuestionsNotProvided = {"hasvalue", "countkey", "countvalue", "last",
-                                                     "acountof"};
+const std::set<std::string> kQuestionsNotProvided = {
+    "hasvalue",  "countkey", "countvalue",          // of dictionaries
+    "acontains", "acountof", "first",      "last",  // of arrays
+};
 
 }  // namespace
 
@@ -54,9 +56,6 @@ const std::map<std::string, CollectionScript::Operation>& CollectionScript::Oper
         {"marray", &Self::MakeArray},
         {"array", &Self::MakeArray},
         {"array_null0", &Self::MakeArray},
-        {"datacopy", &Self::MakeCopy},
-        {"dictcopy", &Self::MakeCopy},
-        {"arraycopy", &Self::MakeCopy},
         {"scopy", &Self::MakeCopy},
         {"set", &Self::ChangeDictionary},
         {"add", &Self::ChangeDictionary},
@@ -67,13 +66,10 @@ const std::map<std::string, CollectionScript::Operation>& CollectionScript::Oper
         {"getif", &Self::AskDictionary},
         {"haskey", &Self::AskDictionary},
         {"keyis", &Self::AskDictionary},
-        {"append", &Self::ChangeArray},
-        {"clear", &Self::ChangeArray},
+        {"append", &Self::AppendToArray},
         {"acount", &Self::AskArray},
         {"at", &Self::AskArray},
         {"contents", &Self::AskArray},
-        {"first", &Self::AskArray},
-        {"acontains", &Self::AskArray},
         {"len", &Self::ChangeOrAskData},
         {"hex", &Self::ChangeOrAskData},
         {"bytes", &Self::ChangeOrAskData},
@@ -85,8 +81,7 @@ const std::map<std::string, CollectionScript::Operation>& CollectionScript::Oper
         {"same", &Self::AskAnyObject},
         {"retain", &Self::RetainOrRelease},
         {"release", &Self::RetainOrRelease},
-        {"slen", &Self::ChangeOrAskText},
-        {"sappend", &Self::ChangeOrAskText},
+        {"slen", &Self::AskText},
     };
     return operations;
 }
@@ -99,11 +94,25 @@ CollectionScript::~CollectionScript() {
     }
 }
 
+bool CollectionScript::IsQuestion(Operation operation) {
+    using Self = CollectionScript;
+    return operation == &Self::AskDictionary || operation == &Self::AskArray ||
+           operation == &Self::ChangeOrAskData || operation == &Self::AskAnyObject ||
+           operation == &Self::AskText;
+}
+
 bool CollectionScript::CanRun(const json& steps) {
-    return std::all_of(steps.begin(), steps.end(), [](const json& step) {
-        const auto operation = step.at(0).get<std::string>();
-        return Operations().contains(operation) || kQuestionsNotProvided.contains(operation);
-    });
+    bool asks = false;
+    for (const json& step : steps) {
+        const auto name = step.at(0).get<std::string>();
+        const auto operation = Operations().find(name);
+        if (operation != Operations().end()) {
+            asks = asks || IsQuestion(operation->second);
+        } else if (!kQuestionsNotProvided.contains(name)) {
+            return false;
+        }
+    }
+    return asks;
 }
 
 std::string CollectionScript::Run(const json& steps, const json& results) {
@@ -240,15 +249,7 @@ json CollectionScript::MakeArray(const Step& step) {
 }
 
 json CollectionScript::MakeCopy(const Step& step) {
-    const auto kind = step.at(0).get<std::string>();
-    Keep(step, kind == "datacopy"    ? static_cast<CFTypeRef>(CFDataCreateCopy(
-                                           kCFAllocatorDefault, Object<CFDataRef>(step, 2)))
-               : kind == "dictcopy"  ? static_cast<CFTypeRef>(CFDictionaryCreateCopy(
-                                           kCFAllocatorDefault, Object<CFDictionaryRef>(step, 2)))
-               : kind == "arraycopy" ? static_cast<CFTypeRef>(CFArrayCreateCopy(
-                                           kCFAllocatorDefault, Object<CFArrayRef>(step, 2)))
-                                     : static_cast<CFTypeRef>(CFStringCreateCopy(
-                                           kCFAllocatorDefault, Object<CFStringRef>(step, 2))));
+    Keep(step, CFStringCreateCopy(kCFAllocatorDefault, Object<CFStringRef>(step, 2)));
     return nullptr;
 }
 
@@ -278,7 +279,7 @@ json CollectionScript::AskDictionary(const Step& step) {
         return NameOf(CFDictionaryGetValue(dictionary, key));
     }
     if (kind == "haskey") {
-        return static_cast<bool>(CFDictionaryContainsKey(dictionary, key));
+        return static_cast<bool>(CFDictionaryGetValueIfPresent(dictionary, key, nullptr));
     }
     if (kind == "getif") {
         const void* value = this;
@@ -290,13 +291,8 @@ json CollectionScript::AskDictionary(const Step& step) {
     return std::find(keys.begin(), keys.end(), key) != keys.end();
 }
 
-json CollectionScript::ChangeArray(const Step& step) {
-    const auto array = Object<CFMutableArrayRef>(step, 1);
-    if (step.at(0) == "append") {
-        CFArrayAppendValue(array, Object(step, 2));
-    } else {
-        CFArrayRemoveAllValues(array);
-    }
+json CollectionScript::AppendToArray(const Step& step) {
+    CFArrayAppendValue(Object<CFMutableArrayRef>(step, 1), Object(step, 2));
     return nullptr;
 }
 
@@ -309,18 +305,11 @@ json CollectionScript::AskArray(const Step& step) {
     if (kind == "at") {
         return NameOf(CFArrayGetValueAtIndex(array, Number(step, 2)));
     }
-    if (kind == "contents") {
-        json contents = json::array();
-        for (CFIndex index = 0; index < CFArrayGetCount(array); ++index) {
-            contents.push_back(NameOf(CFArrayGetValueAtIndex(array, index)));
-        }
-        return contents;
+    json contents = json::array();
+    for (CFIndex index = 0; index < CFArrayGetCount(array); ++index) {
+        contents.push_back(NameOf(CFArrayGetValueAtIndex(array, index)));
     }
-    const CFRange range = CFRangeMake(Number(step, 3), Number(step, 4));
-    if (kind == "first") {
-        return CFArrayGetFirstIndexOfValue(array, range, Object(step, 2));
-    }
-    return static_cast<bool>(CFArrayContainsValue(array, range, Object(step, 2)));
+    return contents;
 }
 
 json CollectionScript::ChangeOrAskData(const Step& step) {
@@ -375,10 +364,6 @@ json CollectionScript::RetainOrRelease(const Step& step) {
     return nullptr;
 }
 
-json CollectionScript::ChangeOrAskText(const Step& step) {
-    if (step.at(0) == "slen") {
-        return CFStringGetLength(Object<CFStringRef>(step, 1));
-    }
-    CFStringAppend(Object<CFMutableStringRef>(step, 1), Object<CFStringRef>(step, 2));
-    return nullptr;
+json CollectionScript::AskText(const Step& step) {
+    return CFStringGetLength(Object<CFStringRef>(step, 1));
 }

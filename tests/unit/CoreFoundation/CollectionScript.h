@@ -12,8 +12,8 @@ class CollectionScript {
   public:
     ~CollectionScript();
 
-    // Whether every step that changes an object is a function that the layer has. Steps that only
-    // ask and that it has not are skipped by Run.
+    // Whether every step that changes an object is a function that the layer has, and some step
+    // asks by one. Steps that only ask and that it has not are skipped by Run.
     static bool CanRun(const nlohmann::json& steps);
 
     // "" when each step gives its result, else the first that does not.
@@ -23,6 +23,7 @@ class CollectionScript {
     using Step = nlohmann::json;
     using Operation = nlohmann::json (CollectionScript::*)(const Step& step);
     static const std::map<std::string, Operation>& Operations();
+    static bool IsQuestion(Operation operation);
 
     nlohmann::json MakeText(const Step& step);
     nlohmann::json MakeNumber(const Step& step);
@@ -35,12 +36,12 @@ class CollectionScript {
 
     nlohmann::json ChangeDictionary(const Step& step);
     nlohmann::json AskDictionary(const Step& step);
-    nlohmann::json ChangeArray(const Step& step);
+    nlohmann::json AppendToArray(const Step& step);
     nlohmann::json AskArray(const Step& step);
     nlohmann::json ChangeOrAskData(const Step& step);
     nlohmann::json AskAnyObject(const Step& step);
     nlohmann::json RetainOrRelease(const Step& step);
-    nlohmann::json ChangeOrAskText(const Step& step);
+    nlohmann::json AskText(const Step& step);
 
     const void* Object(const Step& step, std::size_t index) const;
     template <typename Reference>

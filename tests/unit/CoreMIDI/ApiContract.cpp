@@ -13,14 +13,11 @@ HAS_SIGNATURE(MIDIInputPortCreate,
               OSStatus(MIDIClientRef, CFStringRef, MIDIReadProc, void*, MIDIPortRef*));
 HAS_SIGNATURE(MIDIOutputPortCreate, OSStatus(MIDIClientRef, CFStringRef, MIDIPortRef*));
 HAS_SIGNATURE(MIDIPortConnectSource, OSStatus(MIDIPortRef, MIDIEndpointRef, void*));
-HAS_SIGNATURE(MIDIPortDisconnectSource, OSStatus(MIDIPortRef, MIDIEndpointRef));
 HAS_SIGNATURE(MIDIGetNumberOfDevices, ItemCount());
 HAS_SIGNATURE(MIDIGetDevice, MIDIDeviceRef(ItemCount));
 HAS_SIGNATURE(MIDIDeviceGetNumberOfEntities, ItemCount(MIDIDeviceRef));
 HAS_SIGNATURE(MIDIDeviceGetEntity, MIDIEntityRef(MIDIDeviceRef, ItemCount));
-HAS_SIGNATURE(MIDIEntityGetNumberOfSources, ItemCount(MIDIEntityRef));
 HAS_SIGNATURE(MIDIEntityGetSource, MIDIEndpointRef(MIDIEntityRef, ItemCount));
-HAS_SIGNATURE(MIDIEntityGetNumberOfDestinations, ItemCount(MIDIEntityRef));
 HAS_SIGNATURE(MIDIEntityGetDestination, MIDIEndpointRef(MIDIEntityRef, ItemCount));
 HAS_SIGNATURE(MIDIObjectGetStringProperty, OSStatus(MIDIObjectRef, CFStringRef, CFStringRef*));
 

@@ -120,16 +120,6 @@ TEST_F(MidiClients, OnlyAnInputPortCanBeConnected) {
     EXPECT_TRUE(desktop.Requests().empty());
 }
 
-TEST_F(MidiClients, DisconnectingWhatIsNotConnectedSaysSo) {
-    ScriptedTransport desktop(Connecting(0));
-    const MIDIPortRef port = InputPort();
-    EXPECT_EQ(MIDIPortDisconnectSource(port, 3), kMIDINoConnection);
-    MIDIPortConnectSource(port, 3, nullptr);
-    EXPECT_EQ(MIDIPortDisconnectSource(port, 3), 0);
-    EXPECT_EQ(MIDIPortDisconnectSource(port, 3), kMIDINoConnection);
-    EXPECT_EQ(MIDIPortDisconnectSource(0, 3), kMIDIInvalidPort);
-}
-
 TEST_F(MidiClients, NthCreationOfAKindCanBeMadeToFail) {
     FailMidiCreation(MidiCreation::client, 1);
     FailMidiCreation(MidiCreation::inputPort, 2);

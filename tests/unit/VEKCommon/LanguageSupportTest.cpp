@@ -184,9 +184,9 @@ TEST_F(LanguageSupport, StringFromTheDictionaryIsNotRetained) {
 TEST_F(LanguageSupport, EchoedKeyIsACopyThatTheCallerOwns) {
     CLanguageSupport support("de");
     const OwnedObject<CFMutableStringRef> key = CFStringCreateMutable(kCFAllocatorDefault, 0);
-    CFStringAppend(key, CFSTR("Color Board"));
+    CFStringReplaceAll(key, CFSTR("Color Board"));
     const OwnedObject<CFStringRef> copy = support.CopyStringForKey(key);
-    CFStringAppend(key, CFSTR(" changed"));
+    CFStringReplaceAll(key, CFSTR("changed"));
     EXPECT_EQ(Utf8(copy), "Color Board");
 }
 

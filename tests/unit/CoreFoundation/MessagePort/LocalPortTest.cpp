@@ -34,7 +34,6 @@ TEST_F(LocalPortTest, NewPortIsValidAndHasItsName) {
     ASSERT_NE(port, nullptr);
     EXPECT_FALSE(shouldFreeInfo);
     EXPECT_TRUE(CFMessagePortIsValid(port));
-    EXPECT_FALSE(CFMessagePortIsRemote(port));
     EXPECT_TRUE(CFEqual(CFMessagePortGetName(port), CFSTR("KRT9Background")));
     EXPECT_EQ(CFGetTypeID(port), CFMessagePortGetTypeID());
     EXPECT_EQ(CFGetRetainCount(port), 1);

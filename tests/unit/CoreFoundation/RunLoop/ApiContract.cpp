@@ -44,8 +44,6 @@ static_assert(kIs<decltype(CFRunLoopTimerInvalidate), void(CFRunLoopTimerRef)>);
 static_assert(kIs<decltype(CFRunLoopTimerIsValid), Boolean(CFRunLoopTimerRef)>);
 static_assert(kIs<decltype(CFRunLoopTimerGetInterval), CFTimeInterval(CFRunLoopTimerRef)>);
 static_assert(kIs<decltype(CFRunLoopTimerGetNextFireDate), CFAbsoluteTime(CFRunLoopTimerRef)>);
-static_assert(
-    kIs<decltype(CFRunLoopTimerSetNextFireDate), void(CFRunLoopTimerRef, CFAbsoluteTime)>);
 static_assert(kIs<std::underlying_type_t<CFRunLoopRunResult>, SInt32>);
 static_assert(kCFRunLoopRunFinished == 1 && kCFRunLoopRunStopped == 2 &&
               kCFRunLoopRunTimedOut == 3 && kCFRunLoopRunHandledSource == 4);
@@ -70,7 +68,6 @@ static_assert(kIs<decltype(CFMessagePortSendRequest),
                          CFStringRef, CFDataRef*)>);
 static_assert(kIs<decltype(CFMessagePortInvalidate), void(CFMessagePortRef)>);
 static_assert(kIs<decltype(CFMessagePortIsValid), Boolean(CFMessagePortRef)>);
-static_assert(kIs<decltype(CFMessagePortIsRemote), Boolean(CFMessagePortRef)>);
 static_assert(kIs<decltype(CFMessagePortGetName), CFStringRef(CFMessagePortRef)>);
 static_assert(kIs<decltype(CFMessagePortSetInvalidationCallBack),
                   void(CFMessagePortRef, CFMessagePortInvalidationCallBack)>);

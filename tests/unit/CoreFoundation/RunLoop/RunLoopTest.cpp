@@ -121,9 +121,9 @@ TEST(RunLoopRun, ModeIsNamedByItsTextAlone) {
     Scene scene;
     int performs = 0;
     const CFMutableStringRef same = CFStringCreateMutable(nullptr, 0);
-    CFStringAppend(same, scene.Custom());
+    CFStringReplaceAll(same, scene.Custom());
     CFRunLoopSourceSignal(scene.AddSource([&] { ++performs; }, same));
-    CFStringAppend(same, CFSTR(" changed"));
+    CFStringReplaceAll(same, CFSTR("changed"));
     EXPECT_EQ(scene.Run(1, true, scene.Custom()), kCFRunLoopRunHandledSource);
     CFRelease(same);
 }

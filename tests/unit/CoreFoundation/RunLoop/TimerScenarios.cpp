@@ -209,24 +209,6 @@ Result AddInCallback() {
     return {{"return", NameOf(result)}, {"fired", fired}, {"before_timeout", scene.Time() < 0.4}};
 }
 
-Result SetNextFireDate(double interval) {
-    Scene scene;
-    std::vector<double> fires;
-    CFRunLoopTimerRef timer = nullptr;
-    timer = scene.AddTimer(0.1, interval, [&] {
-        fires.push_back(scene.Time());
-        if (fires.size() == 1) {
-            CFRunLoopTimerSetNextFireDate(timer, CFAbsoluteTimeGetCurrent() + 0.3);
-        }
-    });
-    scene.Run(0.6);
-    Result result = {{"fires", fires.size()}};
-    if (fires.size() > 1) {
-        result["second_tenths_after_first"] = Tenths(fires[1] - fires[0]);
-    }
-    return result;
-}
-
 }  // namespace
 
 const Scenarios& TimerScenarios() {
@@ -247,8 +229,6 @@ const Scenarios& TimerScenarios() {
         {"timers-by-date", [] { return ByDate(0.15, 0.05, 0); }},
         {"timers-by-date-both-due", [] { return ByDate(0.1, 0.05, 0.2); }},
         {"add-in-callback", AddInCallback},
-        {"set-next-fire-date", [] { return SetNextFireDate(10); }},
-        {"set-next-fire-date-oneshot", [] { return SetNextFireDate(0); }},
     };
     return scenarios;
 }

@@ -1,3 +1,5 @@
+#import <Foundation/Foundation.h>
+
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,14 +36,21 @@ void Release(std::initializer_list<CFTypeRef> objects) {
     }
 }
 
-// The bundles of the vectors on disk. The library they were measured with knows no list of the
-// user's languages: that is the empty list here.
+// The bundles of the vectors on disk, made as the driver makes them: Core Foundation's bundles are
+// Foundation's here. The library they were measured with knows no list of the user's languages:
+// that is the empty list here.
 class BundleVector : public ::testing::TestWithParam<json> {
   protected:
-    void SetUp() override { setenv("KRT9_LANGUAGES", "", 1); }
-    void TearDown() override { unsetenv("KRT9_LANGUAGES"); }
+    void SetUp() override {
+        pool_ = [[NSAutoreleasePool alloc] init];
+        setenv("KRT9_LANGUAGES", "", 1);
+    }
+    void TearDown() override {
+        unsetenv("KRT9_LANGUAGES");
+        [pool_ release];
+    }
 
-    CFBundleRef NewBundle() {
+    NSBundle* Bundle() {
         const std::string name = GetParam()["input"]["bundle"];
         for (const auto& [file, content] : VectorFile("cfbundle")["bundles"][name].items()) {
             if (content.contains("directory")) {
@@ -50,35 +59,34 @@ class BundleVector : public ::testing::TestWithParam<json> {
                 folder_.Write(std::filesystem::path(name) / file, VectorBytes(content));
             }
         }
-        const CFStringRef path = NewString((folder_.Path() / name).string());
-        const CFURLRef url =
-            CFURLCreateWithFileSystemPath(kCFAllocatorDefault, path, kCFURLPOSIXPathStyle, true);
-        const CFBundleRef bundle = CFBundleCreate(kCFAllocatorDefault, url);
-        Release({path, url});
-        return bundle;
+        NSString* path = [NSString stringWithUTF8String:(folder_.Path() / name).c_str()];
+        return [NSBundle bundleWithURL:[NSURL fileURLWithPath:path isDirectory:YES]];
     }
 
-    json LocalizedString(CFBundleRef bundle) {
+    static json LocalizedString(NSBundle* bundle) {
         const json& input = GetParam()["input"];
         const CFStringRef key = NewString(input["key"]);
         const CFStringRef value = NewString(input["value"]);
         const CFStringRef table = NewString(input["table"]);
-        const CFStringRef string = CFBundleCopyLocalizedString(bundle, key, value, table);
+        const CFStringRef string =
+            CFBundleCopyLocalizedString((CFBundleRef)bundle, key, value, table);
         json answer = TaggedTree(string);
         Release({key, value, table, string});
         return answer;
     }
 
     TemporaryFolder folder_;
+
+  private:
+    NSAutoreleasePool* pool_ = nil;
 };
 
 class LocalizedStringVector : public BundleVector {};
 
 TEST_P(LocalizedStringVector, IsChosenAsMeasured) {
-    const CFBundleRef bundle = NewBundle();
-    const json actual = bundle == nullptr ? json{{"bundle", nullptr}} : LocalizedString(bundle);
+    NSBundle* bundle = Bundle();
+    const json actual = bundle == nil ? json{{"bundle", nullptr}} : LocalizedString(bundle);
     ExpectVector(GetParam(), actual, GetParam()["result"], kKnownDifferences);
-    Release({bundle});
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -91,22 +99,24 @@ INSTANTIATE_TEST_SUITE_P(
         })),
     VectorName);
 
-// Version number, package type and creator, and the number of entries are answers of functions
-// that the layer does not have.
+// Asked of Foundation's bundle, by which the driver reads its own. Version number, package type and
+// creator, and the number of entries are answers of functions that the layer does not have.
 class InfoVector : public BundleVector {};
 
 TEST_P(InfoVector, IdentifierAndValueAreAsMeasured) {
-    const CFBundleRef bundle = NewBundle();
-    ASSERT_NE(bundle, nullptr);
-    const CFStringRef key = NewString(GetParam()["input"]["key"]);
-    const CFStringRef identifier = CFBundleGetIdentifier(bundle);
-    const json actual{{"identifier", identifier == nullptr ? json() : json(Utf8(identifier))},
-                      {"value", TaggedTree(CFBundleGetValueForInfoDictionaryKey(bundle, key))}};
+    NSBundle* bundle = Bundle();
+    ASSERT_NE(bundle, nil);
+    const std::string key = GetParam()["input"]["key"];
+    NSString* identifier = [bundle bundleIdentifier];
+    const id value =
+        [bundle objectForInfoDictionaryKey:[NSString stringWithUTF8String:key.c_str()]];
+    const json actual{
+        {"identifier", identifier == nil ? json() : json(Utf8((CFStringRef)identifier))},
+        {"value", TaggedTree(value)}};
     const json& result = GetParam()["result"];
     ExpectVector(GetParam(), actual,
                  {{"identifier", result["identifier"]}, {"value", result["value"]}},
                  kKnownDifferences);
-    Release({key, bundle});
 }
 
 INSTANTIATE_TEST_SUITE_P(Reference, InfoVector,
@@ -119,10 +129,8 @@ INSTANTIATE_TEST_SUITE_P(Reference, InfoVector,
 class LayoutVector : public BundleVector {};
 
 TEST_P(LayoutVector, BundleIsCreatedAsMeasured) {
-    const CFBundleRef bundle = NewBundle();
-    ExpectVector(GetParam(), bundle != nullptr, GetParam()["result"]["bundle_created"],
+    ExpectVector(GetParam(), Bundle() != nil, GetParam()["result"]["bundle_created"],
                  kKnownDifferences);
-    Release({bundle});
 }
 
 INSTANTIATE_TEST_SUITE_P(Reference, LayoutVector,
