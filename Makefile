@@ -2,7 +2,9 @@
 
 .PHONY: demo check check-sanitize endurance fuzz fuzz-coverage build lint packages clean
 
-demo: build
+demo: packages
+	@cmake --preset linux >/dev/null
+	@cmake --build --preset linux --target KRT9Background krt9-desktop krt9ctl
 	@scripts/demo
 
 check: build
