@@ -10,8 +10,8 @@
 #include <ApplicationServices/ApplicationServices.h>
 #include <CoreFoundation/CoreFoundation.h>
 
-// Lives as long as the operation whose calls share one wait. Operations may be parts of others: then
-// the wait is the outermost one's. Calls outside of any are all made.
+// Lives as long as the operation whose calls share one wait. Operations may be parts of others:
+// then the wait is the outermost one's. Calls outside of any are all made.
 class OneWait {
   public:
     OneWait();

@@ -21,8 +21,8 @@ struct Program {
 };
 
 // The editor's scene, in which a call to an editor that stands still ends after a second. A tick
-// waits for one such call, and requests are served between the ticks: an answer is never ten seconds
-// away.
+// waits for one such call, and requests are served between the ticks: an answer is never ten
+// seconds away.
 std::string WriteScene(const std::filesystem::path& folder) {
     auto scene = nlohmann::json::parse(std::ifstream(KRT9_SCENES "/editor-10.4.6.json"));
     scene["messagingTimeout"] = 1;
