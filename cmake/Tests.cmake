@@ -6,6 +6,11 @@ find_package(GTest REQUIRED)
 set(KRT9_TEST_RESULTS ${CMAKE_BINARY_DIR}/test-results)
 file(MAKE_DIRECTORY ${KRT9_TEST_RESULTS})
 
+# Paths of this checkout are in one generated header, not on every compiler's command line.
+set(KRT9_GENERATED ${CMAKE_BINARY_DIR}/generated)
+configure_file(${CMAKE_SOURCE_DIR}/tests/support/Paths.h.in
+               ${KRT9_GENERATED}/tests/support/Paths.h @ONLY)
+
 # Tests run once and briefly: what they cost is their compilation.
 set(krt9_test_options -O0 -g1)
 
@@ -29,9 +34,7 @@ function(krt9_add_test name)
     add_executable(${name} ${arg_SOURCES})
     krt9_compile_options(${name})
     target_compile_options(${name} PRIVATE ${krt9_test_options})
-    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
-    target_compile_definitions(${name} PRIVATE KRT9_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
-        KRT9_SCENES="${CMAKE_SOURCE_DIR}/scenes" KRT9_BINARIES="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR} ${KRT9_GENERATED})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
     if(NOT "${arg_SOURCES}" MATCHES "\\.mm")
         target_precompile_headers(${name} REUSE_FROM krt9_test_headers)

@@ -11,6 +11,7 @@
 #include "tests/support/DriverInspector.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
+#include "tests/support/Paths.h"
 #include "workspace/FrontApplication.h"
 
 namespace golden {

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "tests/support/Paths.h"
+
 namespace test_support {
 
 namespace {

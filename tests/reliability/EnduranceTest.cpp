@@ -10,6 +10,7 @@
 #include "tests/reliability/ProcessState.h"
 #include "tests/reliability/RequestMix.h"
 #include "tests/support/LongForm.h"
+#include "tests/support/Paths.h"
 
 namespace {
 

@@ -15,6 +15,7 @@
 #include "tests/reliability/RequestMix.h"
 #include "tests/reliability/WaitUntil.h"
 #include "tests/support/LongForm.h"
+#include "tests/support/Paths.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 
 #include "tests/reliability/WaitUntil.h"
 #include "tests/reliability/WireClient.h"
+#include "tests/support/Paths.h"
 
 namespace test_support {
 

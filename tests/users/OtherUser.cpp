@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Paths.h"
 
 namespace test_support {
 

@@ -13,6 +13,7 @@
 #include "platform/DesktopLink/Messages.h"
 #include "tests/reliability/Trio.h"
 #include "tests/reliability/WireClient.h"
+#include "tests/support/Paths.h"
 #include "tests/users/OtherUser.h"
 
 namespace {

@@ -13,6 +13,7 @@
 
 #include "tests/process/Stage.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Paths.h"
 
 namespace test_support {
 

@@ -13,6 +13,7 @@
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/OwnedObject.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 
 namespace {

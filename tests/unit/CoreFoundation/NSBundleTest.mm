@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/support/Paths.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {

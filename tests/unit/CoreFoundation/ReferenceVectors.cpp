@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <fstream>
 
+#include "tests/support/Paths.h"
+
 using nlohmann::json;
 
 const json& VectorFile(const std::string& group) {

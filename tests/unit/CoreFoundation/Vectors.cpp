@@ -4,6 +4,7 @@
 #include <fstream>
 #include <ostream>
 
+#include "tests/support/Paths.h"
 #include "tests/unit/CoreFoundation/Owned.h"
 
 namespace vectors {

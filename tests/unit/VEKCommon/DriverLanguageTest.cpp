@@ -9,6 +9,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestDriver.h"

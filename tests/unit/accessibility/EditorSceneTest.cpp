@@ -18,6 +18,7 @@
 #include "protocol/MessageCodes.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/accessibility/DriverTest.h"

@@ -3,6 +3,7 @@
 
 #include "Client.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Paths.h"
 
 namespace desktop {
 

@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "SocketClient.h"
+#include "tests/support/Paths.h"
 
 namespace desktop {
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TemporaryFolder.h"
 

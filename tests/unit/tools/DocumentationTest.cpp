@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "DesktopSession.h"
+#include "tests/support/Paths.h"
 
 namespace krt9ctl {
 namespace {

@@ -9,6 +9,7 @@
 
 #include "protocol/MessageCodes.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tools/Bytes.h"
 #include "tools/Reference.h"

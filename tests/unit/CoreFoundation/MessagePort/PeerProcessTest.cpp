@@ -5,6 +5,7 @@
 
 #include "platform/Testing/LogCapture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/CoreFoundation/MessagePort/Ports.h"
 

@@ -6,6 +6,7 @@
 #include <set>
 #include <thread>
 
+#include "tests/support/Paths.h"
 #include "tests/unit/CoreFoundation/RunLoop/Scenarios.h"
 
 namespace run_loop_test {
