@@ -12,7 +12,7 @@ constexpr CFTimeInterval kTickInterval = 0.1;
 
 // Exact and case-sensitive: a longer identifier with this prefix is another application.
 bool IsEditor(NSString* bundleID) {
-    return [bundleID compare:@"com.apple.FinalCut"] == NSOrderedSame;
+    return [bundleID compare:@"com.apple.FinalCut" options:NSLiteralSearch] == NSOrderedSame;
 }
 
 }  // namespace

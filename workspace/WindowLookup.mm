@@ -4,12 +4,13 @@
 #include "workspace/WindowAttributes.h"
 
 bool CVEK_UserSpaceDriver::MatchWindowTitle(NSString* title, NSString* name, bool partial) {
+    // Literal: by default composed and decomposed characters would be the same.
     if (partial) {
         // An empty name is found nowhere.
-        const NSRange found = [title rangeOfString:name];
+        const NSRange found = [title rangeOfString:name options:NSLiteralSearch];
         return found.location != NSNotFound && found.length != 0;
     }
-    return [title compare:name] == NSOrderedSame;
+    return [title compare:name options:NSLiteralSearch] == NSOrderedSame;
 }
 
 AXUIElementRef CVEK_UserSpaceDriver::GetWindowElementWithTitle(NSString* title, bool partial) {

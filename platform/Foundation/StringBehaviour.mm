@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/CoreFoundation/CanonicalText.h"
 #include "platform/CoreFoundation/IntegerText.h"
 #include "platform/CoreFoundation/StringUnits.h"
 #include "platform/CoreFoundation/TextEncoding.h"
@@ -88,28 +89,57 @@ BOOL IsEqual(NSString* self, SEL selector, id other) {
            ([other isKindOfClass:[NSString class]] && IsEqualToString(self, selector, other));
 }
 
-// By code units, so that the answer is NSOrderedSame only for the same text. macOS may also take
-// composed and decomposed characters for the same; the driver promises a literal comparison. Nil,
-// which macOS leaves undefined, comes before every text.
-NSComparisonResult Compare(NSString* self, SEL, NSString* other) {
+// Canonical equivalence, or code units when NSLiteralSearch says so. Nil, which macOS leaves
+// undefined, comes before every text. Other options are GNUstep's affair.
+NSComparisonResult CompareWithOptions(NSString* self, SEL, NSString* other,
+                                      NSStringCompareOptions options) {
     if (other == nil) {
         return NSOrderedDescending;
     }
-    const int order = StringUnits(self).view().compare(StringUnits(other).view());
+    if ((options & ~static_cast<NSUInteger>(NSLiteralSearch)) != 0) {
+        return [self compare:other options:options range:NSMakeRange(0, [self length])];
+    }
+    const StringUnits first(self);
+    const StringUnits second(other);
+    const int order = options == NSLiteralSearch
+                          ? first.view().compare(second.view())
+                          : core_foundation::CompareCanonically(first.view(), second.view());
     return order < 0 ? NSOrderedAscending : order > 0 ? NSOrderedDescending : NSOrderedSame;
 }
 
-// By code units, like the comparison. An empty text is found nowhere, where GNUstep finds it at 0.
-NSRange RangeOfString(NSString* self, SEL, NSString* wanted) {
+NSComparisonResult Compare(NSString* self, SEL selector, NSString* other) {
+    return CompareWithOptions(self, selector, other, 0);
+}
+
+std::optional<core_foundation::FoundText> FindLiterally(std::u16string_view text,
+                                                        std::u16string_view wanted) {
+    const std::size_t location = text.find(wanted);
+    return location == std::u16string_view::npos
+               ? std::nullopt
+               : std::optional(core_foundation::FoundText{location, wanted.size()});
+}
+
+// Finds like the comparison. An empty text is found nowhere, where GNUstep finds it at 0.
+NSRange RangeWithOptions(NSString* self, SEL, NSString* wanted, NSStringCompareOptions options) {
     if (wanted == nil) {
         [NSException raise:NSInvalidArgumentException format:@"rangeOfString: nil argument"];
     }
+    if ((options & ~static_cast<NSUInteger>(NSLiteralSearch)) != 0) {
+        return [self rangeOfString:wanted options:options range:NSMakeRange(0, [self length])];
+    }
     const StringUnits text(self);
     const StringUnits needle(wanted);
-    const std::size_t found =
-        needle.view().empty() ? std::u16string_view::npos : text.view().find(needle.view());
-    return found == std::u16string_view::npos ? NSMakeRange(NSNotFound, 0)
-                                              : NSMakeRange(found, needle.view().size());
+    std::optional<core_foundation::FoundText> found;
+    if (!needle.view().empty()) {
+        found = options == NSLiteralSearch
+                    ? FindLiterally(text.view(), needle.view())
+                    : core_foundation::FindCanonically(text.view(), needle.view());
+    }
+    return found ? NSMakeRange(found->location, found->length) : NSMakeRange(NSNotFound, 0);
+}
+
+NSRange RangeOfString(NSString* self, SEL selector, NSString* wanted) {
+    return RangeWithOptions(self, selector, wanted, 0);
 }
 
 NSStringEncoding DefaultCStringEncoding(Class, SEL) {
@@ -157,7 +187,9 @@ std::vector<Class> StringClasses() {
     ReplaceEverywhere(classes, @selector(isEqualToString:), IsEqualToString);
     ReplaceEverywhere(classes, @selector(isEqual:), IsEqual);
     ReplaceEverywhere(classes, @selector(compare:), Compare);
+    ReplaceEverywhere(classes, @selector(compare:options:), CompareWithOptions);
     ReplaceEverywhere(classes, @selector(rangeOfString:), RangeOfString);
+    ReplaceEverywhere(classes, @selector(rangeOfString:options:), RangeWithOptions);
 
     const SEL defaultEncoding = @selector(defaultCStringEncoding);
     const Class metaclass = object_getClass([NSString class]);

@@ -129,42 +129,125 @@ TEST_F(StringBehaviour, TheDefaultCStringEncodingIsMacRoman) {
     EXPECT_EQ([NSString defaultCStringEncoding], NSMacOSRomanStringEncoding);
 }
 
+constexpr NSStringCompareOptions kDefaultAndLiteral[] = {0, NSLiteralSearch};
+constexpr auto kNotFound = static_cast<NSUInteger>(NSNotFound);
+
+void ExpectRange(NSRange range, NSUInteger location, NSUInteger length) {
+    EXPECT_EQ(range.location, location);
+    EXPECT_EQ(range.length, length);
+}
+
 TEST_F(StringBehaviour, AnEmptyTextIsFoundNowhere) {
     for (NSString* text : EveryKindOf("abc")) {
-        const NSRange range = [text rangeOfString:@""];
-        EXPECT_EQ(range.location, static_cast<NSUInteger>(NSNotFound));
-        EXPECT_EQ(range.length, 0U);
+        ExpectRange([text rangeOfString:@""], kNotFound, 0);
+        ExpectRange([text rangeOfString:@"" options:NSLiteralSearch], kNotFound, 0);
     }
 }
 
-TEST_F(StringBehaviour, SearchIsLiteralAndCaseSensitive) {
+TEST_F(StringBehaviour, ToLookForNilRaisesAnException) {
+    bool raised = false;
+    @try {
+        [@"abc" rangeOfString:(NSString*)nil];
+    } @catch (NSException* exception) {
+        raised = [[exception name] isEqualToString:NSInvalidArgumentException];
+    }
+    EXPECT_TRUE(raised);
+}
+
+TEST_F(StringBehaviour, SearchIsCaseSensitive) {
     for (NSString* text : EveryKindOf("Final Cut Pro - Color")) {
-        EXPECT_EQ([text rangeOfString:@"Color"].location, 16U);
-        EXPECT_EQ([text rangeOfString:@"Color"].length, 5U);
-        EXPECT_EQ([text rangeOfString:@"color"].location, static_cast<NSUInteger>(NSNotFound));
-    }
-    for (NSString* text : EveryKindOf("\u00e9")) {
-        EXPECT_EQ([text rangeOfString:FromUTF8("e\u0301")].location,
-                  static_cast<NSUInteger>(NSNotFound));
+        for (const NSStringCompareOptions options : kDefaultAndLiteral) {
+            ExpectRange([text rangeOfString:@"Color" options:options], 16, 5);
+            ExpectRange([text rangeOfString:@"color" options:options], kNotFound, 0);
+            ExpectRange([text rangeOfString:@"Colors" options:options], kNotFound, 0);
+        }
     }
 }
 
-TEST_F(StringBehaviour, ComparisonIsLiteral) {
+TEST_F(StringBehaviour, SearchFindsComposedAndDecomposedCharactersAlike) {
+    for (NSString* text : EveryKindOf("x\u00e9y")) {
+        ExpectRange([text rangeOfString:FromUTF8("e\u0301")], 1, 1);
+        ExpectRange([text rangeOfString:FromUTF8("xe\u0301y")], 0, 3);
+        ExpectRange([text rangeOfString:FromUTF8("\u00e9")], 1, 1);
+    }
+    for (NSString* text : EveryKindOf("xe\u0301y")) {
+        ExpectRange([text rangeOfString:FromUTF8("\u00e9")], 1, 2);
+        ExpectRange([text rangeOfString:FromUTF8("\u00e9y")], 1, 3);
+    }
+    for (NSString* text : EveryKindOf("a\u0323\u0301")) {
+        ExpectRange([text rangeOfString:FromUTF8("a\u0301\u0323")], 0, 3);
+    }
+}
+
+TEST_F(StringBehaviour, SearchFindsNoPartOfALetterWithItsMarks) {
+    ExpectRange([FromUTF8("xe\u0301y") rangeOfString:@"e"], kNotFound, 0);
+    ExpectRange([FromUTF8("\u00e9") rangeOfString:@"e"], kNotFound, 0);
+    ExpectRange([FromUTF8("\u00e9") rangeOfString:FromUTF8("\u0301")], kNotFound, 0);
+    ExpectRange([FromUTF8("xe\u0301ey") rangeOfString:@"e"], 3, 1);
+    ExpectRange([FromUTF8("xe\u0301y") rangeOfString:FromUTF8("\u0301y")], 2, 2);
+}
+
+TEST_F(StringBehaviour, LiteralSearchTellsComposedAndDecomposedCharactersApart) {
+    for (NSString* text : EveryKindOf("x\u00e9y")) {
+        ExpectRange([text rangeOfString:FromUTF8("e\u0301") options:NSLiteralSearch], kNotFound, 0);
+        ExpectRange([text rangeOfString:FromUTF8("\u00e9") options:NSLiteralSearch], 1, 1);
+    }
+    for (NSString* text : EveryKindOf("xe\u0301y")) {
+        ExpectRange([text rangeOfString:FromUTF8("\u00e9") options:NSLiteralSearch], kNotFound, 0);
+        ExpectRange([text rangeOfString:@"e" options:NSLiteralSearch], 1, 1);
+    }
+}
+
+TEST_F(StringBehaviour, SearchAndComparisonIgnoreCaseWhenAskedTo) {
+    for (NSString* text : EveryKindOf("Color")) {
+        ExpectRange([text rangeOfString:@"LOR" options:NSCaseInsensitiveSearch], 2, 3);
+        EXPECT_EQ([text compare:@"cOLOR" options:NSCaseInsensitiveSearch], NSOrderedSame);
+    }
+}
+
+TEST_F(StringBehaviour, ComparisonTakesComposedAndDecomposedCharactersForTheSame) {
+    for (NSString* text : EveryKindOf("caf\u00e9")) {
+        EXPECT_EQ([text compare:FromUTF8("caf\u00e9")], NSOrderedSame);
+        EXPECT_EQ([text compare:FromUTF8("cafe\u0301")], NSOrderedSame);
+        EXPECT_EQ([text compare:@"cafe"], NSOrderedDescending);
+        EXPECT_EQ([text compare:@"caff"], NSOrderedAscending);
+    }
+    EXPECT_EQ([FromUTF8("a\u0323\u0307") compare:FromUTF8("a\u0307\u0323")], NSOrderedSame);
+    EXPECT_EQ([FromUTF8("a\u0301\u0300") compare:FromUTF8("a\u0300\u0301")], NSOrderedDescending);
+    EXPECT_EQ([FromUTF8("\U0001F3AC") compare:FromUTF8("\uFB01")], NSOrderedDescending);
+}
+
+TEST_F(StringBehaviour, HangulSyllablesAreNotTakenApart) {
+    EXPECT_NE([FromUTF8("\uac00") compare:FromUTF8("\u1100\u1161")], NSOrderedSame);
+}
+
+TEST_F(StringBehaviour, LiteralComparisonTellsComposedAndDecomposedCharactersApart) {
     for (NSString* text : EveryKindOf("\u00e9")) {
-        EXPECT_EQ([text compare:FromUTF8("\u00e9")], NSOrderedSame);
-        EXPECT_NE([text compare:FromUTF8("e\u0301")], NSOrderedSame);
+        EXPECT_EQ([text compare:FromUTF8("\u00e9") options:NSLiteralSearch], NSOrderedSame);
+        EXPECT_EQ([text compare:FromUTF8("e\u0301") options:NSLiteralSearch], NSOrderedDescending);
+    }
+    EXPECT_EQ([FromUTF8("\U0001F3AC") compare:FromUTF8("\uFB01") options:NSLiteralSearch],
+              NSOrderedAscending)
+        << "code units, not code points";
+}
+
+TEST_F(StringBehaviour, EqualityIsLiteral) {
+    for (NSString* text : EveryKindOf("\u00e9")) {
         EXPECT_TRUE([text isEqualToString:FromUTF8("\u00e9")]);
         EXPECT_FALSE([text isEqualToString:FromUTF8("e\u0301")]);
         EXPECT_FALSE([text isEqual:FromUTF8("e\u0301")]);
         EXPECT_FALSE([text isEqualToString:nil]);
         EXPECT_FALSE([text isEqual:@(5)]);
     }
-    EXPECT_EQ([@"A" compare:@"a"], NSOrderedAscending);
-    EXPECT_EQ([@"b" compare:@"a"], NSOrderedDescending);
-    EXPECT_EQ([@"abc" compare:@"abcd"], NSOrderedAscending);
 }
 
-TEST_F(StringBehaviour, NilComesBeforeEveryText) {
+TEST_F(StringBehaviour, ComparisonOrdersTexts) {
+    for (const NSStringCompareOptions options : kDefaultAndLiteral) {
+        EXPECT_EQ([@"A" compare:@"a" options:options], NSOrderedAscending);
+        EXPECT_EQ([@"b" compare:@"a" options:options], NSOrderedDescending);
+        EXPECT_EQ([@"abc" compare:@"abcd" options:options], NSOrderedAscending);
+        EXPECT_EQ([@"" compare:(NSString*)nil options:options], NSOrderedDescending);
+    }
     EXPECT_EQ([@"" compare:(NSString*)nil], NSOrderedDescending);
 }
 

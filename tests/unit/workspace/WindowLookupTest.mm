@@ -118,6 +118,16 @@ TEST_F(WindowLookup, PartialMatchingIsCaseSensitive) {
     EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, true, position, size));
 }
 
+TEST_F(WindowLookup, MatchingTellsComposedAndDecomposedCharactersApart) {
+    NSString* composed = [NSString stringWithUTF8String:"Caf\u00e9"];
+    NSString* decomposed = [NSString stringWithUTF8String:"Cafe\u0301"];
+    for (const bool partial : {false, true}) {
+        EXPECT_TRUE(driver->MatchWindowTitle(composed, composed, partial));
+        EXPECT_FALSE(driver->MatchWindowTitle(composed, decomposed, partial));
+        EXPECT_FALSE(driver->MatchWindowTitle(decomposed, composed, partial));
+    }
+}
+
 TEST_F(WindowLookup, PartialMatchingWithAnEmptyNameNeverMatches) {
     std::string name;
     EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, true, position, size));
