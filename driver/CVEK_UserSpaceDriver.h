@@ -13,6 +13,7 @@
 #include "accessibility/VEK_C_AXUtils.h"
 #include "events/VEK_EventPoster.h"
 #include "protocol/CACFMessagePort.h"
+#include "workspace/TargetWindowList.h"
 #include "workspace/VEK_Driver_TargetWindowInfo.h"
 
 #ifdef __OBJC__
@@ -179,6 +180,8 @@ class CVEK_UserSpaceDriver {
                                  unsigned count, unsigned* index);
     bool GetPosAndSizeForTargetWindow(VEK_Driver_TargetWindowInfo* targets, unsigned count,
                                       unsigned& index, CGPoint& position, CGSize& size);
+    bool GetPosAndSizeForTargetWindow(const TargetWindowList& targets, unsigned& index,
+                                      CGPoint& position, CGSize& size);
 
     // --- VEKCommon/: language --------------------------------------------------------------------
 

@@ -175,8 +175,9 @@ void ReadAndWriteTargets(Body body) {
                 "candidates are written as they were");
     fuzz::Check(first.SerialBufferSize() == second.SerialBufferSize(),
                 "candidates keep their serial size");
-    STargetWindowRequestSpec made(first.targets.data(),
-                                  static_cast<unsigned int>(first.targets.size()));
+    const std::vector<VEK_Driver_TargetWindowInfo> infos(first.targets.begin(),
+                                                         first.targets.end());
+    STargetWindowRequestSpec made(infos.data(), static_cast<unsigned int>(infos.size()));
     fuzz::Check(
         made.SerialBufferSize() == first.SerialBufferSize() && Written(made, *size) == written,
         "candidates that were made are written like those read");

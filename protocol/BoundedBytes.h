@@ -1,20 +1,41 @@
-// Walks over bytes of known length without ever looking beyond their end.
+// Walks over bytes of known length without ever looking beyond their end, and tells why they hold
+// no complete record.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <optional>
 
 #include "protocol/MessageSpec.h"
 
+// What is wrong with a body, and the figures that say it.
+struct BodyFault {
+    enum class Kind {
+        kTooShort,      // `needed` bytes would be there at least
+        kNoTerminator,  // a text runs to the end of the body
+        kTooLong,       // a name of `value` bytes or UTF-16 units where `needed` have their place
+        kCountBeyond,   // a count of `value`, whose items take the body to `needed` bytes at least
+    };
+
+    Kind kind = Kind::kTooShort;
+    std::uint64_t value = 0;
+    std::uint64_t needed = 0;
+    const char* unit = "bytes";
+};
+
 class BoundedBytes {
   public:
-    BoundedBytes(const unsigned char* bytes, std::size_t length) : next_(bytes), left_(length) {}
+    BoundedBytes(const unsigned char* bytes, std::size_t length)
+        : next_(bytes), left_(length), length_(length) {}
 
     std::size_t Left() const { return left_; }
 
+    // Why the last of the calls below that failed did so.
+    const BodyFault& Fault() const { return fault_; }
+
     bool Skip(std::size_t count) {
-        if (count > left_) {
+        if (!Holds(count)) {
             return false;
         }
         next_ += count;
@@ -22,19 +43,39 @@ class BoundedBytes {
         return true;
     }
 
+    // Whether that many bytes are left; goes nowhere.
+    bool Holds(std::size_t count) {
+        return count <= left_ || Fail({BodyFault::Kind::kTooShort, 0, Passed() + count});
+    }
+
+    // Whether `count` items of `itemSize` bytes or more, as the body claims, can be left.
+    bool HoldsItems(unsigned int count, std::size_t itemSize) {
+        const std::uint64_t size = std::uint64_t{count} * itemSize;
+        return size <= left_ || Fail({BodyFault::Kind::kCountBeyond, count, Passed() + size});
+    }
+
+    // Whether a name of that many units has its place in memory, which takes `most`.
+    bool Fits(std::size_t length, std::size_t most, const char* unit) {
+        return length <= most || Fail({BodyFault::Kind::kTooLong, length, most, unit});
+    }
+
     std::optional<unsigned int> SkipInteger() {
         unsigned int value = 0;
-        if (left_ < 4) {
+        if (!Holds(4)) {
             return std::nullopt;
         }
         Skip(SMessageSpec::DeserializeField(next_, &value));
         return value;
     }
 
-    // Over the terminator too; answers the length without it, and nothing when none is there.
+    // Over the terminator too; returns the length without it, and nothing when none is there.
     std::optional<std::size_t> SkipString() {
-        const void* terminator = left_ == 0 ? nullptr : std::memchr(next_, 0, left_);
+        if (!Holds(1)) {
+            return std::nullopt;
+        }
+        const void* terminator = std::memchr(next_, 0, left_);
         if (terminator == nullptr) {
+            Fail({BodyFault::Kind::kNoTerminator, 0, 0});
             return std::nullopt;
         }
         const auto length =
@@ -44,6 +85,22 @@ class BoundedBytes {
     }
 
   private:
+    std::size_t Passed() const { return length_ - left_; }
+
+    bool Fail(const BodyFault& fault) {
+        fault_ = fault;
+        return false;
+    }
+
     const unsigned char* next_;
     std::size_t left_;
+    std::size_t length_;
+    BodyFault fault_;
 };
+
+// How many of the bytes one complete record takes; nothing when they hold none.
+template <class Record>
+std::optional<std::size_t> CompleteSizeOf(const unsigned char* bytes, std::size_t length) {
+    BoundedBytes body(bytes, length);
+    return Record::SkipOver(body) ? std::optional(length - body.Left()) : std::nullopt;
+}

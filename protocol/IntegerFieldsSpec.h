@@ -5,6 +5,7 @@
 #include <optional>
 #include <type_traits>
 
+#include "protocol/BoundedBytes.h"
 #include "protocol/MessageSpec.h"
 
 template <unsigned int fieldCount>
@@ -12,8 +13,10 @@ class SIntegerFieldsSpec : public SMessageSpec {
   public:
     static constexpr unsigned int kSmallestSize = 4 * fieldCount;  // bytes, and also the largest
 
-    static std::optional<std::size_t> CompleteSize(const unsigned char*, std::size_t length) {
-        return length < kSmallestSize ? std::nullopt : std::optional<std::size_t>(kSmallestSize);
+    static bool SkipOver(BoundedBytes& body) { return body.Skip(kSmallestSize); }
+
+    static std::optional<std::size_t> CompleteSize(const unsigned char* bytes, std::size_t length) {
+        return CompleteSizeOf<SIntegerFieldsSpec>(bytes, length);
     }
 
   protected:

@@ -1,9 +1,10 @@
 // The base of every message record and the forms its fields take on the wire.
 //
 // A record holds its values as members, writes them with Serialize() into bytes that it owns, and
-// reads them back with Deserialize(). Every record also answers, by a static CompleteSize(bytes,
-// length), how many of the given bytes one complete record takes, and nothing when the bytes do not
-// hold one: Deserialize() knows no length, so only bytes that CompleteSize() accepted may reach it.
+// reads them back with Deserialize(). Deserialize() knows no length, so only bytes that are known
+// to hold a complete record may reach it. Every record returns, by a static CompleteSize(bytes,
+// length), how many of the given bytes one complete record takes, and nothing when they do not hold
+// one. Those that come as requests have a static SkipOver(body), too, which tells the reason.
 #pragma once
 
 #include <string>

@@ -7,10 +7,12 @@
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <string>
 #include <type_traits>
 
 #include "accessibility/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
+#include "protocol/BoundedBytes.h"
 #include "protocol/MessageCodes.h"
 #include "protocol/RequestOperations.h"
 #include "protocol/ServerSpec.h"
@@ -28,8 +30,7 @@ enum class Guard {
 struct Request {
     SInt32 code;
     Guard guard;
-    unsigned int smallestBody;  // bytes
-    std::optional<std::size_t> (*completeSize)(const unsigned char* bytes, std::size_t length);
+    bool (*holdsCompleteRecord)(BoundedBytes& body);
     CFDataRef (*serve)(CVEK_UserSpaceDriver& driver, const unsigned char* completeBody);
 };
 
@@ -49,8 +50,7 @@ CFDataRef Serve(CVEK_UserSpaceDriver& driver, const unsigned char* completeBody)
 }
 
 template <SInt32 code, Guard guard, class Body, auto operation, class Reply>
-constexpr Request Row = {code, guard, Body::kSmallestSize, &Body::CompleteSize,
-                         &Serve<Body, operation, Reply>};
+constexpr Request Row = {code, guard, &Body::SkipOver, &Serve<Body, operation, Reply>};
 
 using Do = RequestOperations;
 using NoReply = void;
@@ -104,12 +104,26 @@ class BodyCopy {
     std::size_t length_ = 0;
 };
 
-void LogIncompleteBody(const Request& request, std::size_t length) {
+std::string Description(const BodyFault& fault) {
+    const std::string value = std::to_string(fault.value);
+    const std::string needed = std::to_string(fault.needed);
+    switch (fault.kind) {
+        case BodyFault::Kind::kTooShort:
+            return "is too short, at least " + needed + " are needed";
+        case BodyFault::Kind::kNoTerminator:
+            return "holds a text without terminator";
+        case BodyFault::Kind::kTooLong:
+            return "holds a name of " + value + " " + fault.unit + ", of which " + needed + " fit";
+        case BodyFault::Kind::kCountBeyond:
+            break;
+    }
+    return "does not hold its count of " + value + ", at least " + needed + " are needed";
+}
+
+void LogRefusedBody(const Request& request, std::size_t length, const BodyFault& fault) {
     const auto character = [&request](int shift) { return request.code >> shift & 0xFF; };
-    syslog(LOG_EMERG,
-           "request '%c%c%c%c' refused: its body of %zu bytes is not one complete record (at least "
-           "%u bytes)\n",
-           character(24), character(16), character(8), character(0), length, request.smallestBody);
+    syslog(LOG_EMERG, "request '%c%c%c%c' refused: its body of %zu bytes %s\n", character(24),
+           character(16), character(8), character(0), length, Description(fault).c_str());
 }
 
 }  // namespace
@@ -135,8 +149,9 @@ CFDataRef CVEK_UserSpaceDriver::MessageCallback(CFMessagePortRef, SInt32 msgid, 
     if (request->guard != Guard::kNone && body.Length() == 0) {
         return nullptr;
     }
-    if (!request->completeSize(body.Bytes(), body.Length())) {
-        LogIncompleteBody(*request, body.Length());
+    BoundedBytes bytes(body.Bytes(), body.Length());
+    if (!request->holdsCompleteRecord(bytes)) {
+        LogRefusedBody(*request, body.Length(), bytes.Fault());
         return nullptr;
     }
     const OneWait wait;

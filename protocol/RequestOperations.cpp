@@ -25,11 +25,6 @@ ElementIdentifier::ElementIdentifier(unsigned int number)
     : text_(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, CFSTR("_NS:%ld"),
                                      static_cast<long>(number))) {}
 
-std::optional<std::size_t> ElementIdentifier::CompleteSize(const unsigned char*,
-                                                           std::size_t length) {
-    return length < kSmallestSize ? std::nullopt : std::optional<std::size_t>(kSmallestSize);
-}
-
 void ElementIdentifier::Deserialize(const unsigned char* src) {
     unsigned int number = 0;
     static_assert(sizeof number == kSmallestSize);
@@ -202,9 +197,7 @@ std::optional<STargetPointSizeSpec> RequestOperations::TargetWindowFrame(
     unsigned int index = 0;
     CGPoint position = CGPointMake(0, 0);
     CGSize size = CGSizeMake(0, 0);
-    if (!driver.GetPosAndSizeForTargetWindow(request.targets.data(),
-                                             static_cast<unsigned int>(request.targets.size()),
-                                             index, position, size)) {
+    if (!driver.GetPosAndSizeForTargetWindow(request.targets, index, position, size)) {
         return std::nullopt;
     }
     return STargetPointSizeSpec(index, position, size);

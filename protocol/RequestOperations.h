@@ -11,6 +11,7 @@
 
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "driver/OwnedReference.h"
+#include "protocol/BoundedBytes.h"
 #include "protocol/GeometryRecords.h"
 #include "protocol/InputRecords.h"
 #include "protocol/IntegerRecords.h"
@@ -26,7 +27,10 @@ class ElementIdentifier {
     ElementIdentifier() = default;
     explicit ElementIdentifier(unsigned int number);  // zero-extended: never negative in the string
 
-    static std::optional<std::size_t> CompleteSize(const unsigned char* bytes, std::size_t length);
+    static bool SkipOver(BoundedBytes& body) { return body.Skip(kSmallestSize); }
+    static std::optional<std::size_t> CompleteSize(const unsigned char* bytes, std::size_t length) {
+        return CompleteSizeOf<ElementIdentifier>(bytes, length);
+    }
     void Deserialize(const unsigned char* src);
 
     CFStringRef Text() const { return text_.get(); }
@@ -37,8 +41,7 @@ class ElementIdentifier {
 
 // The body of a request that needs none; one that comes with it is not looked at.
 struct NoBody {
-    static constexpr unsigned int kSmallestSize = 0;
-    static std::optional<std::size_t> CompleteSize(const unsigned char*, std::size_t) { return 0; }
+    static bool SkipOver(BoundedBytes&) { return true; }
     void Deserialize(const unsigned char*) {}
 };
 

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <string>
 
-#include "protocol/BoundedBytes.h"
 #include "protocol/Truncation.h"
 
 namespace {
@@ -14,6 +13,7 @@ using Info = VEK_Driver_TargetWindowInfo;
 
 constexpr std::size_t kNameBytes = sizeof(Info::windowName);  // terminator included
 constexpr std::size_t kNameUnits = sizeof(Info::windowNameUnicode) / sizeof(UniChar);
+constexpr std::size_t kSmallestInfo = 25;  // bytes: no name
 
 // The fixed fields of a candidate's memory bound what is read from it, whatever it claims.
 std::size_t NameLength(const char (&name)[kNameBytes]) {
@@ -82,13 +82,26 @@ unsigned int DeserializeInfo(const unsigned char* src, Info& info) {
     return static_cast<unsigned int>(src - start);
 }
 
+// One candidate at a time is in memory as a whole.
+template <class Visit>
+void ForEachInfo(const unsigned char* src, Visit visit) {
+    unsigned int count = 0;
+    src += SMessageSpec::DeserializeField(src, &count);
+    for (unsigned int i = 0; i < count; ++i) {
+        Info info = {};
+        src += DeserializeInfo(src, info);
+        visit(info);
+    }
+}
+
 bool SkipName(BoundedBytes& body) {
     const auto length = body.SkipString();
-    if (!length || *length >= kNameBytes) {
+    if (!length || !body.Fits(*length, kNameBytes - 1, "bytes")) {
         return false;
     }
     const auto units = body.SkipInteger();
-    return units && *units <= kNameUnits && body.Skip(std::size_t{2} * *units);
+    return units && body.HoldsItems(*units, sizeof(UniChar)) &&
+           body.Fits(*units, kNameUnits, "UTF-16 units") && body.Skip(sizeof(UniChar) * *units);
 }
 
 bool SkipInfo(BoundedBytes& body) {
@@ -106,23 +119,26 @@ STargetWindowRequestSpec::STargetWindowRequestSpec() : SMessageSpec(kSmallestSiz
 
 STargetWindowRequestSpec::STargetWindowRequestSpec(const VEK_Driver_TargetWindowInfo* infos,
                                                    unsigned int count)
-    : SMessageSpec(kSmallestSize), targets(infos, infos + count) {
+    : SMessageSpec(kSmallestSize), targets(infos, count) {
     serialSize = StoredSize();
 }
 
 std::optional<std::size_t> STargetWindowRequestSpec::CompleteSize(const unsigned char* bytes,
                                                                   std::size_t length) {
-    BoundedBytes body(bytes, length);
+    return CompleteSizeOf<STargetWindowRequestSpec>(bytes, length);
+}
+
+bool STargetWindowRequestSpec::SkipOver(BoundedBytes& body) {
     const auto count = body.SkipInteger();
-    if (!count || *count > kMostTargets) {
-        return std::nullopt;
+    if (!count || !body.HoldsItems(*count, kSmallestInfo)) {
+        return false;
     }
     for (unsigned int i = 0; i < *count; ++i) {
         if (!SkipInfo(body)) {
-            return std::nullopt;
+            return false;
         }
     }
-    return length - body.Left();
+    return true;
 }
 
 unsigned int STargetWindowRequestSpec::CalcInfoFieldSize(const VEK_Driver_TargetWindowInfo& info) {
@@ -162,12 +178,11 @@ unsigned char* STargetWindowRequestSpec::Serialize() {
 }
 
 void STargetWindowRequestSpec::Deserialize(const unsigned char* src) {
-    unsigned int count = 0;
-    src += DeserializeField(src, &count);
-    targets.assign(count, Info{});
-    for (Info& info : targets) {
-        src += DeserializeInfo(src, info);
-    }
+    std::size_t size = 0;
+    ForEachInfo(src, [&size](const Info& info) { size += TargetWindowList::PackedSize(info); });
+    targets = TargetWindowList();
+    targets.Reserve(size);
+    ForEachInfo(src, [this](const Info& info) { targets.Append(info); });
     serialSize = StoredSize();
 }
 

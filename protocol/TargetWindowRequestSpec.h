@@ -5,25 +5,22 @@
 #include <optional>
 #include <vector>
 
+#include "protocol/BoundedBytes.h"
 #include "protocol/MessageSpec.h"
+#include "workspace/TargetWindowList.h"
 #include "workspace/VEK_Driver_TargetWindowInfo.h"
 
 struct STargetWindowRequestSpec : SMessageSpec {
     static constexpr unsigned int kSmallestSize = 4;  // bytes: no candidate
-
-    // Candidates that are read from one body, far more than any application has windows. Each takes
-    // over 4 KB in memory and as little as 25 bytes on the wire, and each is compared with every
-    // window: without this bound one large body could take gigabytes and keep the driver busy for
-    // many seconds.
-    static constexpr unsigned int kMostTargets = 16384;
 
     STargetWindowRequestSpec();
 
     // Copies the candidates.
     STargetWindowRequestSpec(const VEK_Driver_TargetWindowInfo* infos, unsigned int count);
 
-    // Also nothing for more than kMostTargets candidates, and for a name that does not fit its
-    // place in memory: at most 255 bytes, and 1,024 UTF-16 units.
+    // A name that does not fit its place in a VEK_Driver_TargetWindowInfo, which takes 255 bytes
+    // and 1,024 UTF-16 units, makes the record incomplete.
+    static bool SkipOver(BoundedBytes& body);
     static std::optional<std::size_t> CompleteSize(const unsigned char* bytes, std::size_t length);
 
     // Bytes of one candidate, the second name's own bytes left out: see SerialBufferSize().
@@ -38,7 +35,7 @@ struct STargetWindowRequestSpec : SMessageSpec {
     // Serialize() has room for it all the same.
     unsigned int SerialBufferSize() override;
 
-    std::vector<VEK_Driver_TargetWindowInfo> targets;
+    TargetWindowList targets;
 
   private:
     unsigned int StoredSize() const;

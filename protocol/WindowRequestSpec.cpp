@@ -1,7 +1,5 @@
 #include "protocol/WindowRequestSpec.h"
 
-#include "protocol/BoundedBytes.h"
-
 SWindowRequestSpec::SWindowRequestSpec() : SMessageSpec(kSmallestSize) {}
 
 SWindowRequestSpec::SWindowRequestSpec(const std::string& windowName, bool partialMatch)
@@ -12,11 +10,11 @@ SWindowRequestSpec::SWindowRequestSpec(const std::string& windowName, bool parti
 
 std::optional<std::size_t> SWindowRequestSpec::CompleteSize(const unsigned char* bytes,
                                                             std::size_t length) {
-    BoundedBytes body(bytes, length);
-    if (!body.SkipInteger() || !body.SkipString()) {
-        return std::nullopt;
-    }
-    return length - body.Left();
+    return CompleteSizeOf<SWindowRequestSpec>(bytes, length);
+}
+
+bool SWindowRequestSpec::SkipOver(BoundedBytes& body) {
+    return body.Holds(kSmallestSize) && body.SkipInteger() && body.SkipString();
 }
 
 unsigned char* SWindowRequestSpec::Serialize() {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "protocol/BoundedBytes.h"
 #include "protocol/MessageSpec.h"
 
 struct SWindowRequestSpec : SMessageSpec {
@@ -15,6 +16,7 @@ struct SWindowRequestSpec : SMessageSpec {
     SWindowRequestSpec();
     SWindowRequestSpec(const std::string& windowName, bool partialMatch);
 
+    static bool SkipOver(BoundedBytes& body);
     static std::optional<std::size_t> CompleteSize(const unsigned char* bytes, std::size_t length);
 
     unsigned char* Serialize() override;

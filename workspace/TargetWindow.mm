@@ -1,5 +1,6 @@
 #import <AppKit/AppKit.h>
 
+#include <span>
 #include <utility>
 
 #include "VEKCommon/CLanguageSupport.h"
@@ -42,19 +43,20 @@ class CurrentLanguage {
     CLanguageSupport support_;
 };
 
-}  // namespace
-
-bool CVEK_UserSpaceDriver::GetTargetIndexForWindow(NSString* windowTitle,
-                                                   VEK_Driver_TargetWindowInfo* targets,
-                                                   unsigned count, unsigned* index) {
+// The candidates are an array of them or a list.
+template <class Targets>
+bool FindTarget(CVEK_UserSpaceDriver& driver, NSString* windowTitle, const Targets& targets,
+                unsigned* index) {
     CurrentLanguage language;
     *index = 0;
-    for (unsigned i = 0; i < count; ++i) {
-        const auto title = language.CopyTitleForKey(targets[i].windowName);
-        if (title && MatchWindowTitle(windowTitle, (NSString*)title.get(), true)) {
+    unsigned i = 0;
+    for (const VEK_Driver_TargetWindowInfo& target : targets) {
+        const auto title = language.CopyTitleForKey(target.windowName);
+        if (title && driver.MatchWindowTitle(windowTitle, (NSString*)title.get(), true)) {
             *index = i;
             return true;
         }
+        ++i;
     }
     return false;
 }
@@ -62,17 +64,17 @@ bool CVEK_UserSpaceDriver::GetTargetIndexForWindow(NSString* windowTitle,
 // The first window of the list that matches any candidate wins; the order of the candidates only
 // decides between those that match one window. One window without a readable title ends the search,
 // even if a later window would match.
-bool CVEK_UserSpaceDriver::GetPosAndSizeForTargetWindow(VEK_Driver_TargetWindowInfo* targets,
-                                                        unsigned count, unsigned& index,
-                                                        CGPoint& position, CGSize& size) {
+template <class Targets>
+bool FindFrame(CVEK_UserSpaceDriver& driver, const Targets& targets, unsigned& index,
+               CGPoint& position, CGSize& size) {
     AXUIElementRef found = nullptr;
-    for (id window in CopyApplicationWindowList(false, @"")) {
+    for (id window in driver.CopyApplicationWindowList(false, @"")) {
         NSString* title = (NSString*)CopyWindowTitle((CFTypeRef)window);
         if (title == nil) {
             return false;
         }
         unsigned candidate = 0;
-        const bool matches = GetTargetIndexForWindow(title, targets, count, &candidate);
+        const bool matches = FindTarget(driver, title, targets, &candidate);
         [title release];
         if (matches) {
             index = candidate;
@@ -83,16 +85,36 @@ bool CVEK_UserSpaceDriver::GetPosAndSizeForTargetWindow(VEK_Driver_TargetWindowI
     if (found == nullptr) {
         return false;
     }
-    if (targets[index].hasSubWindow) {
+    if (const VEK_Driver_TargetWindowInfo& target = targets[index]; target.hasSubWindow) {
         // Looked up among all windows, from the start of the list.
-        const auto subWindowTitle = CurrentLanguage().CopyTitleForKey(targets[index].subWindowName);
-        found = GetWindowElementWithTitle((NSString*)subWindowTitle.get(), true);
+        const auto subWindowTitle = CurrentLanguage().CopyTitleForKey(target.subWindowName);
+        found = driver.GetWindowElementWithTitle((NSString*)subWindowTitle.get(), true);
     }
     if (found == nullptr) {
         return false;
     }
     CFRetain(found);
-    const bool hasFrame = GetPosAndSizeForWindowElement(found, position, size);
+    const bool hasFrame = driver.GetPosAndSizeForWindowElement(found, position, size);
     CFRelease(found);
     return hasFrame;
+}
+
+}  // namespace
+
+bool CVEK_UserSpaceDriver::GetTargetIndexForWindow(NSString* windowTitle,
+                                                   VEK_Driver_TargetWindowInfo* targets,
+                                                   unsigned count, unsigned* index) {
+    return FindTarget(*this, windowTitle, std::span(targets, count), index);
+}
+
+bool CVEK_UserSpaceDriver::GetPosAndSizeForTargetWindow(VEK_Driver_TargetWindowInfo* targets,
+                                                        unsigned count, unsigned& index,
+                                                        CGPoint& position, CGSize& size) {
+    return FindFrame(*this, std::span(targets, count), index, position, size);
+}
+
+bool CVEK_UserSpaceDriver::GetPosAndSizeForTargetWindow(const TargetWindowList& targets,
+                                                        unsigned& index, CGPoint& position,
+                                                        CGSize& size) {
+    return FindFrame(*this, targets, index, position, size);
 }

@@ -13,6 +13,7 @@ namespace {
 using platform_testing::LogLine;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 struct Sample {
     const char* code;
@@ -28,6 +29,12 @@ struct Sample {
 
 void PrintTo(const Sample& sample, std::ostream* out) {
     *out << sample.code;
+}
+
+LogLine Refusal(const std::string& code, std::size_t length, const std::string& reason) {
+    return {LogLine::Log::system, 0,
+            "request '" + code + "' refused: its body of " + std::to_string(length) + " bytes " +
+                reason + "\n"};
 }
 
 Bytes OneTarget() {
@@ -55,11 +62,11 @@ const Sample kSamples[] = {
 
 class HostileBody : public DispatcherTest, public testing::WithParamInterface<Sample> {
   protected:
-    LogLine Refusal(std::size_t length) const {
-        return {LogLine::Log::system, 0,
-                "request '" + std::string(GetParam().code) + "' refused: its body of " +
-                    std::to_string(length) + " bytes is not one complete record (at least " +
-                    std::to_string(GetParam().smallest) + " bytes)\n"};
+    // The line of a body that is shorter than any body of its request.
+    LogLine TooShort(std::size_t length) const {
+        return Refusal(
+            GetParam().code, length,
+            "is too short, at least " + std::to_string(GetParam().smallest) + " are needed");
     }
 };
 
@@ -77,7 +84,11 @@ TEST_P(HostileBody, OfEveryShorterLengthIsRefusedWithOneLineNoReplyAndNoOperatio
         log_.Clear();
         const Bytes body(sample.body.begin(), sample.body.begin() + static_cast<long>(length));
         EXPECT_EQ(Ask(sample.Code(), body), std::nullopt) << length << " bytes";
-        EXPECT_THAT(log_.Lines(), ElementsAre(Refusal(length)));
+        if (length < sample.smallest) {
+            EXPECT_THAT(log_.Lines(), ElementsAre(TooShort(length)));
+        } else {
+            EXPECT_THAT(log_.Lines(), SizeIs(1)) << length << " bytes; see RefusalLine";
+        }
     }
     EXPECT_EQ(desktop_link::ExchangeCount(), before) << "no operation";
     EXPECT_FALSE(DriverInspector::ObserveClipSelection(Driver()));
@@ -94,7 +105,7 @@ TEST_P(HostileBody, EmptyOrAbsentIsStoppedByTheGuardOrRefused) {
         if (sample.emptyIsSilent) {
             EXPECT_THAT(log_.Lines(), IsEmpty());
         } else {
-            EXPECT_THAT(log_.Lines(), ElementsAre(Refusal(0)));
+            EXPECT_THAT(log_.Lines(), ElementsAre(TooShort(0)));
         }
     }
     EXPECT_EQ(desktop_link::ExchangeCount(), before) << "no operation";
@@ -112,33 +123,63 @@ TEST_P(HostileBody, CompleteOneIsActedUponAndSoIsALongerOne) {
     }
 }
 
-TEST_F(HostileCounts, FourBillionTargetsAreRefusedWithOneLine) {
-    EXPECT_EQ(Ask(kJTWP, Integers({0xFFFFFFFF})), std::nullopt);
-    EXPECT_EQ(Ask(kJTWP, Integers({0xFFFFFFFF}) + OneTarget()), std::nullopt);
-    EXPECT_THAT(log_.SystemTexts(), testing::SizeIs(2));
+// --- What the line says --------------------------------------------------------------------------
+
+class RefusalLine : public DispatcherTest {
+  protected:
+    void Expect(SInt32 code, const Bytes& body, const std::string& reason) {
+        log_.Clear();
+        EXPECT_EQ(Ask(code, body), std::nullopt);
+        const std::string name = code == kJTWP ? "JTWP" : "JWiP";
+        EXPECT_THAT(log_.Lines(), ElementsAre(Refusal(name, body.size(), reason)));
+    }
+};
+
+TEST_F(RefusalLine, SaysThatABodyEndsBeforeItsRecordAndHowManyBytesWouldDo) {
+    Expect(kJWiP, Integers({1}), "is too short, at least 5 are needed");
+    Expect(kJTWP, Bytes{1, 0, 0}, "is too short, at least 4 are needed");
+    const Bytes firstName = Integers({1}) + Text("Board") + Integers({5}) + Units("Board");
+    Expect(kJTWP, firstName + Integers({1, 2}), "is too short, at least 40 are needed");
+    Expect(kJTWP, firstName + Integers({1, 2, 3, 4}), "is too short, at least 44 are needed");
+    Expect(kJTWP, firstName + Integers({1, 2, 3, 4, 1}), "is too short, at least 45 are needed");
+    Expect(kJTWP, firstName + Integers({1, 2, 3, 4, 1}) + Text("Sub"),
+           "is too short, at least 52 are needed");
 }
 
-TEST_F(HostileCounts, CompleteBodyOfHundredsOfThousandsOfTinyTargetsIsRefusedWithOneLine) {
-    constexpr unsigned int count = 600000;
-    const unsigned long before = desktop_link::ExchangeCount();
-    EXPECT_EQ(Ask(kJTWP, Integers({count}) + Bytes(std::size_t{25} * count, 0)), std::nullopt);
-    EXPECT_EQ(desktop_link::ExchangeCount(), before) << "no operation";
-    EXPECT_THAT(log_.SystemTexts(), testing::SizeIs(1));
+TEST_F(RefusalLine, SaysThatATextHasNoTerminator) {
+    Expect(kJWiP, Integers({1}) + Bytes(100, 'B'), "holds a text without terminator");
+    Expect(kJTWP, Integers({1}) + Bytes(100, 'B'), "holds a text without terminator");
+    Expect(kJTWP, Integers({1}) + Text("B") + Integers({0, 0, 0, 0, 0, 1}) + Bytes(100, 'B'),
+           "holds a text without terminator");
 }
 
-TEST_F(HostileCounts, NameWithoutTerminatorIsRefusedWithOneLine) {
-    EXPECT_EQ(Ask(kJWiP, Integers({1}) + Bytes(100, 'B')), std::nullopt);
-    EXPECT_EQ(Ask(kJTWP, Integers({1}) + Bytes(100, 'B')), std::nullopt);
-    EXPECT_THAT(log_.SystemTexts(), testing::SizeIs(2));
-}
-
-TEST_F(HostileCounts, NamesBeyondTheirFieldsAreRefusedWithOneLine) {
+TEST_F(RefusalLine, SaysThatANameIsTooLong) {
     const Bytes rest = Integers({0, 0, 0, 0, 0});
-    EXPECT_EQ(Ask(kJTWP, Integers({1}) + Text(std::string(256, 'B')) + Integers({0}) + rest),
-              std::nullopt);
-    EXPECT_EQ(Ask(kJTWP, Integers({1}) + Text("B") + Integers({1025}) + Bytes(2050, 0) + rest),
-              std::nullopt);
-    EXPECT_THAT(log_.SystemTexts(), testing::SizeIs(2));
+    Expect(kJTWP, Integers({1}) + Text(std::string(256, 'B')) + Integers({0}) + rest,
+           "holds a name of 256 bytes, of which 255 fit");
+    Expect(kJTWP, Integers({1}) + Text("B") + Integers({1025}) + Bytes(2050, 0) + rest,
+           "holds a name of 1025 UTF-16 units, of which 1024 fit");
+}
+
+TEST_F(RefusalLine, SaysThatACountGoesBeyondTheBody) {
+    Expect(kJTWP, Integers({0xFFFFFFFF}),
+           "does not hold its count of 4294967295, at least 107374182379 are needed");
+    const Bytes target = OneTarget();
+    Expect(kJTWP, Integers({2}) + Bytes(target.begin() + 4, target.begin() + 44),
+           "does not hold its count of 2, at least 54 are needed");
+    Expect(kJTWP, Integers({1}) + Text("B") + Integers({0x80000000}) + Bytes(64, 0),
+           "does not hold its count of 2147483648, at least 4294967306 are needed");
+}
+
+// --- Bodies that are unusual but complete --------------------------------------------------------
+
+TEST_F(HostileCounts, CompleteBodyOfHundredsOfThousandsOfTinyTargetsIsServed) {
+    constexpr unsigned int count = 300000;
+    Translate({{"CB", "Color Board"}});
+    const Bytes none(std::size_t{25} * (count - 1), 0);
+    const Bytes last = Text("CB") + Integers({0, 0, 0, 0, 0, 0});
+    EXPECT_EQ(Ask(kJTWP, Integers({count}) + none + last), Integers({count - 1, 50, 60, 300, 200}));
+    EXPECT_THAT(log_.Lines(), IsEmpty());
 }
 
 TEST_F(HostileCounts, WindowNameMayBeAnyTextAtAll) {
