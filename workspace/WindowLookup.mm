@@ -3,12 +3,16 @@
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "workspace/WindowAttributes.h"
 
+// Literal, so that composed and decomposed characters differ; without the option NSString takes
+// them for the same. Nil, for which NSString raises an exception or does something undefined,
+// matches nothing.
 bool CVEK_UserSpaceDriver::MatchWindowTitle(NSString* title, NSString* name, bool partial) {
-    // Literal: by default composed and decomposed characters would be the same.
+    if (title == nil || name == nil) {
+        return false;
+    }
     if (partial) {
-        // An empty name is found nowhere.
-        const NSRange found = [title rangeOfString:name options:NSLiteralSearch];
-        return found.location != NSNotFound && found.length != 0;
+        // Neither a name that is not in the title nor an empty one has a length in it.
+        return [title rangeOfString:name options:NSLiteralSearch].length != 0;
     }
     return [title compare:name options:NSLiteralSearch] == NSOrderedSame;
 }

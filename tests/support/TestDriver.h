@@ -11,26 +11,29 @@
 
 namespace test_support {
 
-class TestDriver {
+template <class Driver>
+class TestDriverOf {
   public:
-    TestDriver() {
+    TestDriverOf() {
         if (const CFRunLoopTimerRef timer = DriverInspector::TimeoutTimer(driver_)) {
             driver_.StopTimeoutCounter();
             CFRelease(timer);
         }
     }
-    TestDriver(const TestDriver&) = delete;
-    TestDriver& operator=(const TestDriver&) = delete;
-    ~TestDriver() {
+    TestDriverOf(const TestDriverOf&) = delete;
+    TestDriverOf& operator=(const TestDriverOf&) = delete;
+    ~TestDriverOf() {
         CFRelease(DriverInspector::LastTimecode(driver_));
         CVEK_UserSpaceDriver::sSelf = nullptr;
     }
 
-    CVEK_UserSpaceDriver& operator*() { return driver_; }
-    CVEK_UserSpaceDriver* operator->() { return &driver_; }
+    Driver& operator*() { return driver_; }
+    Driver* operator->() { return &driver_; }
 
   private:
-    CVEK_UserSpaceDriver driver_;
+    Driver driver_;
 };
+
+using TestDriver = TestDriverOf<CVEK_UserSpaceDriver>;
 
 }  // namespace test_support
