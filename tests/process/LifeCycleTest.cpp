@@ -4,14 +4,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
 #include "tests/process/Stage.h"
+#include "tests/support/ProcessState.h"
 
 namespace {
 
+using test_support::ChildProcess;
 using test_support::Stage;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -76,6 +81,57 @@ TEST(LifeCycle, MainConstructorAndDestructorDoTheirStepsInOrder) {
                     "invalidate local port"));
 }
 
+TEST(LifeCycle, RunLoopThatReturnsDestroysTheDriverAndEndsTheProcessWithStatusZero) {
+    Stage stage;
+    CompanionPort companion;
+    const std::filesystem::path trace = stage.Session().Path() / "trace";
+    stage.StartDriver({{"LD_PRELOAD", KRT9_CALL_TRACE_LIBRARY},
+                       {"KRT9_CALL_TRACE", trace},
+                       {"KRT9_RUN_LOOP_RETURNS", "1"}});
+    EXPECT_EQ(stage.Driver().WaitForExit(), 0) << stage.Driver().StandardError();
+    std::vector<std::string> end = Lines(trace);
+    ASSERT_THAT(end, testing::Contains("run loop runs"));
+    end.erase(end.begin(), std::find(end.begin(), end.end(), "run loop runs"));
+    EXPECT_THAT(
+        end, ElementsAre("run loop runs", "remove timer from default mode", "release remote port",
+                         "release event source", "release element cache", "invalidate local port"));
+    std::filesystem::remove(trace);
+    EXPECT_THAT(stage.Session().Files(), testing::ElementsAre(HasSubstr("VEK_KRT9")));
+}
+
+TEST(LifeCycle, NoSignalButTheInterruptHasAHandler) {
+    Stage stage;
+    stage.StartDriver();
+    EXPECT_TRUE(test_support::HandlesSignal(stage.Driver().pid(), SIGINT));
+    for (const int number : {SIGHUP, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGALRM, SIGTSTP, SIGCONT,
+                             SIGCHLD, SIGWINCH, SIGVTALRM, SIGPROF}) {
+        EXPECT_FALSE(test_support::HandlesSignal(stage.Driver().pid(), number))
+            << strsignal(number);
+    }
+}
+
+TEST(LifeCycle, InterruptWhileTheEditorHangsEndsTheDriverOnceTheCallUnderWayDoes) {
+    constexpr double kTimeOut = 2;  // seconds, of one call to the editor
+    constexpr double kSlack = 1.5;  // seconds, for a machine that has other things to do
+    Stage stage;
+    stage.StartDesktop(R"({"messagingTimeout": 2, "front": "com.apple.FinalCut", "applications": [
+        {"bundleID": "com.apple.FinalCut", "windows": [
+          {"AXRole": "AXWindow", "AXTitle": "First", "misbehaviour": {"read": {"AXTitle": {
+            "then": [{"command": "hang", "application": "com.apple.FinalCut"},
+                     {"command": "plug", "device": {"name": "hangs now"}}]}}}},
+          {"AXRole": "AXWindow", "AXTitle": "Second"}, {"AXRole": "AXWindow", "AXTitle": "Third"},
+          {"AXRole": "AXWindow", "AXTitle": "Last"}]}]})");
+    stage.StartDriver();
+    // The titles of all windows are still to be read when the first one hangs.
+    ChildProcess request(Stage::CompanionPath(), {"--timeout", "10", "window", "Last"});
+    ASSERT_TRUE(stage.Desktop().WaitForOutput("hangs now"));
+    const auto interrupted = std::chrono::steady_clock::now();
+    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - interrupted;
+    EXPECT_LT(taken.count(), kTimeOut + kSlack);
+    EXPECT_THAT(stage.Session().Files(), Not(testing::Contains(HasSubstr("KRT9Background"))));
+}
+
 TEST(LifeCycle, WithoutCompanionTheDriverSaysSoAndKeepsRunning) {
     Stage stage;
     stage.StartDriver();
@@ -103,6 +159,7 @@ TEST(LifeCycle, NothingIsAutoreleasedForEver) {
     stage.StartDesktop("editor-10.4.6.json");
     stage.StartDriver();
     EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
+    EXPECT_EQ(stage.InterruptDriver(), 0);  // all of its output is there once it has ended
     EXPECT_THAT(stage.Driver().StandardError(), Not(HasSubstr("autorelease")));
 }
 

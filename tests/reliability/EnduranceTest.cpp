@@ -7,7 +7,7 @@
 #include <csignal>
 
 #include "tests/process/Stage.h"
-#include "tests/reliability/ProcessState.h"
+#include "tests/support/ProcessState.h"
 #include "tests/reliability/RequestMix.h"
 #include "tests/support/LongForm.h"
 #include "tests/support/Paths.h"

@@ -11,7 +11,7 @@
 
 #include "tests/process/Stage.h"
 #include "tests/reliability/Load.h"
-#include "tests/reliability/ProcessState.h"
+#include "tests/support/ProcessState.h"
 #include "tests/reliability/RequestMix.h"
 #include "tests/reliability/WaitUntil.h"
 #include "tests/support/LongForm.h"

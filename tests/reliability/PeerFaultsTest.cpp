@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tests/process/Stage.h"
-#include "tests/reliability/ProcessState.h"
+#include "tests/support/ProcessState.h"
 #include "tests/reliability/WireClient.h"
 
 namespace {

@@ -1,5 +1,6 @@
 // Loaded into the driver's process before the platform layer (LD_PRELOAD): writes down the calls of
-// its life cycle, one line each, in the file named by KRT9_CALL_TRACE, and passes them on.
+// its life cycle, one line each, in the file named by KRT9_CALL_TRACE, and passes them on. With
+// KRT9_RUN_LOOP_RETURNS in the environment the run loop that `main` runs returns at once.
 
 #include <csignal>
 #include <cstdarg>
@@ -61,6 +62,9 @@ void TracedObserve(id self, SEL command) {
 
 void TracedRun(id self, SEL command) {
     Record("run loop runs");
+    if (getenv("KRT9_RUN_LOOP_RETURNS") != nullptr) {
+        return;
+    }
     reinterpret_cast<void (*)(id, SEL)>(originalRun)(self, command);
 }
 
@@ -133,7 +137,7 @@ CGEventSourceRef CGEventSourceCreate(CGEventSourceStateID state) {
 }
 
 CFMutableStringRef CFStringCreateMutable(CFAllocatorRef allocator, CFIndex maxLength) {
-    RECORD("create last timecode")
+    RECORD(maxLength == 64 ? "create last timecode" : "create a text")
     return NEXT(CFStringCreateMutable)(allocator, maxLength);
 }
 

@@ -3,15 +3,19 @@
 #include <algorithm>
 #include <csignal>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/VirtualSlot.h"
 #include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/ReleaseWatch.h"
 
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -70,6 +74,40 @@ TEST_F(Destruction, TakesTheSourceOfTheLocalPortOutOfTheRunLoop) {
     delete driver_;
     EXPECT_FALSE(CFRunLoopSourceIsValid(source));
     EXPECT_FALSE(CFRunLoopContainsSource(CFRunLoopGetCurrent(), source, kCFRunLoopDefaultMode));
+}
+
+// The fields are looked at whenever an object that the driver owns is released: they last as long
+// as the last of them.
+TEST_F(Destruction, SignsOutOfMIDIAfterTheRemotePortIsGoneAndBeforeTheEventSourceIs) {
+    MIDIObjectRef(&spare)[2] = DriverInspector::SpareMIDIReferences(*driver_);
+    spare[0] = spare[1] = 7;
+    ASSERT_NE(DriverInspector::MIDIClient(*driver_), 0u);
+    ASSERT_TRUE(DriverInspector::Connected(*driver_));
+
+    std::vector<std::string> steps;
+    const ReleaseWatch watch([&](CFTypeRef object) {
+        const CFTypeID type = CFGetTypeID(object);
+        std::string step;
+        if (type == CFMessagePortGetTypeID()) {
+            step = "port";
+        } else if (type == CGEventSourceGetTypeID()) {
+            step = "event source";
+        } else if (type == CFDictionaryGetTypeID()) {
+            step = "element cache";
+        } else {
+            return;
+        }
+        const bool ticks = DriverInspector::TimeoutTimer(*driver_) != nullptr;
+        const bool signedIn = DriverInspector::MIDIClient(*driver_) != 0 && spare[0] == 7 &&
+                              spare[1] == 7 && DriverInspector::Connected(*driver_);
+        const bool signedOut = DriverInspector::MIDIClient(*driver_) == 0 && spare[0] == 0 &&
+                               spare[1] == 0 && !DriverInspector::Connected(*driver_);
+        steps.push_back(step + (ticks ? ", ticking" : "") + (signedIn ? ", signed in" : "") +
+                        (signedOut ? ", signed out" : ""));
+    });
+    delete driver_;
+    EXPECT_THAT(steps, ElementsAre("port, signed in", "event source, signed out",
+                                   "element cache, signed out", "port, signed out"));
 }
 
 TEST_F(Destruction, WithoutRemotePortIsHarmless) {

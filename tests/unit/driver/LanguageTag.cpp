@@ -9,6 +9,9 @@ extern "C" CFStringRef CFBundleCopyLocalizedString(CFBundleRef, CFStringRef, CFS
                                                    CFStringRef) {
     LanguageTag& current = LanguageTag::Current();
     current.asked.push_back(CFAbsoluteTimeGetCurrent());
+    if (current.whenAsked) {
+        current.whenAsked();
+    }
     return current.text ? CFStringCreateWithCString(kCFAllocatorDefault, current.text->c_str(),
                                                     kCFStringEncodingUTF8)
                         : nullptr;

@@ -5,6 +5,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,8 @@
 struct LanguageTag {
     std::optional<std::string> text = "en";  // none: there is no such string
     std::vector<CFAbsoluteTime> asked;       // when, in order
+
+    std::function<void()> whenAsked;  // in the middle of a tick
 
     static LanguageTag& Current();
 };

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "tests/support/OwnedObject.h"
 #include "tests/unit/driver/DriverTest.h"
 
 namespace {
@@ -18,6 +19,7 @@ class Timer : public DriverTest {
   protected:
     Timer() { LanguageTag::Current().text.reset(); }
     ~Timer() override {
+        LanguageTag::Current().whenAsked = nullptr;
         driver_->StopTimeoutCounter();
         if (timer_ != nullptr) {
             CFRelease(timer_);
@@ -98,9 +100,20 @@ TEST_F(Timer, DoesNotFireWhileTheLoopRunsInAnotherModeEvenACommonOne) {
 }
 
 TEST_F(Timer, RequestsAreAnsweredInACommonModeInWhichNoTickComes) {
-    const CFRunLoopSourceRef source = DriverInspector::RunLoopSource(*driver_);
-    EXPECT_TRUE(CFRunLoopContainsSource(CFRunLoopGetCurrent(), source, kCFRunLoopCommonModes));
-    EXPECT_TRUE(CFRunLoopContainsSource(CFRunLoopGetCurrent(), source, kCFRunLoopDefaultMode));
+    Start();
+    CFRunLoopAddCommonMode(CFRunLoopGetCurrent(), kOtherMode);
+    const test_support::OwnedObject<CFMessagePortRef> port(
+        CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR("KRT9Background")));
+    ASSERT_NE(port.get(), nullptr);
+    clock_.Advance(1);  // a tick is due
+    test_support::OwnedObject<CFDataRef> reply;
+    ASSERT_EQ(CFMessagePortSendRequest(port, kJGlM, nullptr, 10, 10, kOtherMode, reply.Out()),
+              kCFMessagePortSuccess);
+    ASSERT_NE(reply.get(), nullptr);
+    EXPECT_EQ(CFDataGetLength(reply), 8);
+    EXPECT_THAT(Ticks(), IsEmpty());
+    RunLoopFor(0);
+    EXPECT_THAT(Ticks(), SizeIs(1)) << "the default mode has it";
 }
 
 TEST_F(Timer, StopEndsTheTicksAndNeitherInvalidatesNorReleasesTheTimer) {
@@ -122,13 +135,15 @@ TEST_F(Timer, StopTwiceIsHarmless) {
     EXPECT_EQ(DriverInspector::TimeoutTimer(*driver_), nullptr);
 }
 
-TEST_F(Timer, StopInTheMiddleOfATickIsHarmless) {
+TEST_F(Timer, StopInTheMiddleOfATickLetsThatOneGoOnAndIsItsLast) {
     Start();
-    RunLoopFor(0.1);
-    Tick();
-    driver_->StopTimeoutCounter();
+    DriverInspector::Profile(*driver_) = 0;
+    LanguageTag::Current().whenAsked = [this] { driver_->StopTimeoutCounter(); };
     RunLoopFor(1);
-    EXPECT_THAT(Ticks(), SizeIs(2));
+    EXPECT_THAT(Ticks(), ElementsAre(At(0.1)));
+    EXPECT_EQ(DriverInspector::Profile(*driver_), 4) << "what comes after the language";
+    EXPECT_EQ(DriverInspector::TimeoutTimer(*driver_), nullptr);
+    EXPECT_EQ(CFGetRetainCount(timer_), 1);
 }
 
 TEST_F(Timer, EntryWithoutADriverDoesNothing) {

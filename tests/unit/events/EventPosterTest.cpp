@@ -3,11 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
+
 #include "events/VEK_EventPoster.h"
 #include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/EventFaults.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
+#include "tests/unit/events/QuartzCalls.h"
 
 namespace {
 
@@ -57,6 +60,13 @@ MATCHER_P3(IsKey, type, keyCode, flags, "") {
 MATCHER_P3(IsMouse, type, x, y, "") {
     return arg.type == static_cast<std::uint32_t>(type) && arg.position.x == x &&
            arg.position.y == y && arg.button == 0 && !arg.hasSource && arg.tap == kCGHIDEventTap;
+}
+
+MATCHER_P(IsScrollInPixels, wheels, "") {
+    return arg.type == static_cast<std::uint32_t>(kCGEventScrollWheel) &&
+           testing::Matches(testing::ElementsAreArray(wheels))(arg.wheels) &&
+           arg.scrollUnit == static_cast<std::uint32_t>(kCGScrollEventUnitPixel) &&
+           !arg.hasSource && !arg.flagsWereSet && arg.tap == kCGHIDEventTap;
 }
 
 MATCHER_P(HasFlags, flags, "") {
@@ -126,6 +136,14 @@ TEST_F(EventPoster, KeystrokeWithoutModifiersSetsFlagsZeroOnTheKeyDown) {
     EXPECT_THAT(events, ElementsAre(IsKey(kCGEventKeyDown, 12, 0)));
 }
 
+TEST_F(EventPoster, KeyCodesOfAll16BitsArePosted) {
+    VEK_EventPoster poster;
+    poster.PostKeystroke(0xFFFE, 0, true);
+    poster.PostKeystroke(0x0101, 0, false);
+    EXPECT_THAT(events,
+                ElementsAre(IsKey(kCGEventKeyDown, 0xFFFE, 0), IsKey(kCGEventKeyUp, 0x0101, 0)));
+}
+
 TEST_F(EventPoster, GestureStartPressesModifiersThenMovesThenClicksWithoutFlagsOfItsOwn) {
     VEK_EventPoster poster;
     poster.PostMouseStartEvent({100, 200}, 0x0800, true);
@@ -167,36 +185,64 @@ TEST_F(EventPoster, EndWithoutClickPostsNoMouseEventAndOnlyReleasesTheModifiers)
 TEST_F(EventPoster, HorizontalScrollIsTheSecondOfTwoWheelsInPixels) {
     VEK_EventPoster poster;
     poster.PostHorizontalScrollWheelContinueEvent(-7);
-    ASSERT_THAT(events, SizeIs(1));
-    EXPECT_EQ(events[0].type, static_cast<std::uint32_t>(kCGEventScrollWheel));
-    EXPECT_THAT(events[0].wheels, ElementsAre(0, -7));
-    EXPECT_EQ(events[0].scrollUnit, static_cast<std::uint32_t>(kCGScrollEventUnitPixel));
-    EXPECT_FALSE(events[0].hasSource);
-    EXPECT_THAT(events[0], HasNoFlagsOfItsOwn());
+    EXPECT_THAT(events, ElementsAre(IsScrollInPixels(std::vector{0, -7})));
 }
 
-TEST_F(EventPoster, VerticalScrollIsTheOnlyWheel) {
+TEST_F(EventPoster, VerticalScrollIsTheOnlyWheelInPixels) {
     VEK_EventPoster poster;
     poster.PostVerticalScrollWheelContinueEvent(12);
-    ASSERT_THAT(events, SizeIs(1));
-    EXPECT_THAT(events[0].wheels, ElementsAre(12));
+    EXPECT_THAT(events, ElementsAre(IsScrollInPixels(std::vector{12})));
+}
+
+TEST_F(EventPoster, ScrollStepsAreOfAnySize) {
+    VEK_EventPoster poster;
+    poster.PostVerticalScrollWheelContinueEvent(INT_MIN);
+    poster.PostHorizontalScrollWheelContinueEvent(INT_MAX);
+    EXPECT_THAT(events, ElementsAre(IsScrollInPixels(std::vector{INT_MIN}),
+                                    IsScrollInPixels(std::vector{0, INT_MAX})));
+}
+
+TEST_F(EventPoster, MakesAnEmptyEventThenItsPrivateSource) {
+    QuartzCalls().clear();
+    const VEK_EventPoster poster;
+    EXPECT_THAT(QuartzCalls(), ElementsAre("CGEventCreate(null)", "CGEventSourceCreate(-1)"));
+    EXPECT_THAT(events, IsEmpty()) << "the empty event is not posted";
+}
+
+TEST_F(EventPoster, EveryMouseEventIsOfTheLeftButtonAndWithoutSource) {
+    VEK_EventPoster poster;
+    QuartzCalls().clear();
+    poster.PostMouseStartEvent({1, 2}, 0, true);
+    poster.PostMouseContinueEvent({1, 2}, 0, true);
+    poster.PostMouseEndEvent({1, 2}, 0, true);
+    EXPECT_THAT(
+        QuartzCalls(),
+        ElementsAre("CGEventCreateMouseEvent(null, 5, 0)", "CGEventCreateMouseEvent(null, 1, 0)",
+                    "CGEventCreateMouseEvent(null, 6, 0)", "CGEventCreateMouseEvent(null, 2, 0)"));
 }
 
 // --- what happens when an event cannot be made ---------------------------------------------------
 
 TEST_F(EventPoster, WithoutEventSourceNoModifierIsPressed) {
     FailEventCreation(EventCreation::source, 1);
+    const platform_testing::LogCapture log;
     VEK_EventPoster poster;
     poster.PostModifiers(0x1B00, true);
+    poster.PostModifiers(0x1B00, false);
     EXPECT_THAT(events, IsEmpty());
+    EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
 TEST_F(EventPoster, WithoutEventSourceAKeystrokeIsPostedAllTheSame) {
     FailEventCreation(EventCreation::source, 1);
     VEK_EventPoster poster;
-    poster.PostKeystroke(49, 0, true);
-    ASSERT_THAT(events, SizeIs(1));
+    poster.PostKeystroke(49, 0x0100, true);
+    poster.PostKeystroke(49, 0x0100, false);
+    ASSERT_THAT(events, SizeIs(2));
     EXPECT_FALSE(events[0].hasSource);
+    EXPECT_THAT(events[0], HasFlags(0x00100000));
+    EXPECT_FALSE(events[1].hasSource);
+    EXPECT_THAT(events[1], HasFlags(0));
 }
 
 TEST_F(EventPoster, FailedWakeUpEventIsHarmless) {
@@ -234,6 +280,7 @@ TEST_F(EventPoster, KeyReleaseThatCannotBeMadeIsLoggedAtPriorityZero) {
     poster.PostKeystroke(49, 0, false);
     EXPECT_THAT(events, IsEmpty());
     EXPECT_THAT(log.SystemTexts(), ElementsAre("  couldn't make key release event\n"));
+    EXPECT_EQ(log.Lines()[0].priority, 0);
 }
 
 TEST_F(EventPoster, FailedMoveSuppressesTheMouseDownAndLeavesTheModifiersDown) {
@@ -262,6 +309,23 @@ TEST_F(EventPoster, FailedMouseUpDeliberatelyLeavesTheModifiersDown) {
     FailEventCreation(EventCreation::mouse, 1);
     poster.PostMouseEndEvent({1, 2}, 0x0100, true);
     EXPECT_THAT(events, IsEmpty());
+}
+
+TEST_F(EventPoster, EveryEventButAKeystrokesIsDroppedWithoutAWord) {
+    VEK_EventPoster poster;
+    const platform_testing::LogCapture log;
+    for (const EventCreation kind : {EventCreation::mouse, EventCreation::scroll}) {
+        for (unsigned long nth = 1; nth <= 10; ++nth) {
+            FailEventCreation(kind, nth);
+        }
+    }
+    poster.PostMouseStartEvent({1, 2}, 0, true);
+    poster.PostMouseContinueEvent({1, 2}, 0, true);
+    poster.PostMouseEndEvent({1, 2}, 0, true);
+    poster.PostVerticalScrollWheelContinueEvent(1);
+    poster.PostHorizontalScrollWheelContinueEvent(1);
+    EXPECT_THAT(events, IsEmpty());
+    EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
 TEST_F(EventPoster, FailedScrollPostsNothing) {

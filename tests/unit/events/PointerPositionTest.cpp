@@ -85,6 +85,13 @@ TEST_F(PointerPosition, OnAnotherScreenIsRelativeToTheMainOne) {
     EXPECT_EQ(Position().y, 1500);
 }
 
+TEST_F(PointerPosition, OnlyTheHeightOfTheMainScreenCountsAndNotItsOrigin) {
+    screens_ = {{{300, 50}, {1440, 900}}};
+    PutPointer(400, 250);
+    EXPECT_EQ(Position().x, 400);
+    EXPECT_EQ(Position().y, 650);
+}
+
 TEST_F(PointerPosition, WithoutMainScreenCountsFromAHeightOfZero) {
     PutPointer(100, 40);
     EXPECT_EQ(Position().x, 100);

@@ -3,10 +3,60 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/InProcessDesktop.h"
+#include "tests/support/TemporaryFolder.h"
 #include "workspace/FrontApplication.h"
 #import "workspace/VEK_Driver_FrontAppObserver.h"
+
+// An application that a test makes up.
+@interface MadeUpApplication : NSRunningApplication {
+  @public
+    pid_t _process;
+    NSString* _identifier;
+    NSURL* _url;
+    int _askedForURL;
+}
+@end
+
+@implementation MadeUpApplication
+
+- (pid_t)processIdentifier {
+    return _process;
+}
+
+- (NSString*)bundleIdentifier {
+    return _identifier;
+}
+
+- (NSURL*)bundleURL {
+    ++_askedForURL;
+    return _url;
+}
+
+@end
+
+// Writes down whether the change was marked already when it was told what is in front.
+@interface OrderOfSteps : VEK_Driver_FrontAppObserver {
+  @public
+    BOOL _markedBefore[4];
+    int _told;
+}
+@end
+
+@implementation OrderOfSteps
+
+- (void)collectFrontAppInfo:(NSRunningApplication*)app {
+    if (_told < 4) {
+        _markedBefore[_told++] = self.frontAppChanged;
+    }
+    [super collectFrontAppInfo:app];
+}
+
+@end
 
 namespace {
 
@@ -44,6 +94,19 @@ class FrontApplication : public testing::Test {
 
     void Activate(const std::string& application) {
         desktop.Run(R"({"command": "activate", "application": ")" + application + "\"}");
+    }
+
+    // Autoreleased. `folder` is its bundle; none: it has no bundle.
+    static MadeUpApplication* Application(NSString* identifier, const std::string& folder = "") {
+        MadeUpApplication* application = [[[MadeUpApplication alloc] init] autorelease];
+        application->_process = 900;
+        application->_identifier = identifier;
+        if (!folder.empty()) {
+            application->_url =
+                [NSURL fileURLWithPath:[NSString stringWithUTF8String:folder.c_str()]
+                           isDirectory:YES];
+        }
+        return application;
     }
 
     platform_testing::AutoreleasePool pool;
@@ -88,6 +151,19 @@ TEST_F(FrontApplication, FirstConsumerSeesAnInitialChange) {
     UInt32 signature = 0;
     NSString* bundleID = nil;
     EXPECT_TRUE(CFWorkspace_ChangedFrontApplicationSignatureAndID(&signature, &bundleID));
+    EXPECT_EQ(signature, 0x46435058u);
+    EXPECT_EQ(Text(bundleID), "com.apple.FinalCut");
+}
+
+TEST_F(FrontApplication, CurrentStateIsAlwaysWritten) {
+    UInt32 signature = 1;
+    NSString* bundleID = @"written over";
+    CFWorkspace_CurrentFrontApplicationSignatureAndID(&signature, &bundleID);
+    EXPECT_EQ(signature, 0u);
+    EXPECT_EQ(bundleID, nil);
+    CFWorkspace_StartObservingFrontApplication();
+    CFWorkspace_CurrentFrontApplicationSignatureAndID(&signature, &bundleID);
+    EXPECT_EQ(signature, 0x46435058u);
     EXPECT_EQ(Text(bundleID), "com.apple.FinalCut");
 }
 
@@ -163,6 +239,152 @@ TEST_F(FrontApplication, InformationOfAnotherTypeIsNoText) {
     EXPECT_EQ(CurrentShortVersion(), "(none)");
 }
 
+// --- what one application tells ------------------------------------------------------------------
+
+TEST_F(FrontApplication, WithoutBundleIdentifierItsBundleIsNotLookedAt) {
+    const test_support::TemporaryFolder folder;
+    folder.Write("Contents/Info.plist",
+                 R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>
+                    <key>CFBundleSignature</key><string>abcd</string>
+                    <key>CFBundleShortVersionString</key><string>9.9</string></dict></plist>)");
+    CFWorkspace_StartObservingFrontApplication();
+    MadeUpApplication* application = Application(nil, folder.Path());
+    [observer collectFrontAppInfo:application];
+    EXPECT_EQ(application->_askedForURL, 0);
+    EXPECT_EQ(CFWorkspace_CurrentFrontApplicationPID(), 900);
+    EXPECT_EQ(CurrentBundleID(), "(nil)");
+    EXPECT_EQ(CFWorkspace_FrontApplicationSignature(), kUnknown);
+    EXPECT_EQ(CurrentShortVersion(), "10.4.6");
+
+    application->_identifier = @"com.example.made-up";
+    [observer collectFrontAppInfo:application];
+    EXPECT_EQ(CFWorkspace_FrontApplicationSignature(), 0x61626364u) << "the same bundle";
+    EXPECT_EQ(CurrentShortVersion(), "9.9");
+}
+
+TEST_F(FrontApplication, WhatIsNoBundleLeavesTheShortVersionAndTheSignatureUnknown) {
+    CFWorkspace_StartObservingFrontApplication();
+    const test_support::TemporaryFolder folder;
+    for (const std::string& place : {std::string(), (folder.Path() / "missing").string()}) {
+        [observer collectFrontAppInfo:Application(@"com.example.made-up", place)];
+        EXPECT_EQ(CurrentBundleID(), "com.example.made-up");
+        EXPECT_EQ(CFWorkspace_CurrentFrontApplicationPID(), 900);
+        EXPECT_EQ(CFWorkspace_FrontApplicationSignature(), kUnknown);
+        EXPECT_EQ(CurrentShortVersion(), "10.4.6");
+    }
+}
+
+TEST_F(FrontApplication, NoApplicationChangesNothing) {
+    CFWorkspace_StartObservingFrontApplication();
+    observer.frontAppChanged = NO;
+    [observer collectFrontAppInfo:nil];
+    EXPECT_FALSE(observer.frontAppChanged);
+    EXPECT_EQ(CFWorkspace_CurrentFrontApplicationPID(), 501);
+    EXPECT_EQ(CFWorkspace_FrontApplicationSignature(), 0x46435058u);
+    EXPECT_EQ(CurrentBundleID(), "com.apple.FinalCut");
+}
+
+// --- who owns what -------------------------------------------------------------------------------
+
+// Each attempt in a pool of its own, so that the counts tell what was handed out with it.
+TEST_F(FrontApplication, IdentifierThatWasHandedOutOutlivesAnActivation) {
+    NSMutableString* identifier = [[NSMutableString alloc] initWithString:@"com.example.kept"];
+    observer.bundleID = identifier;
+    @autoreleasepool {
+        UInt32 signature = 0;
+        NSString* handedOut = nil;
+        CFWorkspace_CurrentFrontApplicationSignatureAndID(&signature, &handedOut);
+        observer.bundleID = @"com.example.next";
+        ASSERT_EQ(handedOut, identifier);
+        EXPECT_EQ([identifier retainCount], 2u) << "the test's and the pool's";
+    }
+    EXPECT_EQ([identifier retainCount], 1u);
+    observer.bundleID = identifier;
+    observer.frontAppChanged = YES;
+    @autoreleasepool {
+        UInt32 signature = 0;
+        NSString* handedOut = nil;
+        ASSERT_TRUE(CFWorkspace_ChangedFrontApplicationSignatureAndID(&signature, &handedOut));
+        observer.bundleID = nil;
+        EXPECT_EQ([identifier retainCount], 2u);
+    }
+    EXPECT_EQ([identifier retainCount], 1u);
+    [identifier release];
+}
+
+TEST_F(FrontApplication, IdentifierAndVersionOfTheOtherFunctionsAreBorrowed) {
+    NSMutableString* text = [[NSMutableString alloc] initWithString:@"text"];
+    observer.bundleID = text;
+    observer.shortVersion = text;
+    CFStringRef identifier = nullptr;
+    CFStringRef version = nullptr;
+    @autoreleasepool {
+        ASSERT_TRUE(CFWorkspace_FrontApplicationBundleID(&identifier));
+        ASSERT_TRUE(CFWorkspace_FrontApplicationShortVersion(&version));
+    }
+    EXPECT_EQ((NSString*)identifier, text) << "the very object, not a copy";
+    EXPECT_EQ((NSString*)version, text);
+    EXPECT_EQ([text retainCount], 3u) << "the test's and the two properties'";
+    [text release];
+}
+
+TEST_F(FrontApplication, DeadObserverLetsGoOfItsTexts) {
+    NSMutableString* text = [[NSMutableString alloc] initWithString:@"text"];
+    VEK_Driver_FrontAppObserver* shortLived = [[VEK_Driver_FrontAppObserver alloc] init];
+    shortLived.bundleID = text;
+    shortLived.shortVersion = text;
+    observer = [observer init];  // shared again, so that nobody holds the short-lived one
+    EXPECT_EQ([text retainCount], 3u);
+    [shortLived release];
+    EXPECT_EQ([text retainCount], 1u);
+    [text release];
+}
+
+// --- notifications -------------------------------------------------------------------------------
+
+TEST_F(FrontApplication, OnlyActivationsAreListenedToWhoeverPostsThem) {
+    CFWorkspace_StartObservingFrontApplication();
+    observer.frontAppChanged = NO;
+    NSNotificationCenter* center = [[NSWorkspace sharedWorkspace] notificationCenter];
+    NSDictionary* information =
+        [NSDictionary dictionaryWithObject:Application(@"com.example.made-up")
+                                    forKey:NSWorkspaceApplicationKey];
+    for (NSString *name in
+         [NSArray arrayWithObjects:@"NSWorkspaceDidDeactivateApplicationNotification",
+                                   @"NSWorkspaceDidLaunchApplicationNotification",
+                                   @"NSWorkspaceDidTerminateApplicationNotification", nil]) {
+        [center postNotificationName:name
+                              object:[NSWorkspace sharedWorkspace]
+                            userInfo:information];
+        EXPECT_FALSE(observer.frontAppChanged) << Text(name);
+    }
+    [[NSNotificationCenter defaultCenter]
+        postNotificationName:NSWorkspaceDidActivateApplicationNotification
+                      object:[NSWorkspace sharedWorkspace]
+                    userInfo:information];
+    EXPECT_FALSE(observer.frontAppChanged) << "of another center";
+    EXPECT_EQ(CurrentBundleID(), "com.apple.FinalCut");
+
+    [center postNotificationName:@"NSWorkspaceDidActivateApplicationNotification"
+                          object:@"anybody"
+                        userInfo:information];
+    EXPECT_TRUE(observer.frontAppChanged);
+    EXPECT_EQ(CurrentBundleID(), "com.example.made-up");
+}
+
+TEST_F(FrontApplication, ChangeIsMarkedBeforeAnActivationIsLookedAtAndAfterTheFirstApplicationIs) {
+    OrderOfSteps* steps = [[OrderOfSteps alloc] init];
+    [steps observe];
+    EXPECT_TRUE(steps.frontAppChanged);
+    steps.frontAppChanged = NO;
+    Activate("com.example.odd");
+    ASSERT_EQ(steps->_told, 2);
+    EXPECT_FALSE(steps->_markedBefore[0]);
+    EXPECT_TRUE(steps->_markedBefore[1]);
+    observer = [observer init];
+    [steps release];
+}
+
 TEST_F(FrontApplication, BundleIDFunctionWithNilIdentifierDoesNotWriteItsArgument) {
     CFWorkspace_StartObservingFrontApplication();
     CFStringRef out = CFSTR("untouched");
@@ -208,10 +430,11 @@ TEST_F(FrontApplication, SharedInstanceLivesOnWhenItsMakerLetsGoOfIt) {
 
 TEST_F(FrontApplication, CallbackIsKeptAndNeverCalled) {
     static int calls = 0;
-    observer.callback = [] { ++calls; };
+    void (*const callback)() = [] { ++calls; };
+    observer.callback = callback;
     CFWorkspace_StartObservingFrontApplication();
     Activate("com.example.odd");
-    EXPECT_NE(observer.callback, nullptr);
+    EXPECT_EQ(observer.callback, callback);
     EXPECT_EQ(calls, 0);
 }
 

@@ -1,5 +1,8 @@
 // The choice of a target window among candidates.
 
+#include <cstdint>
+#include <type_traits>
+
 #include "tests/unit/workspace/WindowLookupFixture.h"
 
 namespace {
@@ -33,6 +36,17 @@ TEST_F(WindowLookup, KeyWithoutTranslationNeverMatchesEvenIfItAppearsInATitle) {
     Translate("de", "<key>color</key><string>Farben</string>");
     EXPECT_FALSE(Find({Candidate("Final Cut Pro")}));
     EXPECT_EQ(index, 99u) << "the caller's index is left alone when no window matches";
+}
+
+TEST_F(WindowLookup, TranslationsAreReadAnewByEveryLookup) {
+    Translate("de", "<key>color</key><string>Farben</string>");
+    ASSERT_TRUE(Find({Candidate("color")}));
+    EXPECT_EQ(position.x, 500);
+    Translate("de", "<key>color</key><string>Viewer</string>");
+    ASSERT_TRUE(Find({Candidate("color")}));
+    EXPECT_EQ(position.x, 10);
+    Translate("fr", "<key>color</key><string>Nowhere</string>");
+    EXPECT_FALSE(Find({Candidate("color")}));
 }
 
 TEST_F(WindowLookup, TranslationThatIsNoTextNeverMatches) {
@@ -156,6 +170,25 @@ TEST_F(WindowLookup, TargetViewAnswersNullBeyondItsCount) {
     EXPECT_EQ(view.TargetAt(0), infos);
     EXPECT_EQ(view.TargetAt(1), infos + 1);
     EXPECT_EQ(view.TargetAt(2), nullptr);
+    EXPECT_EQ(VEK_Driver_TargetWindowInfoArray(infos, 0).TargetAt(0), nullptr);
+}
+
+TEST_F(WindowLookup, TargetViewIsPolymorphicAndDoesNothingToTheRecordsWhenItEnds) {
+    EXPECT_TRUE(std::has_virtual_destructor_v<VEK_Driver_TargetWindowInfoArray>);
+    VEK_Driver_TargetWindowInfo info = Candidate("kept");
+    delete new VEK_Driver_TargetWindowInfoArray(&info, 1);
+    EXPECT_STREQ(info.windowName, "kept");
+}
+
+TEST(TargetRecord, HoldsNamesOf256BytesAnd1024UnitsWithTheirLengthsAndWhatItCarries) {
+    VEK_Driver_TargetWindowInfo info = {};
+    EXPECT_EQ(sizeof info.windowName, 256u);
+    EXPECT_EQ(sizeof info.windowNameUnicode, 1024 * sizeof(UniChar));
+    EXPECT_EQ(sizeof info.subWindowName, 256u);
+    EXPECT_EQ(sizeof info.subWindowNameUnicode, 1024 * sizeof(UniChar));
+    info.windowNameLength = info.subWindowNameLength = ~0ull;
+    EXPECT_EQ(info.windowNameLength, UINT64_MAX);
+    EXPECT_EQ(info.subWindowNameLength, UINT64_MAX);
 }
 
 TEST_F(WindowLookup, SignatureFromAProcessSerialNumberIsAlwaysZero) {

@@ -71,9 +71,23 @@ class WindowLookup : public testing::Test {
         tag.copy(language, sizeof language - 1);
     }
 
+    // By the array of candidates and by the packed list of them, which must come to the same.
     bool Find(std::vector<VEK_Driver_TargetWindowInfo> candidates) {
-        return driver->GetPosAndSizeForTargetWindow(
+        unsigned listIndex = index;
+        CGPoint listPosition = position;
+        CGSize listSize = size;
+        const TargetWindowList list(candidates.data(), candidates.size());
+        const bool listFound =
+            driver->GetPosAndSizeForTargetWindow(list, listIndex, listPosition, listSize);
+        const bool found = driver->GetPosAndSizeForTargetWindow(
             candidates.data(), static_cast<unsigned>(candidates.size()), index, position, size);
+        EXPECT_EQ(listFound, found);
+        EXPECT_EQ(listIndex, index);
+        EXPECT_EQ(listPosition.x, position.x);
+        EXPECT_EQ(listPosition.y, position.y);
+        EXPECT_EQ(listSize.width, size.width);
+        EXPECT_EQ(listSize.height, size.height);
+        return found;
     }
 
     platform_testing::AutoreleasePool pool;

@@ -89,13 +89,43 @@ TEST_F(OtherWindows, WindowListThatFailsYieldsFalse) {
     Use(R"({"error": -25204})");
     platform_testing::LogCapture log;
     EXPECT_EQ(driver->CopyApplicationWindowList(true, @"tag"), nil);
-    EXPECT_THAT(
-        log.ConsoleTexts(),
-        testing::ElementsAre(testing::HasSubstr("CopyApplicationWindowList"),
-                             testing::HasSubstr("CopyApplicationWindowList tag retain count = 1"),
-                             testing::HasSubstr("CopyApplicationWindowList tag "
-                                                "AXUIElementCopyAttributeValue err = ffff9d8c")));
+    EXPECT_THAT(log.ConsoleTexts(),
+                testing::ElementsAre("CopyApplicationWindowList",
+                                     "CopyApplicationWindowList tag retain count = 1",
+                                     "CopyApplicationWindowList tag AXUIElementCopyAttributeValue "
+                                     "err = ffff9d8c\n"));
     EXPECT_FALSE(Find({Candidate("a")}));
+}
+
+TEST_F(WindowLookup, WindowListSaysOnlyWhenAskedWhatItDoes) {
+    const platform_testing::LogCapture log;
+    EXPECT_EQ([driver->CopyApplicationWindowList(false, @"tag") count], 3u);
+    EXPECT_THAT(log.Lines(), testing::IsEmpty());
+    EXPECT_EQ([driver->CopyApplicationWindowList(true, @"tag") count], 3u);
+    EXPECT_THAT(log.ConsoleTexts(),
+                testing::ElementsAre("CopyApplicationWindowList",
+                                     "CopyApplicationWindowList tag retain count = 1"));
+}
+
+TEST_F(OtherWindows, FailingWindowListSaysNothingUnlessAsked) {
+    Use(R"({"error": -25204})");
+    const platform_testing::LogCapture log;
+    EXPECT_EQ(driver->CopyApplicationWindowList(false, @"tag"), nil);
+    EXPECT_THAT(log.Lines(), testing::IsEmpty());
+}
+
+TEST_F(OtherWindows, WhatIsNoListIsNoWindowList) {
+    Use(R"("three windows")");
+    EXPECT_EQ(driver->CopyApplicationWindowList(false, @""), nil);
+    EXPECT_FALSE(Find({Candidate("a")}));
+}
+
+TEST_F(OtherWindows, TitleThatIsNoTextIsSkippedByNameAndEndsTheTargetSearch) {
+    Use(R"([{ "AXRole": "AXWindow", "AXTitle": 7 },
+            { "AXRole": "AXWindow", "AXTitle": "Viewer", "AXPosition": [1, 2], "AXSize": [3, 4] }])");
+    std::string name = "Viewer";
+    EXPECT_TRUE(driver->GetPosAndSizeForWindowName(name, false, position, size));
+    EXPECT_FALSE(Find({Candidate("Viewer")}));
 }
 
 TEST_F(WindowLookup, NoProcessInFrontYieldsFalseFromEveryLookup) {
@@ -134,6 +164,26 @@ TEST_F(OtherWindows, PositionOfAnotherTypeWritesNeitherOutput) {
               "AXSize": [3, 4] }])");
     std::string name = "Viewer";
     EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, false, position, size));
+    EXPECT_EQ(position.x, -1);
+    EXPECT_EQ(size.width, -1);
+}
+
+TEST_F(OtherWindows, SizeOfAnotherTypeWritesNeitherOutput) {
+    Use(R"([{ "AXRole": "AXWindow", "AXTitle": "Viewer", "AXPosition": [1, 2],
+              "AXSize": {"point": [3, 4]} }])");
+    std::string name = "Viewer";
+    EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, false, position, size));
+    EXPECT_EQ(position.x, -1);
+    EXPECT_EQ(size.width, -1);
+}
+
+TEST_F(OtherWindows, UnreadablePositionWritesNeitherOutputAndTheSizeIsNotAskedFor) {
+    Use(R"([{ "AXRole": "AXWindow", "AXTitle": "Viewer", "AXPosition": {"error": -25212},
+              "AXSize": [3, 4] }])");
+    AXUIElementRef window = driver->GetWindowElementWithTitle(@"Viewer", false);
+    const unsigned long before = desktop_link::ExchangeCount();
+    EXPECT_FALSE(driver->GetPosAndSizeForWindowElement(window, position, size));
+    EXPECT_EQ(desktop_link::ExchangeCount() - before, 1u);
     EXPECT_EQ(position.x, -1);
     EXPECT_EQ(size.width, -1);
 }

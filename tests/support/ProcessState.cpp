@@ -1,4 +1,4 @@
-#include "tests/reliability/ProcessState.h"
+#include "tests/support/ProcessState.h"
 
 #include <unistd.h>
 
