@@ -7,10 +7,10 @@
 #include <csignal>
 
 #include "tests/process/Stage.h"
-#include "tests/support/ProcessState.h"
 #include "tests/reliability/RequestMix.h"
 #include "tests/support/LongForm.h"
 #include "tests/support/Paths.h"
+#include "tests/support/ProcessState.h"
 
 namespace {
 

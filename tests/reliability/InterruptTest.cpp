@@ -11,11 +11,11 @@
 
 #include "tests/process/Stage.h"
 #include "tests/reliability/Load.h"
-#include "tests/support/ProcessState.h"
 #include "tests/reliability/RequestMix.h"
 #include "tests/reliability/WaitUntil.h"
 #include "tests/support/LongForm.h"
 #include "tests/support/Paths.h"
+#include "tests/support/ProcessState.h"
 
 namespace {
 

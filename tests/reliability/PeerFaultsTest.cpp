@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "tests/process/Stage.h"
-#include "tests/support/ProcessState.h"
 #include "tests/reliability/WireClient.h"
+#include "tests/support/ProcessState.h"
 
 namespace {
 
