@@ -30,7 +30,10 @@ void CVEK_UserSpaceDriver::RequestKRTStatus() {
         unsigned char status[kStatusSize];
         CFDataGetBytes(reply, CFRangeMake(0, kStatusSize), status);
         SetKRTStatus(status);
-    } else if (length > 0) {
+    } else if (length > 0 && length != loggedStatusLength) {
+        // The companion is asked ten times a second: its next reply of that length says nothing
+        // new.
+        loggedStatusLength = length;
         syslog(LOG_EMERG, "controller status ignored: reply of %ld bytes, %ld are needed\n", length,
                kStatusSize);
     }

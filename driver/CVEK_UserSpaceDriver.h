@@ -238,4 +238,5 @@ class CVEK_UserSpaceDriver {
     char versionString[32];
     int fcpxProfile;
     VEK_EventPoster eventPoster;
+    CFIndex loggedStatusLength = 0;  // bytes of the last status reply that was logged as too short
 };

@@ -211,4 +211,22 @@ TEST_F(LanguageSupport, SelfIsTheInstanceMadeLastAndNullOnceAnyIsGone) {
     EXPECT_EQ(CLanguageSupport::sSelf, nullptr);
 }
 
+TEST_F(LanguageSupport, EndOfTheOlderInstanceMakesSelfNullToo) {
+    auto older = std::make_unique<CLanguageSupport>("de");
+    const CLanguageSupport newer("fr");
+    ASSERT_EQ(CLanguageSupport::sSelf, &newer);
+    older.reset();
+    EXPECT_EQ(CLanguageSupport::sSelf, nullptr) << "although the newer one lives";
+}
+
+TEST_F(LanguageSupport, HomeFolderMayHaveAnyNameInUtf8) {
+    const std::filesystem::path home = home_.Path() / "J\u00FCrgen \u65E5\u672C";
+    const std::filesystem::path folder = home / "Library/Application Support/Solvanto";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "de.plist") << kXml;
+    setenv("HOME", home.c_str(), 1);
+    EXPECT_EQ(FoundIn("de", CFSTR("Color Board")), "Farbtafel");
+    setenv("HOME", home_.Path().c_str(), 1);
+}
+
 }  // namespace

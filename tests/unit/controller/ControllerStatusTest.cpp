@@ -1,8 +1,11 @@
+#include <CoreMIDI/CoreMIDI.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
@@ -18,6 +21,7 @@ namespace {
 using test_support::Bytes;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 // Seven words, most significant byte first; the last five are noise.
 Bytes Status(unsigned int units, unsigned int channels) {
@@ -101,6 +105,50 @@ TEST_F(ControllerStatus, ReplyShorterThan28BytesIsIgnoredWithOneLineAndAskedForA
     EXPECT_EQ(companion_.received.size(), 28u);
 }
 
+TEST_F(ControllerStatus, ShortReplyIsLoggedOnceUntilItsLengthChanges) {
+    const platform_testing::LogCapture log;
+    const auto askTenTimes = [this](std::optional<Bytes> reply) {
+        companion_.reply = std::move(reply);
+        for (int i = 0; i < 10; ++i) {
+            driver_->RequestKRTStatus();
+        }
+    };
+    askTenTimes(Bytes(5, 1));
+    EXPECT_THAT(log.SystemTexts(), SizeIs(1));
+    askTenTimes(Bytes());
+    askTenTimes(std::nullopt);
+    askTenTimes(Bytes(5, 2));
+    EXPECT_THAT(log.SystemTexts(), SizeIs(1)) << "what came between was not logged";
+    askTenTimes(Bytes(6, 1));
+    askTenTimes(Bytes(5, 1));
+    EXPECT_THAT(log.SystemTexts(), SizeIs(3));
+    EXPECT_EQ(companion_.received.size(), 60u) << "it is asked for all the same";
+}
+
+TEST_F(ControllerStatus, ReservedWordIsCleared) {
+    DriverInspector::StatusReserved(*driver_) = 7;
+    const Bytes status = Status(1, 2);
+    driver_->SetKRTStatus(status.data());
+    EXPECT_EQ(DriverInspector::StatusReserved(*driver_), 0);
+}
+
+TEST_F(ControllerStatus, ReplyOf28BytesIsRead) {
+    const platform_testing::LogCapture log;
+    companion_.reply = Status(7, 9);
+    ASSERT_EQ(companion_.reply->size(), 28u);
+    driver_->RequestKRTStatus();
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetUnitCount(), 7);
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetChannelCount(), 9);
+    EXPECT_THAT(log.Lines(), IsEmpty());
+}
+
+TEST_F(ControllerStatus, CountsStayZeroWhileTheFieldsHoldSomethingThatIsNotValid) {
+    DriverInspector::UnitCount(*driver_) = 5;
+    DriverInspector::ChannelCount(*driver_) = 6;
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetUnitCount(), 0);
+    EXPECT_EQ(CVEK_UserSpaceDriver::GetChannelCount(), 0);
+}
+
 TEST_F(ControllerStatus, LongerReplyIsReadAtItsFront) {
     companion_.reply = Status(3, 4);
     companion_.reply->push_back(9);
@@ -147,8 +195,28 @@ TEST_F(ControllerStatus, ConnectStateIsTheFieldThatNothingSets) {
 }
 
 TEST_F(ControllerStatus, HardwareInputIsDeliberatelyDropped) {
+    const auto contentOf = [](const void* object, std::size_t size) {
+        const auto* const start = static_cast<const unsigned char*>(object);
+        return Bytes(start, start + size);
+    };
+    MIDIPacketList packets = {};
+    packets.numPackets = 1;
+    packets.packet[0].length = 3;
+    packets.packet[0].data[0] = 0x90;
+    packets.packet[0].data[1] = 60;
+    packets.packet[0].data[2] = 100;
+    const platform_testing::LogCapture log;
+    const Bytes driver = contentOf(&*driver_, sizeof *driver_);
+    const Bytes input = contentOf(&packets, sizeof packets);
+
+    CVEK_UserSpaceDriver::HardwareReadProcEntry(&packets, &*driver_, &*driver_);
     CVEK_UserSpaceDriver::HardwareReadProcEntry(nullptr, nullptr, nullptr);
-    EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
+
+    EXPECT_TRUE(contentOf(&*driver_, sizeof *driver_) == driver) << "no byte of it has changed";
+    EXPECT_TRUE(contentOf(&packets, sizeof packets) == input);
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+    EXPECT_THAT(companion_.received, IsEmpty());
+    EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
 TEST(ControllerStatusOfASlowCompanion, TimeOutChangesNothingAndTheNextTickAsksAgain) {

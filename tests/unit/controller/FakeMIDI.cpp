@@ -66,7 +66,10 @@ using namespace fake_midi;
 
 extern "C" {
 
-OSStatus MIDIClientCreate(CFStringRef name, MIDINotifyProc, void*, MIDIClientRef* outClient) {
+OSStatus MIDIClientCreate(CFStringRef name, MIDINotifyProc notifyProc, void* context,
+                          MIDIClientRef* outClient) {
+    TheBus().notifyProcs.push_back(notifyProc);
+    TheBus().contexts.push_back(context);
     TheBus().calls.push_back("client " + TextOf(name));
     if (!TheBus().makesNoClient) {
         *outClient = kClient;
@@ -79,17 +82,21 @@ OSStatus MIDIClientDispose(MIDIClientRef client) {
     return 0;
 }
 
-OSStatus MIDIInputPortCreate(MIDIClientRef, CFStringRef portName, MIDIReadProc readProc, void*,
-                             MIDIPortRef* outPort) {
+OSStatus MIDIInputPortCreate(MIDIClientRef client, CFStringRef portName, MIDIReadProc readProc,
+                             void* context, MIDIPortRef* outPort) {
+    TheBus().portClients.push_back(client);
+    TheBus().contexts.push_back(context);
     TheBus().readProc = readProc;
     return Make("input " + TextOf(portName), TheBus().makesNoInputPort, kInputPort, outPort);
 }
 
-OSStatus MIDIOutputPortCreate(MIDIClientRef, CFStringRef portName, MIDIPortRef* outPort) {
+OSStatus MIDIOutputPortCreate(MIDIClientRef client, CFStringRef portName, MIDIPortRef* outPort) {
+    TheBus().portClients.push_back(client);
     return Make("output " + TextOf(portName), TheBus().makesNoOutputPort, kOutputPort, outPort);
 }
 
-OSStatus MIDIPortConnectSource(MIDIPortRef port, MIDIEndpointRef source, void*) {
+OSStatus MIDIPortConnectSource(MIDIPortRef port, MIDIEndpointRef source, void* context) {
+    TheBus().contexts.push_back(context);
     TheBus().calls.push_back("connect " + std::to_string(port) + " to " + std::to_string(source));
     return TheBus().connectStatus;
 }

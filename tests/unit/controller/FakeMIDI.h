@@ -35,6 +35,9 @@ struct Bus {
     std::vector<std::string> calls;  // of clients and ports, in order, with their arguments
     std::vector<std::string> namesRead;
     MIDIReadProc readProc = nullptr;
+    std::vector<const void*> contexts;  // of client, input port and connection
+    std::vector<MIDINotifyProc> notifyProcs;
+    std::vector<MIDIClientRef> portClients;  // that the two ports were made for
 };
 
 Bus& TheBus();

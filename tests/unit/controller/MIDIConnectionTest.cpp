@@ -52,6 +52,41 @@ TEST_F(MIDIConnection, SignsInUnderItsNamesAndConnectsTheControllersSource) {
     EXPECT_EQ(DriverInspector::DestinationEndpoint(*driver), fake_midi::DestinationOf(entity));
 }
 
+TEST_F(MIDIConnection, GivesMIDINeitherNotificationProcedureNorContext) {
+    EXPECT_TRUE(ConnectedWith({kController}));
+    EXPECT_THAT(TheBus().notifyProcs, ElementsAre(nullptr));
+    EXPECT_THAT(TheBus().contexts, ElementsAre(nullptr, nullptr, nullptr));
+}
+
+TEST_F(MIDIConnection, MakesBothPortsForItsClient) {
+    ConnectedWith({});
+    EXPECT_THAT(TheBus().portClients, ElementsAre(fake_midi::kClient, fake_midi::kClient));
+}
+
+TEST_F(MIDIConnection, SigningInAgainForgetsTheClientThatWas) {
+    test_support::TestDriver driver;
+    TheBus().clientStatus = kMIDIServerStartErr;
+    TheBus().makesNoClient = true;
+    TheBus().calls.clear();
+    driver->MIDISignIn();
+    EXPECT_EQ(DriverInspector::MIDIClient(*driver), 0u);
+    EXPECT_THAT(TheBus().calls, ElementsAre("client KRT9")) << "the old one is not disposed of";
+}
+
+TEST_F(MIDIConnection, EntityThatIsNotUsedLeavesBothEndpointsAsTheyWere) {
+    TheBus().devices = {{"KRT-9 USB", {{"Private", true, false}}}};
+    test_support::TestDriver driver;
+    DriverInspector::SourceEndpoint(*driver) = 7;
+    DriverInspector::DestinationEndpoint(*driver) = 8;
+    EXPECT_FALSE(driver->LocateController());
+    EXPECT_EQ(DriverInspector::SourceEndpoint(*driver), 7u);
+    EXPECT_EQ(DriverInspector::DestinationEndpoint(*driver), 8u);
+}
+
+TEST_F(MIDIConnection, EntityNamesAreComparedAsExactlyAsDeviceNames) {
+    EXPECT_FALSE(ConnectedWith({{"KRT-9 USB", {{"private"}, {"Private "}, {"Privat"}, {""}}}}));
+}
+
 TEST_F(MIDIConnection, SigningOutOnlyClearsFields) {
     TheBus().devices = {kController};
     test_support::TestDriver driver;

@@ -104,6 +104,33 @@ TEST(TargetPointSizeRecord, HoldsIndexThenFrame) {
     EXPECT_EQ(back.height, std::numeric_limits<int>::max());
 }
 
+TEST(PointSizeRecord, EachFieldIsTruncatedTowardZero) {
+    const SPointSizeSpec positive(CGPointMake(1.9, 2.9), CGSizeMake(3.9, 4.9));
+    EXPECT_EQ(positive.x, 1);
+    EXPECT_EQ(positive.y, 2);
+    EXPECT_EQ(positive.width, 3);
+    EXPECT_EQ(positive.height, 4);
+    const SPointSizeSpec negative(CGPointMake(-1.9, -2.9), CGSizeMake(-3.9, -4.9));
+    EXPECT_EQ(negative.x, -1);
+    EXPECT_EQ(negative.y, -2);
+    EXPECT_EQ(negative.width, -3);
+    EXPECT_EQ(negative.height, -4);
+}
+
+TEST(TargetPointSizeRecord, EachFieldOfTheFrameIsTruncatedTowardZero) {
+    const STargetPointSizeSpec positive(0xFFFFFFFF, CGPointMake(1.9, 2.9), CGSizeMake(3.9, 4.9));
+    EXPECT_EQ(positive.targetIndex, 0xFFFFFFFFu);
+    EXPECT_EQ(positive.x, 1);
+    EXPECT_EQ(positive.y, 2);
+    EXPECT_EQ(positive.width, 3);
+    EXPECT_EQ(positive.height, 4);
+    const STargetPointSizeSpec negative(0, CGPointMake(-1.9, -2.9), CGSizeMake(-3.9, -4.9));
+    EXPECT_EQ(negative.x, -1);
+    EXPECT_EQ(negative.y, -2);
+    EXPECT_EQ(negative.width, -3);
+    EXPECT_EQ(negative.height, -4);
+}
+
 TEST(KeystrokeRecord, HoldsKeyModifiersAndFlag) {
     SSendKeystrokeSpec record;
     record.Deserialize(Integers({0x12345, 0x1100, 1}).data());
@@ -122,6 +149,14 @@ TEST(MouseRecord, CoordinatesAreRoundedHalfUpAndTheFlagIsNormalized) {
     EXPECT_EQ(Serialized(record), Integers({11, 3, 1, 1}));
 }
 
+TEST(MouseRecord, EachCoordinateIsRoundedByItself) {
+    SSendMouseSpec record(CGPointMake(3.49, 10.5), 0x12345, 0);
+    EXPECT_EQ(record.x, 3u);
+    EXPECT_EQ(record.y, 11u);
+    EXPECT_EQ(record.button, 0x12345u) << "all 32 bits: only their use is narrower";
+    EXPECT_EQ(record.flag, 0u);
+}
+
 TEST(MouseRecord, NegativeCoordinateIsTruncatedTowardZeroAfterAddingAHalf) {
     SSendMouseSpec record(CGPointMake(-10.3, -0.6), 0, 0);
     EXPECT_EQ(Serialized(record), Integers({static_cast<unsigned int>(-9), 0, 0, 0}));
@@ -131,13 +166,16 @@ TEST(MouseRecord, CoordinatesAreReadBackAsUnsigned) {
     SSendMouseSpec record;
     record.Deserialize(Integers({0xFFFFFFF7, 5, 0x10100, 0}).data());
     EXPECT_EQ(record.x, 4294967287u);
+    EXPECT_EQ(record.y, 5u);
     EXPECT_EQ(record.button, 0x10100u);
     EXPECT_EQ(record.flag, 0u);
 }
 
 TEST(MouseRecord, FlagReadFromTheWireIsZeroOrOne) {
     SSendMouseSpec record;
-    record.Deserialize(Integers({1, 2, 3, 0x80000000}).data());
+    record.Deserialize(Integers({1, 0xFFFFFFFE, 3, 0x80000000}).data());
+    EXPECT_EQ(record.y, 4294967294u);
+    record.y = 2;
     EXPECT_EQ(Serialized(record), Integers({1, 2, 3, 1}));
 }
 

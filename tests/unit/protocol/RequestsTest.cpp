@@ -181,6 +181,39 @@ TEST_F(Requests, RadioButtonThatIsNotThereIsLogged) {
                 ElementsAre("  SetValueOfAXRadioGroupWithID (_NS:62, -1) failed!"));
 }
 
+// --- Identifiers beyond the signed range
+// ----------------------------------------------------------
+
+class LargeIdentifiers : public Requests {
+  protected:
+    LargeIdentifiers() {
+        desktop_.Run(R"({"command": "launch", "application": {
+            "bundleID": "com.apple.FinalCutTwin", "name": "Twin", "pid": 777, "windows": [
+              { "AXRole": "AXWindow", "AXTitle": "Window", "AXChildren": [
+                { "AXRole": "AXTextField", "AXIdentifier": "_NS:4294967294", "AXValue": "1" },
+                { "AXRole": "AXRadioGroup", "AXIdentifier": "_NS:4294967295", "AXChildren": [
+                  { "AXRole": "AXRadioButton", "AXValue": 1 },
+                  { "AXRole": "AXRadioButton", "AXValue": 0 } ] } ] } ] }})");
+        log_.Clear();
+    }
+};
+
+TEST_F(LargeIdentifiers, NumberIsSetAsTextOfTheElementWithTheZeroExtendedIdentifier) {
+    Ask(kJSIS, Integers({0xFFFFFFFE, 42}));
+    EXPECT_EQ(NumberIn(0xFFFFFFFE), Integers({42}));
+}
+
+TEST_F(LargeIdentifiers, RadioButtonIsSelectedInTheGroupWithTheZeroExtendedIdentifier) {
+    Ask(kJSRV, Integers({0xFFFFFFFF, 1}));
+    EXPECT_THAT(log_.ConsoleTexts(),
+                ElementsAre("  SetValueOfAXRadioGroupWithID (_NS:4294967295, 1) succeeded!"));
+    EXPECT_THAT(Ask(kJGRV, Integers({0xFFFFFFFF})), Optional(Integers({1})));
+    log_.Clear();
+    Ask(kJSRV, Integers({0x80000000, 0xFFFFFFFF}));
+    EXPECT_THAT(log_.ConsoleTexts(),
+                ElementsAre("  SetValueOfAXRadioGroupWithID (_NS:2147483648, -1) failed!"));
+}
+
 // --- Input events --------------------------------------------------------------------------------
 
 TEST_F(Requests, PointerPositionIsAlwaysAnsweredEvenWithAbsentBody) {
@@ -261,6 +294,9 @@ TEST_F(Requests, MouseCoordinatesAreUnsignedSoANegativeOneBecomesLarge) {
     Ask(kJPMC, Integers({static_cast<unsigned int>(-9), 5, 0, 1}));
     ASSERT_THAT(desktop_->Events(), SizeIs(1));
     EXPECT_EQ(desktop_->Events()[0].position, (desktop_link::Point{4294967287.0, 5}));
+    Ask(kJPMC, Integers({7, static_cast<unsigned int>(-1), 0, 1}));
+    ASSERT_THAT(desktop_->Events(), SizeIs(2));
+    EXPECT_EQ(desktop_->Events()[1].position, (desktop_link::Point{7, 4294967295.0}));
 }
 
 // --- Windows -------------------------------------------------------------------------------------
@@ -269,6 +305,14 @@ TEST_F(Requests, FrameOfANamedWindowIsTruncated) {
     EXPECT_THAT(Ask(kJWiP, Integers({0}) + Text("Final Cut Pro")),
                 Optional(Integers({0, 22, 1440, 878})));
     EXPECT_THAT(Ask(kJWiP, Integers({1}) + Text("Board")), Optional(Integers({50, 60, 300, 200})));
+}
+
+TEST_F(Requests, WindowNameIsAPartForAnyFlagButZero) {
+    for (const unsigned int flag : {2u, 0x100u, 0x80000000u}) {
+        EXPECT_THAT(Ask(kJWiP, Integers({flag}) + Text("Board")),
+                    Optional(Integers({50, 60, 300, 200})));
+    }
+    EXPECT_EQ(Ask(kJWiP, Integers({0}) + Text("Board")), std::nullopt);
 }
 
 TEST_F(Requests, WindowThatIsNotThereGetsNoReply) {
@@ -312,6 +356,14 @@ TEST_F(Requests, AcFWithItsFirstFlagTakesTheFrontApplication) {
     EXPECT_EQ(Inspector::Profile(Driver()), 5);
     EXPECT_FALSE(Inspector::ObserveClipSelection(Driver()));
     EXPECT_FALSE(Inspector::ObserveTimelineTimecode(Driver()));
+}
+
+TEST_F(Requests, AcFRefreshesForAnyFirstFlagButZero) {
+    for (const unsigned int flag : {2u, 0x100u, 0x10000u, 0x80000000u}) {
+        Inspector::FrontAppPID(Driver()) = 0;
+        Ask(kJAcF, Integers({flag, 0, 0}));
+        EXPECT_EQ(Inspector::FrontAppPID(Driver()), 501) << flag;
+    }
 }
 
 TEST_F(Requests, AcFWithItsSecondFlagObservesTheTimecode) {

@@ -135,6 +135,41 @@ TEST(TargetWindowRequest, IsReadBackWhole) {
     EXPECT_FALSE(second.hasSubWindow);
 }
 
+TEST(TargetWindowRequest, BothCarriedValuesAreReadAsUnsigned) {
+    STargetWindowRequestSpec record;
+    record.Deserialize(
+        (Integers({1}) + NameField("") + Integers({0xFFFFFFFE, 0x80000000, 0, 0, 0})).data());
+    EXPECT_EQ(record.targets[0].firstValue, 4294967294.0);
+    EXPECT_EQ(record.targets[0].secondValue, 2147483648.0);
+}
+
+TEST(TargetWindowRequest, EachFlagIsTrueForAnyNumberButZero) {
+    for (const unsigned int flag : {1u, 2u, 0x100u, 0x80000000u}) {
+        STargetWindowRequestSpec record;
+        record.Deserialize((Integers({1}) + NameField("") + Integers({0, 0, 0, flag, 0})).data());
+        EXPECT_TRUE(record.targets[0].firstFlag) << flag;
+        EXPECT_FALSE(record.targets[0].hasSubWindow);
+        record.Deserialize(
+            (Integers({1}) + NameField("") + Integers({0, 0, 0, 0, flag}) + NameField("Sub"))
+                .data());
+        EXPECT_FALSE(record.targets[0].firstFlag);
+        EXPECT_TRUE(record.targets[0].hasSubWindow) << flag;
+        EXPECT_STREQ(record.targets[0].subWindowName, "Sub");
+    }
+}
+
+TEST(TargetWindowRequest, ReadingAgainForgetsTheCandidatesThatWere) {
+    STargetWindowRequestSpec record;
+    record.Deserialize(
+        (Integers({1}) + NameField("Event") + Integers({1, 2, 3, 1, 1}) + NameField("Viewer"))
+            .data());
+    record.Deserialize((Integers({1}) + NameField("") + Integers({0, 0, 0, 0, 0})).data());
+    EXPECT_EQ(record.targets.size(), 1u);
+    EXPECT_STREQ(record.targets[0].windowName, "");
+    EXPECT_STREQ(record.targets[0].subWindowName, "");
+    EXPECT_EQ(record.SerialBufferSize(), 29u);
+}
+
 TEST(TargetWindowRequest, WhatWasReadIsWrittenAgain) {
     const Bytes wire = Integers({1}) + NameField("Event") + Integers({5, 0xFFFFFFFE, 7, 1, 0});
     STargetWindowRequestSpec record;
