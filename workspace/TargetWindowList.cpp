@@ -74,9 +74,6 @@ class Reader {
 }  // namespace
 
 TargetWindowList::TargetWindowList(const Info* infos, std::size_t count) {
-    std::size_t size = 0;
-    std::for_each_n(infos, count, [&size](const Info& info) { size += PackedSize(info); });
-    Reserve(size);
     std::for_each_n(infos, count, [this](const Info& info) { Append(info); });
 }
 

@@ -65,7 +65,7 @@ AllocationMeter::~AllocationMeter() {
 
 Allocations AllocationMeter::SoFar() const {
     return {counters.count, counters.largest, counters.total,
-            static_cast<std::size_t>(counters.peak)};
+            static_cast<std::size_t>(counters.peak), counters.live};
 }
 
 #if __has_feature(address_sanitizer)

@@ -45,6 +45,16 @@ TEST(AllocationMeter, PeakIsWhatLivedAtOneTime) {
     EXPECT_EQ(meter.SoFar().count, 10U);
 }
 
+TEST(AllocationMeter, LiveIsWhatHasNotBeenFreed) {
+    const AllocationMeter meter;
+    void* volatile kept = std::malloc(kBytes);
+    std::free(std::malloc(2 * kBytes));
+    EXPECT_GE(meter.SoFar().live, static_cast<long>(kBytes));
+    EXPECT_LT(meter.SoFar().live, static_cast<long>(kBytes + kSlack));
+    std::free(kept);
+    EXPECT_EQ(meter.SoFar().live, 0);
+}
+
 TEST(AllocationMeter, CountsFromItsOwnBeginning) {
     {
         const AllocationMeter earlier;

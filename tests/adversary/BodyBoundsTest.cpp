@@ -2,12 +2,14 @@
 // them to the driver: what cannot be a record costs one log line and nothing else.
 
 #include <ostream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "platform/DesktopLink/Transport.h"
 #include "protocol/MessageCodes.h"
 #include "tests/adversary/AllocationMeter.h"
+#include "tests/support/LeakAllowance.h"
 #include "tests/unit/protocol/DispatcherTest.h"
 
 namespace {
@@ -137,10 +139,37 @@ std::vector<Body> AcceptedBodies() {
     return bodies;
 }
 
+// One path of a request through the driver each, with a body that a megabyte of anything follows.
+std::vector<Body> LongBodies() {
+    const Bytes rest(1000000, 0xFF);
+    return {
+        {"UnknownCode", FourCharacterCode("ABCD"), rest},
+        {"NoOperation", kJPth, rest},
+        {"NoBody", kJGlM, rest},
+        {"Element", kJElV, Integers({59}) + rest},
+        {"ElementThatIsNotThere", kJElV, Integers({1234}) + rest},
+        {"Press", kJBtP, Integers({59}) + rest},
+        {"TwoIntegers", kJSIS, Integers({60, 5}) + rest},
+        {"FailedTwoIntegers", kJSRV, Integers({1234, 5}) + rest},
+        {"ThreeIntegers", kJAcF, Integers({1, 0, 0}) + rest},
+        {"Keystroke", kJCPK, Integers({0x31, 0, 0}) + rest},
+        {"Mouse", kJPMC, Integers({1, 2, 0, 0}) + rest},
+        {"Window", kJWiP, Integers({1}) + Text("Board") + rest},
+        {"WindowThatIsNotThere", kJWiP, Integers({1}) + Text("Absent") + rest},
+        {"WindowOfALongName", kJWiP, Integers({1}) + Text(Long(1000000))},
+        {"TargetWindow", kJTWP, Targets(1, Candidate(Name("Board"))) + rest},
+        {"ManyTargetWindows", kJTWP, Targets(40000, Bytes(40000 * kSmallestCandidate, 0))},
+        {"RefusedWindow", kJWiP, Integers({1}) + rest},
+        {"RefusedTargetWindows", kJTWP, Integers({0xFFFFFFFF}) + rest},
+    };
+}
+
+class LongBody : public DispatcherTest, public testing::WithParamInterface<Body> {};
 class RefusedBody : public DispatcherTest, public testing::WithParamInterface<Body> {};
 class AcceptedBody : public DispatcherTest, public testing::WithParamInterface<Body> {};
 
 const auto kNameOfBody = [](const auto& info) { return info.param.name; };
+INSTANTIATE_TEST_SUITE_P(Of, LongBody, testing::ValuesIn(LongBodies()), kNameOfBody);
 INSTANTIATE_TEST_SUITE_P(With, RefusedBody, testing::ValuesIn(RefusedBodies()), kNameOfBody);
 INSTANTIATE_TEST_SUITE_P(With, AcceptedBody, testing::ValuesIn(AcceptedBodies()), kNameOfBody);
 
@@ -194,6 +223,35 @@ TEST_P(AcceptedBody, TakesMemoryInProportionToItself) {
     Ask(body.code, body.bytes);  // fills the caches of the runtime
     const Cost cost = CostOf([&] { return Ask(body.code, body.bytes); });
     EXPECT_LE(cost.allocations.peak, factor * body.bytes.size() + kOfTheLookup);
+}
+
+// The driver's copy of a body would be a megabyte, and so would the record's.
+TEST_P(LongBody, IsFreedWithEverythingMadeOfItWhenTheRequestIsOver) {
+    constexpr long kSmallLeftover = 64 * 1024;  // bytes: caches of the runtime, the log's capture
+    const Body& body = GetParam();
+    Ask(body.code, body.bytes);
+    const AllocationMeter meter;
+    Ask(body.code, body.bytes);
+    EXPECT_GT(meter.SoFar().peak, body.bytes.size()) << "it was copied";
+    EXPECT_LT(meter.SoFar().live, kSmallLeftover);
+}
+
+TEST_P(LongBody, IsFreedWhenAnExceptionPassesThroughTheRequest) {
+    constexpr long kOfThePools = 256 * 1024;  // bytes: what was under way in Foundation's hands
+    const Body& body = GetParam();
+    const test_support::LeakAllowance stoppedHalfWay;
+    desktop_->onRead = [](const auto&, const auto&) { throw std::runtime_error("adversary"); };
+    const auto ask = [&] {
+        try {
+            Ask(body.code, body.bytes);
+        } catch (const std::runtime_error&) {
+        }
+    };
+    ask();
+    const AllocationMeter meter;
+    ask();
+    EXPECT_LT(meter.SoFar().live, kOfThePools);
+    desktop_->onRead = nullptr;
 }
 
 TEST_P(AcceptedBody, CutByOneByteIsRefused) {
