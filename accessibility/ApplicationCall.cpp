@@ -1,31 +1,65 @@
 #include "accessibility/ApplicationCall.h"
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "driver/OwnedReference.h"
+
 namespace {
 
-// Applications that answer with kAXErrorCannotComplete themselves do so within milliseconds; then
-// only that one call has failed.
-constexpr CFTimeInterval kLongestAnswer = 0.25;
+// The system measures the time-out itself, and not by this clock: it may end a little early here.
+constexpr double kNearlyAll = 0.9;
+
+constinit CallTiming timing;
+bool timeoutIsSet = false;
+
+int operations = 0;                // under way, one within the other
+std::vector<pid_t> hungProcesses;  // found by them; few, if any
+
+void SetTimeoutOfProcess() {
+    const OwnedReference<AXUIElementRef> systemWide(AXUIElementCreateSystemWide());
+    AXUIElementSetMessagingTimeout(systemWide.get(), timing.timeout);
+    timeoutIsSet = true;
+}
+
+bool IsHung(pid_t process) {
+    return std::find(hungProcesses.begin(), hungProcesses.end(), process) != hungProcesses.end();
+}
 
 }  // namespace
 
-int OneWait::depth = 0;
-bool OneWait::over = false;
-
 OneWait::OneWait() {
-    ++depth;
+    ++operations;
 }
 
 OneWait::~OneWait() {
-    --depth;
-    over = over && depth > 0;
+    if (--operations == 0) {
+        hungProcesses.clear();
+    }
 }
 
-bool OneWait::IsOver() {
-    return over;
+CallTiming SetCallTiming(const CallTiming& newTiming) {
+    timeoutIsSet = false;
+    return std::exchange(timing, newTiming);
 }
 
-void OneWait::Note(AXError error, CFTimeInterval seconds) {
-    if (depth > 0 && error == kAXErrorCannotComplete && seconds > kLongestAnswer) {
-        over = true;
+MeasuredCall::MeasuredCall(AXUIElementRef element) {
+    if (!timeoutIsSet) {
+        SetTimeoutOfProcess();
+    }
+    AXUIElementGetPid(element, &process_);
+    start_ = timing.now();
+}
+
+bool MeasuredCall::IsInVain() const {
+    return IsHung(process_);
+}
+
+void MeasuredCall::Ended(AXError error) {
+    const std::chrono::duration<double> taken = timing.now() - start_;
+    if (operations > 0 && error == kAXErrorCannotComplete &&
+        taken.count() >= kNearlyAll * timing.timeout) {
+        hungProcesses.push_back(process_);
     }
 }

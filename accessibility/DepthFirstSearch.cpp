@@ -1,6 +1,6 @@
 #include "accessibility/DepthFirstSearch.h"
 
-#include <unordered_set>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -12,6 +12,7 @@ struct Level {
     OwnedReference<CFArrayRef> owner;  // the attributes that hold `children`; null at the top
     CFArrayRef children;
     CFIndex next;  // index of the child to visit
+    bool* onPath;  // whether the element whose children these are is on the path; null at the top
 };
 
 // Two objects for the same control are different pointers but equal, and hash alike.
@@ -38,22 +39,48 @@ bool IsSearchedFurther(CFStringRef role) {
 struct DepthFirstSearch::Walk {
     std::vector<Level> path;
 
-    // Elements whose children are, or have been, on the path. An application may answer children
-    // that are an ancestor, or the children of several parents: without this the walk would never
-    // end, or take time that grows exponentially. Searching the same children again could find
-    // nothing new.
-    std::unordered_set<OwnedReference<AXUIElementRef>, ElementHash, ElementEqual> descended;
+    // The elements that were descended into, with whether they are on the path now. An application
+    // may answer children that are an ancestor: without this the walk would never end.
+    std::unordered_map<OwnedReference<AXUIElementRef>, bool, ElementHash, ElementEqual> descended;
+
+    int repeatedDescents = 0;
+
+    void Push(OwnedReference<CFArrayRef> owner, CFArrayRef children, bool* onPath) {
+        path.push_back(Level{std::move(owner), children, 0, onPath});
+    }
+
+    void Pop() {
+        if (bool* onPath = path.back().onPath) {
+            *onPath = false;
+        }
+        path.pop_back();
+    }
+
+    // Takes note of the descent into the element: where to tell whether it is on the path; null
+    // when it must not be descended into.
+    bool* Enter(AXUIElementRef element) {
+        const auto [entry, first] = descended.try_emplace(Retained(element), true);
+        if (first) {
+            return &entry->second;
+        }
+        if (entry->second || repeatedDescents == kMostRepeatedDescents) {
+            return nullptr;
+        }
+        ++repeatedDescents;
+        entry->second = true;
+        return &entry->second;
+    }
 };
 
 OwnedReference<AXUIElementRef> DepthFirstSearch::Find(CFArrayRef children) {
     Walk walk;
-    walk.path.push_back(Level{nullptr, children, 0});
+    walk.Push(nullptr, children, nullptr);
     BeginLevel();
     while (!walk.path.empty()) {
         Level& level = walk.path.back();
         if (level.next >= CountOf(level.children)) {
             EndLevel(false);
-            walk.path.pop_back();
+            walk.Pop();
             continue;
         }
         CFIndex index = level.next++;
@@ -91,8 +118,8 @@ void DepthFirstSearch::Descend(Walk& walk, AXUIElementRef child,
         return;
     }
     ChildrenRead(CFArrayGetCount(children));
-    if (walk.descended.insert(Retained(child)).second) {
-        walk.path.push_back(Level{std::move(attributes), children, 0});
+    if (bool* onPath = walk.Enter(child)) {
+        walk.Push(std::move(attributes), children, onPath);
         BeginLevel();
     }
 }

@@ -1,6 +1,13 @@
 // The walk that every search by identifier shares: depth-first, pre-order, first match in array
 // order, to any depth.
 //
+// An element that is listed several times is searched each time it is met, since its children may
+// have changed meanwhile. Only one that is on the way down to where it is met again, its own
+// ancestor or its own child, is not searched there. An application whose groups list each other
+// could make such a walk take time that grows exponentially with their number; therefore a search
+// descends at most kMostRepeatedDescents times into elements that it has been in before, and from
+// then on into those only that are new to it.
+//
 // The searches tell candidates apart, and narrate their progress, each in its own way; they fill in
 // the steps below. Every step corresponds to a moment of a recursive search in which one level
 // handles one array of children. The walk itself keeps its path on the heap, so depth costs no
@@ -17,6 +24,8 @@ class DepthFirstSearch {
     // Where the attribute names of a search must hold these attributes.
     static constexpr CFIndex kRoleIndex = 0;
     static constexpr CFIndex kChildrenIndex = 1;
+
+    static constexpr int kMostRepeatedDescents = 1000;
 
     // `attributeNames` are what is read of every child, in one exchange; they must outlive the
     // search.

@@ -28,7 +28,7 @@ Reference TypedValueAt(CFArrayRef values, CFIndex index, CFTypeID type) {
 
 OwnedReference<CFTypeRef> CopyAttribute(AXUIElementRef element, CFStringRef name) {
     CFTypeRef value = nullptr;
-    if (element == nullptr || CallApplication([&] {
+    if (element == nullptr || CallApplication(element, [&] {
                                   return AXUIElementCopyAttributeValue(element, name, &value);
                               }) != kAXErrorSuccess) {
         return nullptr;
@@ -61,7 +61,7 @@ bool GetPointAttribute(AXUIElementRef element, CFStringRef name, CGPoint& point)
 
 OwnedReference<CFArrayRef> CopyAttributes(AXUIElementRef element, CFArrayRef names) {
     CFArrayRef values = nullptr;
-    if (element == nullptr || names == nullptr || CallApplication([&] {
+    if (element == nullptr || names == nullptr || CallApplication(element, [&] {
                                                       return AXUIElementCopyMultipleAttributeValues(
                                                           element, names, 0, &values);
                                                   }) != kAXErrorSuccess) {

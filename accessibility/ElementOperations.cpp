@@ -17,7 +17,7 @@ OwnedReference<AXUIElementRef> FindElement(VEK_C_AXUtils& axUtils, CFStringRef i
 }
 
 bool Press(AXUIElementRef element) {
-    return CallApplication([element] {
+    return CallApplication(element, [element] {
                return AXUIElementPerformAction(element, kAXPressAction);
            }) == kAXErrorSuccess;
 }

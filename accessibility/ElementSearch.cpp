@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr pid_t kNoProcess = -1;
+constexpr pid_t kNoFrontProcess = -1;
 
 // Where sMultipleAttributes holds what DepthFirstSearch leaves to the search.
 constexpr CFIndex kIdentifierIndex = 2;
@@ -136,7 +136,7 @@ CFArrayRef VEK_C_AXUtils::copyFrontApplicationWindowList(bool debug, const char*
         ConsoleLog(CFSTR("%s rebuilding list"), tag);
     }
     pid_t process = CFWorkspace_CurrentFrontApplicationPID();
-    if (process == kNoProcess) {
+    if (process == kNoFrontProcess) {
         return nullptr;
     }
     OwnedReference<AXUIElementRef> application(AXUIElementCreateApplication(process));
@@ -147,7 +147,7 @@ CFArrayRef VEK_C_AXUtils::copyFrontApplicationWindowList(bool debug, const char*
         return nullptr;
     }
     CFTypeRef value = nullptr;
-    AXError error = CallApplication([&] {
+    AXError error = CallApplication(application.get(), [&] {
         return AXUIElementCopyAttributeValue(application.get(), kAXWindowsAttribute, &value);
     });
     if (error != kAXErrorSuccess) {

@@ -47,8 +47,8 @@ CFStringRef VEK_C_AXUtils::CopyStringValueForElement(AXUIElementRef element) {
 // A text field takes over a new value only when it is confirmed.
 bool VEK_C_AXUtils::SetStringValueForElement(AXUIElementRef element, CFStringRef text) {
     const AXError set = CallApplication(
-        [&] { return AXUIElementSetAttributeValue(element, kAXValueAttribute, text); });
-    return set == kAXErrorSuccess && CallApplication([&] {
+        element, [&] { return AXUIElementSetAttributeValue(element, kAXValueAttribute, text); });
+    return set == kAXErrorSuccess && CallApplication(element, [&] {
                                          return AXUIElementPerformAction(element, kAXConfirmAction);
                                      }) == kAXErrorSuccess;
 }
@@ -64,7 +64,7 @@ CFStringRef VEK_C_AXUtils::CopyDescriptionForElement(AXUIElementRef element) {
 // The query fails for a destroyed element; whether the attribute is settable does not matter.
 bool VEK_C_AXUtils::ElementIsValid(AXUIElementRef element) {
     Boolean settable = false;
-    return CallApplication([&] {
+    return CallApplication(element, [&] {
                return AXUIElementIsAttributeSettable(element, kAXIdentifierAttribute, &settable);
            }) == kAXErrorSuccess;
 }

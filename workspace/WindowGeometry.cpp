@@ -23,7 +23,7 @@ bool CVEK_UserSpaceDriver::GetPosAndSizeForWindowName(std::string& name, bool pa
     if (window == nullptr) {
         return false;
     }
-    if (CallApplication([window] {
+    if (CallApplication(window, [window] {
             return AXUIElementSetAttributeValue(window, kAXMainAttribute, kCFBooleanTrue);
         }) != kAXErrorSuccess) {
         return false;

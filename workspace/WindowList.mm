@@ -23,8 +23,9 @@ NSArray* CVEK_UserSpaceDriver::CopyApplicationWindowList(bool debug, NSString* l
               CFGetRetainCount(application));
     }
     CFTypeRef windows = nullptr;
-    const AXError error = CallApplication(
-        [&] { return AXUIElementCopyAttributeValue(application, kAXWindowsAttribute, &windows); });
+    const AXError error = CallApplication(application, [&] {
+        return AXUIElementCopyAttributeValue(application, kAXWindowsAttribute, &windows);
+    });
     CFRelease(application);
     if (error != kAXErrorSuccess) {
         if (debug) {

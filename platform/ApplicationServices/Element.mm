@@ -113,6 +113,14 @@ AXUIElementRef AXUIElementCreateSystemWide() {
     return Create(0, kSystemWideIdentifier);
 }
 
+AXError AXUIElementGetPid(AXUIElementRef element, pid_t* pid) {
+    if (!IsElement(element) || pid == nullptr) {
+        return kAXErrorIllegalArgument;
+    }
+    *pid = Object(element)->_pid;
+    return kAXErrorSuccess;
+}
+
 AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds) {
     if (!IsElement(element) || !(timeoutInSeconds >= 0)) {
         return kAXErrorIllegalArgument;

@@ -37,6 +37,8 @@ const SearchRules kFromWindows = {
 const SearchRules kInArray = {{"AXRole", "AXChildren", "AXIdentifier"},
                               {"AXButton", "AXCheckBox", "AXTable", "AXRadioGroup"}};
 
+constexpr int kMostEnteredAgain = 1000;  // into elements that the search has been in before
+
 // Depth-first below one array of children.
 class Search {
   public:
@@ -56,8 +58,11 @@ class Search {
             }
             const auto* below = values->size() > 1 ? ArrayIn((*values)[1]) : nullptr;
             if (below != nullptr && IsOneOf(*role, {"AXGroup", "AXSplitGroup", "AXScrollArea"}) &&
-                IsNew(*child)) {
-                if (const auto found = In(*below)) {
+                MayBeEntered(*child)) {
+                path_.push_back(*child);
+                const auto found = In(*below);
+                path_.pop_back();
+                if (found) {
                     return found;
                 }
             }
@@ -73,20 +78,26 @@ class Search {
                !(knowsSubrole && role == "AXTextField" && TextAt(values, 3) == "AXSearchField");
     }
 
-    // An application whose elements hold each other would be searched for ever.
-    bool IsNew(const ElementReference& element) {
-        if (std::find(descended_.begin(), descended_.end(), element) != descended_.end()) {
+    // Not within itself, and not more than so often again: an application whose elements hold each
+    // other would be searched for ever.
+    bool MayBeEntered(const ElementReference& element) {
+        if (std::find(path_.begin(), path_.end(), element) != path_.end()) {
             return false;
         }
-        descended_.push_back(element);
-        return true;
+        if (std::find(entered_.begin(), entered_.end(), element) == entered_.end()) {
+            entered_.push_back(element);
+            return true;
+        }
+        return ++enteredAgain_ <= kMostEnteredAgain;
     }
 
     Replay& replay_;
     const SearchRules& rules_;
     const std::string& id_;
     const std::string& role_;
-    std::vector<ElementReference> descended_;
+    std::vector<ElementReference> path_;
+    std::vector<ElementReference> entered_;
+    int enteredAgain_ = 0;
 };
 
 }  // namespace

@@ -2,18 +2,20 @@
 // wherever in it the application stops answering.
 //
 // A search goes on after a control that fails, since the one sought may stand behind it; but a call
-// that was waited for to the end of its time-out means that the whole application hangs, and the
-// calls that would follow are not made.
+// that was waited for to the end of its time-out means that its whole process hangs, and the calls
+// on that process that would follow are not made. What belongs to other processes is found.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <thread>
 
 #include "platform/Testing/TestClock.h"
 #include "protocol/MessageCodes.h"
 #include "tests/adversary/DriverUnderAttack.h"
 #include "tests/adversary/Operations.h"
+#include "tests/support/CallClock.h"
 
 namespace adversary {
 
@@ -30,16 +32,39 @@ const char* const kScene = R"({"front": "com.apple.FinalCut", "applications": [
         {"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59", "AXValue": 3}]}]},
     {"AXRole": "AXWindow", "AXTitle": "Second", "AXChildren": [{"AXRole": "AXButton"}]}]}]})";
 
+// An editor that works, with a view of another process, 777, before everything else in its window.
+const char* const kSceneWithRemoteView = R"({"front": "com.apple.FinalCut", "applications": [
+  {"bundleID": "com.apple.FinalCut", "pid": 501, "windows": [
+    {"AXRole": "AXWindow", "AXTitle": "Only", "AXChildren": [
+      {"AXRole": "AXGroup", "AXChildren": [
+        {"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59", "AXValue": 3},
+        {"AXRole": "AXStaticText", "AXIdentifier": "_NS:100", "AXValue": "Clip"},
+        {"AXRole": "AXLayoutArea", "AXIdentifier": "_NS:393", "AXChildren": [
+          {"AXRole": "AXValueIndicator", "AXDescription": "Playhead",
+           "AXValueDescription": "01:00"}]}]}],
+     "misbehaviour": {"read": {"AXChildren": {"answer": {"array": [
+       {"element": "/0", "application": "com.example.extension"},
+       {"element": "/0", "application": "com.example.extension"},
+       {"element": "/0/0"}]}}}}}]},
+  {"bundleID": "com.example.extension", "pid": 777, "windows": [
+    {"AXRole": "AXGroup", "AXChildren": [
+      {"AXRole": "AXCheckBox", "AXIdentifier": "_NS:60", "AXValue": 8}]}]}]})";
+
+const std::string kHangExtension = R"({"command": "hang", "application": "com.example.extension"})";
 const std::string kHang = R"({"command": "hang", "application": "com.apple.FinalCut"})";
 const std::string kKill = R"({"command": "kill", "application": "com.apple.FinalCut"})";
 const std::string kUnhang = R"({"command": "unhang", "application": "com.apple.FinalCut"})";
 
 constexpr double kTimeOut = 6;  // seconds
+constexpr std::int32_t kEditor = 501;
+constexpr std::int32_t kExtension = 777;
 
 class HungApplication : public testing::Test {
   protected:
     HungApplication() {
-        driver_.Desktop().onSilence = [this](double seconds) { clock_.Advance(seconds); };
+        driver_.Desktop().onSilence = [](double seconds) {
+            test_support::CallClock::Advance(seconds);
+        };
         Begin(kScene);
     }
 
@@ -48,13 +73,27 @@ class HungApplication : public testing::Test {
         driver_.Desktop().Load(scene);
     }
 
-    // Seconds that the driver waited for answers that never came.
-    double Waited() {
+    // Seconds that the driver waited for answers that never came, of one process or of all.
+    double Waited(std::optional<std::int32_t> process = std::nullopt) {
         double seconds = 0;
         for (const Exchange& exchange : driver_.Desktop().Exchanges()) {
-            seconds += exchange.reply ? 0 : exchange.timeout;
+            if (!exchange.reply && (!process || exchange.request.element.pid == *process)) {
+                seconds += exchange.timeout;
+            }
         }
         return seconds;
+    }
+
+    // The exchange with that number, counted from 0, ends with the error of a hung application, but
+    // so many seconds after it began.
+    void FailAfter(double seconds, std::size_t exchange) {
+        driver_.Desktop().onReply = [=](std::size_t now, auto& reply) {
+            if (now == exchange) {
+                test_support::CallClock::Advance(seconds);
+                reply->error = kAXErrorCannotComplete;
+                reply->values.clear();
+            }
+        };
     }
 
     // From the moment on that the n-th exchange begins.
@@ -68,6 +107,7 @@ class HungApplication : public testing::Test {
     }
 
     // Runs it with an editor that hangs from that exchange on, if any; the number of exchanges.
+    // Undisturbed, it must do what it is there for.
     std::size_t RunFrom(const DriverOperation& operation, std::optional<std::size_t> exchange,
                         const std::string& command = kHang) {
         if (operation.clipSource) {
@@ -75,22 +115,45 @@ class HungApplication : public testing::Test {
             driver_.LookForClipNameIn(*operation.clipSource);
         }
         Begin(operation.scene, operation.version);
+        driver_.Expected().mainWindow = driver_.Desktop().Find("/1");
         if (operation.clipSource) {
             driver_.ObserveBoth();
         }
         if (exchange) {
             HangAt(*exchange, command);
         }
-        operation.run(driver_);
+        const Outcome outcome = operation.run(driver_);
+        if (!exchange) {
+            Replay replay(driver_.Desktop().Exchanges());
+            EXPECT_EQ(Description(outcome),
+                      Description(operation.expect(driver_.Expected(), replay)))
+                << operation.name;
+            EXPECT_EQ(replay.Deviation(), "") << operation.name;
+        }
         driver_.Desktop().onMoment = nullptr;
         driver_.LoseTrack();
         return driver_.Desktop().Exchanges().size();
     }
 
-    std::optional<Bytes> ValueOf59() { return driver_.Ask(kJElV, Integers({59})).reply; }
+    std::optional<Bytes> ValueOf(unsigned number) {
+        return driver_.Ask(kJElV, Integers({number})).reply;
+    }
+    std::optional<Bytes> ValueOf59() { return ValueOf(59); }
+
+    // What the tick sends that looks for the clip's name in the first static text.
+    std::vector<std::string> SentByATick(const std::string& scene, const std::string& command) {
+        driver_.LookForClipNameIn(0);
+        Begin(scene);
+        driver_.ObserveBoth();
+        driver_.Desktop().Run(command);
+        std::vector<std::string> sent = driver_.Tick().sent;
+        driver_.LoseTrack();
+        return sent;
+    }
 
     platform_testing::AutoreleasePool pool_;
-    platform_testing::TestClock clock_;
+    platform_testing::TestClock wallClock_;
+    test_support::CallClock callClock_;
     DriverUnderAttack driver_;
 };
 
@@ -161,21 +224,115 @@ TEST_F(HungApplication, ThatIsDeadCostsNoTimeAtAll) {
     }
 }
 
-// The error of a hung application, but at once: it is that control's alone, and the search goes on.
+// The error of a hung application, but early: it is that control's alone, and the search goes on.
 TEST_F(HungApplication, IsNotTakenForOneThatCannotCompleteASingleCall) {
-    driver_.Desktop().onReply = [](std::size_t exchange, auto& reply) {
-        if (exchange == 2) {
-            reply->error = kAXErrorCannotComplete;
-            reply->values.clear();
-        }
-    };
+    FailAfter(0, 2);
     EXPECT_EQ(ValueOf59(), Integers({3}));
+}
+
+TEST_F(HungApplication, IsNotTakenForAGroupThatCannotCompleteAfterAWhile) {
+    for (const double seconds : {0.25, 0.3, 1.0, 5.0}) {
+        driver_.Desktop().Restart();
+        FailAfter(seconds, 2);
+        EXPECT_EQ(ValueOf59(), Integers({3})) << seconds;
+    }
+}
+
+// A call that takes no time at all, while somebody sets the clock.
+TEST_F(HungApplication, IsNotTakenForAStepOfTheWallClock) {
+    for (const double step : {7.0, 86'400.0, -86'400.0}) {
+        driver_.Desktop().Restart();
+        driver_.Desktop().onReply = [&](std::size_t exchange, auto& reply) {
+            if (exchange == 2) {
+                wallClock_.Advance(step);
+                reply->error = kAXErrorCannotComplete;
+                reply->values.clear();
+            }
+        };
+        EXPECT_EQ(ValueOf59(), Integers({3})) << step;
+    }
+}
+
+// Set back by a day while the driver waits: it has waited nevertheless.
+TEST_F(HungApplication, IsRecognisedAcrossAStepOfTheWallClock) {
+    driver_.Desktop().onSilence = [this](double seconds) {
+        test_support::CallClock::Advance(seconds);
+        wallClock_.Advance(-86'400);
+    };
+    HangAt(4);
+    EXPECT_EQ(ValueOf59(), std::nullopt);
+    EXPECT_EQ(Waited(), kTimeOut);
 }
 
 // The answer comes late, but it comes.
 TEST_F(HungApplication, IsNotTakenForOneThatIsSlow) {
-    driver_.Desktop().onReply = [this](std::size_t, auto&) { clock_.Advance(kTimeOut / 2); };
+    for (const double seconds : {kTimeOut / 2, kTimeOut}) {
+        driver_.Desktop().Restart();
+        driver_.Desktop().onReply = [=](std::size_t, auto&) {
+            test_support::CallClock::Advance(seconds);
+        };
+        EXPECT_EQ(ValueOf59(), Integers({3})) << seconds;
+    }
+}
+
+// By the real clock, and with a time-out that is shorter than some honest answers.
+TEST_F(HungApplication, WithATimeOutOfAFifthOfASecondIsWaitedForOnceInACrowd) {
+    const float timeout = 0.2F;
+    const CallTiming ofTheFixture = SetCallTiming({.timeout = timeout});
+    driver_.Desktop().onSilence = [](double seconds) {
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+    };
+    std::string buttons;
+    for (int i = 0; i < 100; ++i) {
+        buttons += R"({"AXRole": "AXButton"},)";
+    }
+    Begin(R"({"front": "com.apple.FinalCut", "applications": [
+        {"bundleID": "com.apple.FinalCut", "pid": 501, "windows": [
+          {"AXRole": "AXWindow", "AXTitle": "Only", "AXChildren": [)" +
+          buttons + R"({"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59"}]}]}]})");
+    HangAt(2);
+    EXPECT_EQ(ValueOf59(), std::nullopt);
+    EXPECT_EQ(Waited(), timeout);
+    SetCallTiming(ofTheFixture);
+}
+
+// --- A hung process whose view is part of a window of an editor that works -----------------------
+
+TEST_F(HungApplication, BehindARemoteViewLeavesTheEditorsOwnValuesThere) {
+    Begin(kSceneWithRemoteView);
+    EXPECT_EQ(ValueOf(60), Integers({8})) << "the view is part of the tree";
+    driver_.Desktop().Restart();
+    driver_.Desktop().Run(kHangExtension);
     EXPECT_EQ(ValueOf59(), Integers({3}));
+    EXPECT_EQ(Waited(kExtension), kTimeOut) << "the view is listed twice, and waited for once";
+    EXPECT_EQ(Waited(kEditor), 0.0);
+}
+
+TEST_F(HungApplication, BehindARemoteViewLeavesTheClipNameAndTheTimecodeThere) {
+    EXPECT_THAT(SentByATick(kSceneWithRemoteView, kHangExtension),
+                testing::ElementsAre("JFSC Clip", "JFTC 01:00"));
+    EXPECT_EQ(Waited(kExtension), kTimeOut) << "of both tasks together";
+    EXPECT_EQ(Waited(kEditor), 0.0);
+}
+
+// The clip's name is not there to be found, so that task meets the hung view and nothing else.
+TEST_F(HungApplication, MetByTheClipTaskLeavesTheTimecodeTaskItsTurn) {
+    driver_.LookForClipNameIn(1);
+    Begin(kSceneWithRemoteView);
+    driver_.ObserveBoth();
+    driver_.Desktop().Run(kHangExtension);
+    EXPECT_THAT(driver_.Tick().sent, testing::ElementsAre("JFTC 01:00"));
+    EXPECT_EQ(Waited(), kTimeOut);
+    driver_.LoseTrack();
+}
+
+TEST_F(HungApplication, BesideAnotherIsWaitedForOnceLikeThatOne) {
+    Begin(kSceneWithRemoteView);
+    driver_.Desktop().Run(kHangExtension);
+    HangAt(3);  // the editor's own group, behind the view
+    EXPECT_EQ(ValueOf59(), std::nullopt);
+    EXPECT_EQ(Waited(kExtension), kTimeOut);
+    EXPECT_EQ(Waited(kEditor), kTimeOut);
 }
 
 TEST_F(HungApplication, IsAskedAnewByTheNextRequest) {
@@ -185,6 +342,21 @@ TEST_F(HungApplication, IsAskedAnewByTheNextRequest) {
     driver_.Desktop().Restart();
     EXPECT_EQ(ValueOf59(), Integers({3}));
     EXPECT_EQ(Waited(), 0.0);
+}
+
+// What hung is remembered for one request or tick, not from one to the next.
+TEST_F(HungApplication, BehindARemoteViewIsAskedAnewByEachRequestAndTick) {
+    driver_.LookForClipNameIn(0);
+    Begin(kSceneWithRemoteView);
+    driver_.ObserveBoth();
+    driver_.Desktop().Run(kHangExtension);
+    ValueOf59();
+    EXPECT_EQ(Waited(kExtension), kTimeOut);
+    driver_.Tick();
+    EXPECT_EQ(Waited(kExtension), 2 * kTimeOut);
+    ValueOf59();
+    EXPECT_EQ(Waited(kExtension), 3 * kTimeOut);
+    driver_.LoseTrack();
 }
 
 }  // namespace adversary

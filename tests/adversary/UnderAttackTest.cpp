@@ -38,21 +38,16 @@ class UnderAttack : public testing::TestWithParam<DriverOperation> {
     }
     ~UnderAttack() override { RecordProperty("cases", cases_); }
 
-    // Objects that Foundation keeps for later look like leaks once; a leak does so again.
     template <typename Attack>
     void Try(const std::string& fault, const std::string& point, Attack attack) {
         ++cases_;
-        std::string problem = attack();
-        if (!problem.empty()) {
-            operation_.LoseTrack();
-            problem = attack();
+        const std::string problem = attack();
+        if (problem.empty()) {
+            return;
         }
-        if (!problem.empty()) {
-            operation_.LoseTrack();
-            if (++failures_ <= kMostFailures) {
-                ADD_FAILURE() << GetParam().name << ", " << fault << ", " << point << ":"
-                              << problem;
-            }
+        operation_.LoseTrack();
+        if (++failures_ <= kMostFailures) {
+            ADD_FAILURE() << GetParam().name << ", " << fault << ", " << point << ":" << problem;
         }
     }
 

@@ -40,6 +40,9 @@ CFTypeID AXUIElementGetTypeID(void);
 AXUIElementRef AXUIElementCreateApplication(pid_t pid);
 AXUIElementRef AXUIElementCreateSystemWide(void);
 
+// Local: the process that the element belongs to, alive or not. 0 for the system-wide element.
+AXError AXUIElementGetPid(AXUIElementRef element, pid_t* pid);
+
 AXError AXUIElementCopyAttributeNames(AXUIElementRef element, CFArrayRef* names);
 AXError AXUIElementCopyActionNames(AXUIElementRef element, CFArrayRef* names);
 

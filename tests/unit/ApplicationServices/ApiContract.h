@@ -19,6 +19,7 @@ HAS_SIGNATURE(AXUIElementIsAttributeSettable, AXError(AXUIElementRef, CFStringRe
 HAS_SIGNATURE(AXUIElementPerformAction, AXError(AXUIElementRef, CFStringRef));
 HAS_SIGNATURE(AXUIElementCopyAttributeNames, AXError(AXUIElementRef, CFArrayRef*));
 HAS_SIGNATURE(AXUIElementCopyActionNames, AXError(AXUIElementRef, CFArrayRef*));
+HAS_SIGNATURE(AXUIElementGetPid, AXError(AXUIElementRef, pid_t*));
 HAS_SIGNATURE(AXUIElementSetMessagingTimeout, AXError(AXUIElementRef, float));
 HAS_SIGNATURE(AXUIElementGetTypeID, CFTypeID());
 HAS_SIGNATURE(AXValueCreate, AXValueRef(AXValueType, const void*));

@@ -75,6 +75,21 @@ TEST(Element, IsATypeOfItsOwn) {
     EXPECT_NE(AXUIElementGetTypeID(), CFStringGetTypeID());
 }
 
+TEST(Element, TellsItsProcessWithoutAskingIt) {
+    ScriptedTransport desktop(Succeed);
+    const OwnedElement element = CreateElement({777, 12});
+    const OwnedElement application = AXUIElementCreateApplication(-1);
+    pid_t process = 0;
+    EXPECT_EQ(AXUIElementGetPid(element, &process), kAXErrorSuccess);
+    EXPECT_EQ(process, 777);
+    EXPECT_EQ(AXUIElementGetPid(application, &process), kAXErrorSuccess);
+    EXPECT_EQ(process, -1);
+    EXPECT_EQ(AXUIElementGetPid(element, nullptr), kAXErrorIllegalArgument);
+    EXPECT_EQ(AXUIElementGetPid(nullptr, &process), kAXErrorIllegalArgument);
+    EXPECT_EQ(process, -1) << "a failure writes nothing";
+    EXPECT_TRUE(desktop.Requests().empty());
+}
+
 TEST_F(ElementTimeout, IsTheSessionsUntilSet) {
     ScriptedTransport desktop(Succeed, {std::nullopt, 0.75});
     const OwnedElement element = AXUIElementCreateApplication(501);

@@ -107,6 +107,17 @@ TEST_F(ChildSearch, SurvivesDepthAndCycles) {
     EXPECT_EQ(Find({cycle}, "_NS:1"), "beside the cycle");
 }
 
+TEST_F(ChildSearch, AGroupListedTwiceIsWalkedTwice) {
+    auto group = Group({editor_.Add("AXButton")});
+    auto array = ArrayOf({group, editor_.Add("AXButton"), group});
+    EXPECT_EQ(ExchangesOf([&] {
+                  AXUIElementRef element = nullptr;
+                  driver_->CopyChildWithID(array.get(), CFSTR("_NS:1"), element, CFSTR("AXButton"),
+                                           false, false);
+              }),
+              2U + 1U + 2U);
+}
+
 TEST_F(ChildSearch, LogsStepByStepWhenToldTo) {
     auto plain = editor_.Add("AXButton");
     editor_.Set(plain, "AXIdentifier", Number(3));

@@ -1,3 +1,4 @@
+#include "accessibility/DepthFirstSearch.h"
 #include "accessibility/VEK_C_AXUtils.h"
 #include "platform/Testing/LogCapture.h"
 #include "tests/unit/accessibility/AccessibilityTest.h"
@@ -452,16 +453,94 @@ TEST_F(ElementSearch, AnElementThatIsItsOwnAncestorIsNotDescendedIntoAgain) {
     EXPECT_EQ(Find("_NS:1"), "below the ancestor");
 }
 
-TEST_F(ElementSearch, GroupsThatAllHoldEachOtherAreEachSearchedOnce) {
+// --- Elements that are listed several times ------------------------------------------------------
+
+// The window, twice the group with its two, and what is between and behind: a recursive search that
+// knows nothing of visits reads the same.
+TEST_F(ElementSearch, AGroupThatAWindowListsTwiceIsWalkedTwice) {
+    auto group = Group({editor_.Add("AXButton"), Group({editor_.Add("AXButton")})});
+    auto between = editor_.Add("AXButton");
+    editor_.ShowWindow({group, between, group});
+    EXPECT_EQ(ExchangesOf([&] { EXPECT_EQ(Find("_NS:1"), "(none)"); }), 2U + 4U + 1U + 4U);
+}
+
+TEST_F(ElementSearch, AControlThatAppearsBetweenTwoVisitsOfItsGroupIsFound) {
+    auto group = Group({editor_.Add("AXButton")});
+    auto between = editor_.Add("AXButton");
+    auto control = Control("appeared");
+    editor_.ShowWindow({group, between, group});
+    editor_.BeforeEach([&](const Request& request) {
+        if (request.element == between) {
+            editor_.Set(group, "AXChildren", Elements({control}));
+        }
+    });
+    EXPECT_EQ(Find("_NS:1"), "appeared");
+}
+
+// It was on the way when it was met first, and is so no more when it is met again.
+TEST_F(ElementSearch, AGroupThatListsItselfIsWalkedAgainWhereItsParentListsIt) {
+    auto group = Group({});
+    editor_.Set(group, "AXChildren", Elements({group, editor_.Add("AXButton")}));
+    editor_.ShowWindow({group, group});
+    EXPECT_EQ(ExchangesOf([&] { EXPECT_EQ(Find("_NS:1"), "(none)"); }), 2U + 3U + 3U);
+}
+
+TEST_F(ElementSearch, AnAncestorListedBySeveralDescendantsEndsTheDescentInEach) {
+    auto outer = Group({});
+    auto inner = Group({outer});
+    auto other = Group({outer});
+    editor_.Set(outer, "AXChildren", Elements({inner, other}));
+    editor_.ShowWindow({outer});
+    EXPECT_EQ(ExchangesOf([&] { EXPECT_EQ(Find("_NS:1"), "(none)"); }), 2U + 5U);
+}
+
+// Each group lists the next one twice: without a bound the walk would read 2 to the power of 30
+// elements. Those that are new are searched all the same, so the control behind them is found.
+TEST_F(ElementSearch, DiamondsNestedThirtyDeepCostNoMoreThanTheBoundAllows) {
+    ElementReference group = Group({editor_.Add("AXButton")});
+    for (int depth = 1; depth < 30; ++depth) {
+        group = Group({group, group});
+    }
+    editor_.ShowWindow({group, Group({Control("behind")})});
+    constexpr unsigned kFirstDescents = 30;
+    constexpr unsigned kRepeated = DepthFirstSearch::kMostRepeatedDescents;
+    const unsigned long exchanges = ExchangesOf([&] { EXPECT_EQ(Find("_NS:1"), "behind"); });
+    EXPECT_GT(exchanges, kRepeated);
+    EXPECT_LE(exchanges, 2 + 2 * (kFirstDescents + kRepeated) + 2 + 1);
+}
+
+// The group itself, and as often again as it may be; then it is read and not searched any more.
+TEST_F(ElementSearch, AGroupIsWalkedAgainAThousandTimesAndNoMore) {
+    constexpr unsigned kTimes = 1'005;
+    auto group = Group({editor_.Add("AXButton")});
+    editor_.ShowWindow(std::vector<ElementReference>(kTimes, group));
+    EXPECT_EQ(ExchangesOf([&] { EXPECT_EQ(Find("_NS:1"), "(none)"); }), 2U + kTimes + 1U + 1'000U);
+}
+
+TEST_F(ElementSearch, GroupsThatAllHoldEachOtherAreSearchedAsOftenAsTheBoundAllows) {
+    constexpr unsigned kGroups = 30;
     std::vector<ElementReference> groups;
-    for (int group = 0; group < 30; ++group) {
+    for (unsigned group = 0; group < kGroups; ++group) {
         groups.push_back(Group({}));
     }
     for (ElementReference group : groups) {
         editor_.Set(group, "AXChildren", Elements(groups));
     }
     editor_.ShowWindow(groups);
-    EXPECT_EQ(ExchangesOf([&] { EXPECT_EQ(Find("_NS:1"), "(none)"); }), 2U + 30U + 30U * 30U);
+    EXPECT_EQ(ExchangesOf([&] { EXPECT_EQ(Find("_NS:1"), "(none)"); }),
+              2U + kGroups + (kGroups + 1'000U) * kGroups);
+}
+
+// Each search may repeat as many descents as the one before it.
+TEST_F(ElementSearch, TheBoundIsOfOneSearchAndOfOneWindow) {
+    auto group = Group({editor_.Add("AXButton")});
+    auto window = editor_.Add("AXWindow");
+    editor_.Set(window, "AXChildren", Elements(std::vector<ElementReference>(1'005, group)));
+    editor_.SetWindows({window, window});
+    for (int search = 0; search < 2; ++search) {
+        EXPECT_EQ(ExchangesOf([&] { EXPECT_EQ(Find("_NS:1"), "(none)"); }),
+                  1U + 2U * (1U + 1'005U + 1U + 1'000U));
+    }
 }
 
 }  // namespace
