@@ -19,6 +19,10 @@ std::string Stage::DriverPath() {
     return kBinaries + "/KRT9Background.app/Contents/MacOS/KRT9Background";
 }
 
+std::string Stage::ImpatientDriverPath() {
+    return kBinaries + "/ImpatientDriver.app/Contents/MacOS/ImpatientDriver";
+}
+
 std::map<std::string, std::string> Stage::DriverEnvironment() {
     return {{"ASAN_OPTIONS", "malloc_context_size=60"},  // the whole way to an element of a reply
             {"LSAN_OPTIONS", "print_suppressions=0:suppressions=" KRT9_KEPT_OBJECTS}};
@@ -41,10 +45,11 @@ void Stage::StartDesktop(const std::string& scene) {
     }
 }
 
-void Stage::StartDriver(const std::map<std::string, std::string>& environment) {
+void Stage::StartDriver(const std::map<std::string, std::string>& environment,
+                        const std::string& path) {
     std::map<std::string, std::string> whole = DriverEnvironment();
     whole.insert(environment.begin(), environment.end());
-    driver_ = std::make_unique<ChildProcess>(DriverPath(), std::vector<std::string>{}, whole);
+    driver_ = std::make_unique<ChildProcess>(path, std::vector<std::string>{}, whole);
     if (!driver_->WaitForOutput("accessibilityEnabled")) {
         throw std::runtime_error("the driver did not start: " + driver_->StandardError());
     }

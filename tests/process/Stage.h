@@ -19,7 +19,8 @@ class Stage {
     void StartDesktop(const std::string& scene);
 
     // Returns once the driver has gone through its constructor.
-    void StartDriver(const std::map<std::string, std::string>& environment = {});
+    void StartDriver(const std::map<std::string, std::string>& environment = {},
+                     const std::string& path = DriverPath());
 
     // Runs krt9ctl to its end.
     ProcessResult Companion(const std::vector<std::string>& arguments);
@@ -32,6 +33,10 @@ class Stage {
     const SessionFixture& Session() const { return session_; }
 
     static std::string DriverPath();
+
+    // The driver with a time-out of half a second for applications that hang, instead of six.
+    static std::string ImpatientDriverPath();
+
     static std::string CompanionPath();
 
     // For the leak sanitizer, where the driver is built with it: what the driver keeps on purpose.

@@ -14,43 +14,50 @@ using test_support::Stage;
 using test_support::WireClient;
 using Clock = std::chrono::steady_clock;
 
-constexpr double kTimeOut = 0.5;  // seconds, of one call to the editor
-constexpr double kSlack = 1.5;    // seconds, for a machine that has other things to do
+constexpr double kTimeOut = 0.5;        // seconds, of one call of the impatient driver
+constexpr double kTimeOutOfDriver = 6;  // seconds, of one call of the driver itself
+constexpr double kSlack = 1.5;          // seconds, for a machine that has other things to do
 
-std::string Scene(double messagingTimeout) {
-    return R"({"messagingTimeout": )" + std::to_string(messagingTimeout) + R"(,
-        "pointer": [100, 200], "front": "com.apple.FinalCut", "applications": [
-          {"bundleID": "com.apple.FinalCut", "windows": [
-            {"AXRole": "AXWindow", "AXTitle": "Only", "AXChildren": [
-              {"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59", "AXValue": 3}]}]}]})";
-}
+const char* const kScene = R"({"pointer": [100, 200], "front": "com.apple.FinalCut",
+    "applications": [{"bundleID": "com.apple.FinalCut", "windows": [
+      {"AXRole": "AXWindow", "AXTitle": "Only", "AXChildren": [
+        {"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59", "AXValue": 3}]}]}]})";
 
-// The editor hangs as soon as it has told a hundred controls, which then are all still to be asked.
+// The editor hangs when the first of the controls that it has told is asked for the second time:
+// that one and a hundred others are then still to be asked.
 std::string SceneThatHangsInASearch() {
     std::string buttons;
     for (int i = 0; i < 100; ++i) {
         buttons += R"({"AXRole": "AXButton"},)";
     }
-    return R"({"messagingTimeout": )" + std::to_string(kTimeOut) + R"(,
-        "front": "com.apple.FinalCut", "applications": [
+    return R"({"front": "com.apple.FinalCut", "applications": [
           {"bundleID": "com.apple.FinalCut", "windows": [
-            {"AXRole": "AXWindow", "AXTitle": "Only", "AXChildren": [)" +
-           buttons + R"({"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59", "AXValue": 3}],
-             "misbehaviour": {"read": {"AXChildren": {"after": 1, "then": [
-               {"command": "hang", "application": "com.apple.FinalCut"}]}}}}]}]})";
+            {"AXRole": "AXWindow", "AXTitle": "Only", "AXChildren": [
+              {"AXRole": "AXButton", "misbehaviour": {"read": {"AXRole": {"after": 1, "then": [
+                {"command": "hang", "application": "com.apple.FinalCut"}]}}}},)" +
+           buttons + R"({"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59", "AXValue": 3}]}]}]})";
 }
+
+// The first child of the editor's window belongs to a process that hangs.
+const char* const kSceneWithHungView = R"({"front": "com.apple.FinalCut", "applications": [
+    {"bundleID": "com.apple.FinalCut", "windows": [
+      {"AXRole": "AXWindow", "AXTitle": "Only", "AXChildren": [
+        {"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59", "AXValue": 3}],
+       "misbehaviour": {"read": {"AXChildren": {"answer": {"array": [
+         {"element": "/0", "application": "com.example.extension"}, {"element": "/0/0"}]}}}}}]},
+    {"bundleID": "com.example.extension", "windows": [{"AXRole": "AXGroup"}]}]})";
 
 class HungEditor : public testing::Test {
   protected:
-    void Begin(const std::string& scene) {
+    void Begin(const std::string& scene, const std::string& driver = Stage::ImpatientDriverPath()) {
         stage.StartDesktop(scene);
-        stage.StartDriver();
+        stage.StartDriver({}, driver);
         client.emplace();
         EXPECT_EQ(Ask("JElV", {59, 0, 0, 0}).data, (Bytes{3, 0, 0, 0}));
     }
 
-    void Desktop(const std::string& verb) {
-        EXPECT_EQ(stage.Companion({"desktop", verb, "com.apple.FinalCut"}).status, 0);
+    void Desktop(const std::string& verb, const std::string& application = "com.apple.FinalCut") {
+        EXPECT_EQ(stage.Companion({"desktop", verb, application}).status, 0);
     }
 
     struct Timed {
@@ -72,7 +79,7 @@ class HungEditor : public testing::Test {
 };
 
 TEST_F(HungEditor, CostsARequestOneTimeOutAndARequestWithoutItNothing) {
-    Begin(Scene(kTimeOut));
+    Begin(kScene);
     Desktop("hang");
     for (int i = 0; i < 3; ++i) {
         const Timed value = Ask("JElV", {59, 0, 0, 0});
@@ -89,7 +96,7 @@ TEST_F(HungEditor, CostsARequestOneTimeOutAndARequestWithoutItNothing) {
 
 // Each tick then waits once and is due again when it ends; requests have their turn in between.
 TEST_F(HungEditor, LetsARequestWaitForOneTickAtMostWhileBothObservationsAreOn) {
-    Begin(Scene(kTimeOut));
+    Begin(kScene);
     Ask("JObE", {});
     Ask("JObT", {});
     Desktop("hang");
@@ -111,15 +118,35 @@ TEST_F(HungEditor, CostsASearchUnderWayOneTimeOut) {
     EXPECT_LT(value.seconds, kTimeOut + kSlack);
 }
 
+// The session itself would end the calls earlier.
+TEST_F(HungEditor, IsWaitedForSixSecondsByTheDriverItself) {
+    Begin(R"({"messagingTimeout": 1, )" + std::string(kScene).substr(1), Stage::DriverPath());
+    Desktop("hang");
+    const Timed value = Ask("JElV", {59, 0, 0, 0});
+    EXPECT_EQ(value.data, Bytes{});
+    EXPECT_GE(value.seconds, 0.9 * kTimeOutOfDriver);
+    EXPECT_LT(value.seconds, kTimeOutOfDriver + kSlack);
+}
+
+TEST_F(HungEditor, IsNotOneThatShowsAViewOfAHungProcess) {
+    Begin(kSceneWithHungView);
+    Desktop("hang", "com.example.extension");
+    for (int i = 0; i < 3; ++i) {
+        const Timed value = Ask("JElV", {59, 0, 0, 0});
+        EXPECT_EQ(value.data, (Bytes{3, 0, 0, 0}));
+        EXPECT_GE(value.seconds, 0.9 * kTimeOut);
+        EXPECT_LT(value.seconds, kTimeOut + kSlack);
+    }
+}
+
 TEST_F(HungEditor, ThatDiesMeanwhileCostsNothingMore) {
-    constexpr double kUsualTimeOut = 6;
-    Begin(Scene(kUsualTimeOut));
+    Begin(kScene, Stage::DriverPath());
     Desktop("hang");
     Desktop("kill");
     for (int i = 0; i < 3; ++i) {
         const Timed value = Ask("JElV", {59, 0, 0, 0});
         EXPECT_EQ(value.data, Bytes{});
-        EXPECT_LT(value.seconds, kUsualTimeOut / 2);
+        EXPECT_LT(value.seconds, kTimeOutOfDriver / 2);
     }
 }
 

@@ -21,9 +21,9 @@ struct Program {
     std::string readyText;
 };
 
-// The editor's scene, in which a call to an editor that stands still ends after a second. A tick
-// waits for one such call, and requests are served between the ticks: an answer is never ten
-// seconds away.
+// The editor's scene, in which a question to a session that stands still ends after a second. The
+// driver's calls to the editor end after half of that; a tick waits for one of them, and requests
+// are served between the ticks: an answer is never ten seconds away.
 std::string WriteScene(const std::filesystem::path& folder) {
     auto scene = nlohmann::json::parse(std::ifstream(KRT9_SCENES "/editor-10.4.6.json"));
     scene["messagingTimeout"] = 1;
@@ -37,7 +37,7 @@ Program ProgramOf(Role role, const std::string& scene) {
         case Role::desktop:
             return {KRT9_BINARIES "/krt9-desktop", {scene}, "ready"};
         case Role::driver:
-            return {Stage::DriverPath(), {}, "accessibilityEnabled"};
+            return {Stage::ImpatientDriverPath(), {}, "accessibilityEnabled"};
         case Role::companion:
             return {kControl, {"watch", "--units", "1", "--channels", "8"}, "watching"};
     }

@@ -131,6 +131,15 @@ TEST_F(ElementCache, UncachingRemovesTheEntry) {
     EXPECT_EQ(KeyedFor(), "com.apple.FinalCut");
 }
 
+TEST_F(ElementCache, UncachingForAnotherFrontApplicationEmptiesTheCacheAndKeysItForThatOne) {
+    Fill();
+    CFDictionarySetValue(Cache(), CFSTR("_NS:2"), element_.get());
+    test_support::SetFrontApplication({"com.apple.Finder", "1.0", 7});
+    utils_.UncacheElement(CFSTR("_NS:1"));
+    EXPECT_EQ(Count(), 1);
+    EXPECT_EQ(KeyedFor(), "com.apple.Finder");
+}
+
 TEST_F(ElementCache, KeysAreComparedByAddressNotByText) {
     Fill();
     auto sameText = String("_NS:1");
@@ -195,6 +204,23 @@ TEST_F(ElementCache, DebugDumpLogsAddressTagAndKeys) {
     snprintf(start, sizeof start, "cache:debug (%p) now ", static_cast<void*>(Cache()));
     EXPECT_THAT(console.ConsoleTexts()[0], testing::StartsWith(start));
     EXPECT_THAT(console.ConsoleTexts()[0], testing::HasSubstr("VEKAPPID"));
+}
+
+TEST_F(ElementCache, DebugDumpIsOfTheDictionaryThatItIsGiven) {
+    Fill();
+    OwnedReference<CFMutableDictionaryRef> other(
+        CFDictionaryCreateMutable(kCFAllocatorDefault, 0, nullptr, nullptr));
+    CFDictionarySetValue(other.get(), CFSTR("a key of its own"), CFSTR("a value of its own"));
+    platform_testing::LogCapture console;
+    utils_.DebugCache(other.get(), "another");
+    ASSERT_EQ(console.ConsoleTexts().size(), 1U);
+    const std::string line = console.ConsoleTexts()[0];
+    char start[64];
+    snprintf(start, sizeof start, "cache:debug (%p) another ", static_cast<void*>(other.get()));
+    EXPECT_THAT(line, testing::StartsWith(start));
+    EXPECT_THAT(line, testing::HasSubstr("a key of its own"));
+    EXPECT_THAT(line, testing::Not(testing::HasSubstr("a value of its own")));
+    EXPECT_THAT(line, testing::Not(testing::HasSubstr("VEKAPPID")));
 }
 
 TEST_F(ElementCache, DebugDumpOfAnEmptyCacheLogsNoKey) {

@@ -234,6 +234,36 @@ TEST_F(ChildByDescription, LogsEachChildWhenToldTo) {
                     "   elem 2: got role AXButton"));
 }
 
+TEST_F(ChildByDescription, LogsTheAddressOfEachChildAndNullForWhatIsNone) {
+    auto array = ArrayOf({editor_.Add("AXImage"), editor_.Add("AXImage")});
+    platform_testing::LogCapture console;
+    EXPECT_EQ(Find(array.get(), true), "(none)");
+    const std::vector<std::string> lines = console.ConsoleTexts();
+    for (CFIndex index : {0, 1}) {
+        char line[64];
+        snprintf(line, sizeof line, " element %ld = %p", index,
+                 CFArrayGetValueAtIndex(array.get(), index));
+        EXPECT_THAT(lines, testing::Contains(line));
+    }
+}
+
+TEST_F(ChildByDescription, LogsMultipleValuesOnlyOfAChildThatYieldedSome) {
+    auto empty = Child("yields none", "AXButton", Text("Play"));
+    editor_.AnswerEmpty(empty);
+    auto array = ArrayOf({empty});
+    platform_testing::LogCapture console;
+    EXPECT_EQ(Find(array.get(), true), "(none)");
+    EXPECT_THAT(console.ConsoleTexts(),
+                ElementsAre("childCount = 1", testing::StartsWith(" element 0 = "),
+                            "     something went horribly wrong"));
+}
+
+TEST_F(ChildSearch, AChildThatYieldsNoValuesIsPassedOver) {
+    auto empty = Control("yields none");
+    editor_.AnswerEmpty(empty);
+    EXPECT_EQ(Find({empty, Control("after")}, "_NS:1"), "after");
+}
+
 TEST_F(ChildSearch, UncachingAPathLeavesTheElementCacheUnchanged) {
     CFMutableDictionaryRef cache = DriverInspector::AXUtils(*driver_).CachedElementsForApplication(
         CFSTR("com.apple.FinalCut"));

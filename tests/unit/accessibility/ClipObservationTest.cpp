@@ -167,6 +167,14 @@ TEST_F(ClipObservation, ANameOf1023BytesIsSentAndALongerOneSendsNothing) {
     EXPECT_EQ(LastClipName(), longest);
 }
 
+TEST_F(ClipObservation, ANameThatDiffersInItsLastOf1023BytesIsAnother) {
+    const std::string beginning(1022, 'n');
+    auto text = ShowStaticText("_NS:100", Text(beginning + "1"));
+    EXPECT_THAT(Tick(), ElementsAre(ClipName(beginning + "1")));
+    editor_.Set(text, "AXValue", Text(beginning + "2"));
+    EXPECT_THAT(Tick(), ElementsAre(ClipName(beginning + "2")));
+}
+
 TEST_F(ClipObservation, ANullCharacterEndsTheName) {
     ShowStaticText("_NS:100", Text(std::string("Inter\0view", 10)));
     EXPECT_THAT(Tick(), ElementsAre(ClipName("Inter")));
@@ -272,6 +280,23 @@ TEST_F(ClipTable, ACellValueThatIsNoTextOrCannotBeConvertedSendsNothing) {
         EXPECT_THAT(ReadTable(), IsEmpty());
     }
     EXPECT_EQ(LastClipName(), "");
+}
+
+TEST_F(ClipTable, ANameOf1023BytesIsSentAndALongerOneSendsNothing) {
+    const std::string longest(1023, 'n');
+    Select({Row(Number(1), Text(longest))});
+    EXPECT_THAT(ReadTable(), ElementsAre(ClipName(longest)));
+    Select({Row(Number(2), Text(longest + "n"))});
+    EXPECT_THAT(ReadTable(), IsEmpty());
+    EXPECT_EQ(LastClipName(), longest);
+}
+
+TEST_F(ClipTable, ANameThatDiffersAfter64BytesIsAnother) {
+    const std::string beginning(64, 'n');
+    Select({Row(Number(1), Text(beginning + "1"))});
+    EXPECT_THAT(ReadTable(), ElementsAre(ClipName(beginning + "1")));
+    Select({Row(Number(2), Text(beginning + "2"))});
+    EXPECT_THAT(ReadTable(), ElementsAre(ClipName(beginning + "2")));
 }
 
 TEST_F(ClipTable, AnEmptyCellSendsAnEmptyNameUnlikeAnEmptyStaticText) {
@@ -388,6 +413,48 @@ TEST_F(TimelineIndex, IsNotVisibleWithoutTheToggleOrWithAValueThatIsNoNumber) {
         ShowRadioToggle("_NS:59", children);
         EXPECT_FALSE(driver_->IsTimelineIndexVisible());
     }
+}
+
+// Identifiers are used for several controls: the role tells them apart.
+TEST_F(TimelineIndex, IsToldByTheCheckBoxAmongControlsOfTheSameIdentifier) {
+    std::vector<ElementReference> controls;
+    for (const char* role :
+         {"AXButton", "AXTable", "AXTextField", "AXRadioGroup", "AXStaticText", "AXGroup"}) {
+        controls.push_back(editor_.Add(role, "_NS:159"));
+        editor_.Set(controls.back(), "AXValue", Number(0));
+    }
+    controls.push_back(editor_.Add("AXCheckBox", "_NS:159"));
+    editor_.Set(controls.back(), "AXValue", Number(1));
+    editor_.ShowWindow(controls);
+    EXPECT_TRUE(driver_->IsTimelineIndexVisible());
+}
+
+TEST_F(TimelineIndex, IsToldByTheRadioGroupAmongControlsOfTheSameIdentifierInProfileRow0) {
+    Profile() = 0;
+    std::vector<ElementReference> controls;
+    for (const char* role :
+         {"AXButton", "AXTable", "AXTextField", "AXCheckBox", "AXStaticText", "AXGroup"}) {
+        controls.push_back(editor_.Add(role, "_NS:59", {RadioButton(Number(0))}));
+    }
+    controls.push_back(editor_.Add("AXRadioGroup", "_NS:59", {RadioButton(Number(1))}));
+    editor_.ShowWindow(controls);
+    EXPECT_TRUE(driver_->IsTimelineIndexVisible());
+}
+
+TEST_F(TimelineIndex, TheTableIsReadAmongControlsOfTheSameIdentifier) {
+    const auto decoyRow = Row(Number(3), Text("of another control"));
+    ElementReference box = editor_.Add("AXCheckBox", "_NS:159");
+    editor_.Set(box, "AXValue", Number(1));
+    std::vector<ElementReference> controls = {box};
+    for (const char* role :
+         {"AXButton", "AXCheckBox", "AXTextField", "AXRadioGroup", "AXOutline", "AXGroup"}) {
+        controls.push_back(editor_.Add(role, "_NS:139"));
+        editor_.Set(controls.back(), "AXSelectedRows", Elements({decoyRow}));
+    }
+    controls.push_back(table_);
+    Select({Row(Number(4), Text("of the table"))});
+    editor_.ShowWindow(controls);
+    EXPECT_THAT(ThreeTicks(), ElementsAre(ClipName("of the table")));
 }
 
 TEST_F(TimelineIndex, TheTableIsReadWhileItIsVisible) {

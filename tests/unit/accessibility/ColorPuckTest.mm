@@ -1,5 +1,6 @@
 #import <Foundation/Foundation.h>
 
+#include "platform/Testing/LogCapture.h"
 #include "tests/unit/accessibility/DriverTest.h"
 
 AXUIElementRef FindColorPuck(CVEK_UserSpaceDriver& driver, const std::string& identifier) {
@@ -104,6 +105,18 @@ TEST_F(ColorPuck, WithoutWindowListThereIsNone) {
     EXPECT_EQ(Find(), "(none)");
     test_support::SetFrontApplication({"com.apple.FinalCut", "10.4.6", -1});
     EXPECT_EQ(Find(), "(none)");
+}
+
+TEST_F(ColorPuck, NothingIsLoggedWhetherItIsFoundOrNot) {
+    editor_.ShowWindow({SplitGroup({Group({Button("puck")})})});
+    platform_testing::LogCapture log;
+    EXPECT_EQ(Find(), "puck");
+    EXPECT_EQ(Find(@"_NS:2"), "(none)");
+    editor_.Fail(editor_.Application(), kAXErrorCannotComplete);
+    EXPECT_EQ(Find(), "(none)");
+    test_support::SetFrontApplication({"com.apple.FinalCut", "10.4.6", -1});
+    EXPECT_EQ(Find(), "(none)");
+    EXPECT_THAT(log.Lines(), testing::IsEmpty());
 }
 
 TEST_F(ColorPuck, IsBorrowedFromTheAutoreleasePool) {

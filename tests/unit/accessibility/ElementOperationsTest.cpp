@@ -53,6 +53,15 @@ TEST_F(ElementOperations, StringValueOfAnotherTypeOrOfNoElementIsNull) {
     EXPECT_EQ(driver_->GetStringValueOfElementWithID(CFSTR("_NS:2")), nullptr);
 }
 
+TEST_F(ElementOperations, StringValueIsThatOfAnyKindOfControl) {
+    for (const char* role : {"AXButton", "AXCheckBox", "AXTable", "AXTextField", "AXRadioGroup"}) {
+        editor_.Set(Show(role), "AXValue", Text(role));
+        EXPECT_EQ(TextOf(driver_->GetStringValueOfElementWithID(CFSTR("_NS:1"))), role);
+    }
+    editor_.Set(Show("AXStaticText"), "AXValue", Text("no control"));
+    EXPECT_EQ(driver_->GetStringValueOfElementWithID(CFSTR("_NS:1")), nullptr);
+}
+
 TEST_F(ElementOperations, SettingATextAlwaysAnswersFalseThoughItSets) {
     Show("AXTextField");
     EXPECT_FALSE(driver_->SetIntValueAsStringOfElementWithID(CFSTR("_NS:1"), 12));

@@ -178,6 +178,13 @@ TEST_F(ElementSearch, AChildWithoutUsableRoleIsSkippedWithItsSubtree) {
     }
 }
 
+TEST_F(ElementSearch, AChildThatYieldsNoValuesIsSkippedWithItsSubtree) {
+    auto empty = Group({Control("inside")});
+    editor_.AnswerEmpty(empty);
+    editor_.ShowWindow({empty, Control("after")});
+    EXPECT_EQ(Find("_NS:1"), "after");
+}
+
 TEST_F(ElementSearch, AnIdentifierThatIsNoTextMatchesNothing) {
     for (const Value& identifier : {Failing(kAXErrorNoValue), Null(), Number(1), List({})}) {
         auto odd = editor_.Add("AXButton");

@@ -112,6 +112,16 @@ TEST_F(ElementValues, AnElementIsValidWhileItAnswersWhateverItAnswers) {
     EXPECT_FALSE(utils_.ElementIsValid(object_.get()));
 }
 
+TEST_F(ElementValues, ValidityIsOneQuestionWhetherTheIdentifierIsSettable) {
+    std::vector<desktop_link::Request> requests;
+    editor_.BeforeEach([&](const desktop_link::Request& request) { requests.push_back(request); });
+    EXPECT_TRUE(utils_.ElementIsValid(object_.get()));
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests[0].operation, desktop_link::Operation::isSettable);
+    EXPECT_EQ(requests[0].element, element_);
+    EXPECT_THAT(requests[0].names, testing::ElementsAre("AXIdentifier"));
+}
+
 // --- Siblings ----------------------------------------------------------------------------------
 
 class Siblings : public AccessibilityTest {

@@ -142,7 +142,9 @@ Reply FakeEditor::Answer(const Request& request) {
         case Operation::copyAttributes:
             reads_.push_back(element);
             for (const std::string& name : request.names) {
-                reply.values.push_back(Read(element, name));
+                if (!empty_.contains(element.id)) {
+                    reply.values.push_back(Read(element, name));
+                }
             }
             break;
         case Operation::isSettable:

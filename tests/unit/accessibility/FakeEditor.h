@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -51,6 +52,9 @@ class FakeEditor final : public desktop_link::Transport {
     // So does this action, or setting this attribute.
     void Refuse(ElementReference element, const std::string& name, std::int32_t error);
 
+    // Reading several attributes of the element succeeds and yields no value at all.
+    void AnswerEmpty(ElementReference element) { empty_.insert(element.id); }
+
     // No call is answered any more: it hangs, or it died.
     void StopAnswering(bool gone);
 
@@ -84,6 +88,7 @@ class FakeEditor final : public desktop_link::Transport {
     std::vector<Attributes> elements_ = std::vector<Attributes>(1);  // by id
     std::map<std::uint64_t, std::int32_t> failing_;
     std::map<std::pair<std::uint64_t, std::string>, std::int32_t> refused_;
+    std::set<std::uint64_t> empty_;
     std::function<void(const desktop_link::Request&)> hook_;
     Generator generator_;
     std::vector<ElementReference> reads_;

@@ -40,10 +40,23 @@ TEST_F(SearchLog, AHitBelowAGroupIsToldStepByStep) {
             "  got Child 0", "        role AXButton is valid", "          checking id _NS:5",
             "  got Child 1", "        role AXButton is valid", "          checking id _NS:1",
             "  returning element with id = _NS:1 at index 1",
-            testing::StartsWith("  returning element with id = _NS:1 at index 1 retain count = "),
+            "  returning element with id = _NS:1 at index 1 retain count = 2",
             "   recursion found element with id _NS:1",
-            testing::MatchesRegex(
-                "    \\*\\*\\*FOUND IT \\(_NS:1\\)  retain count [0-9]+\\*\\*\\*")));
+            "    ***FOUND IT (_NS:1)  retain count 1***"));
+}
+
+// Whoever holds the element besides the list of children and the result is counted, too.
+TEST_F(SearchLog, TheCountOfAHitInAListIsThatOfTheObjectInIt) {
+    auto children = ArrayOf({editor_.Add("AXRow"), editor_.Add("AXButton", "_NS:1")});
+    const auto holder =
+        Retained(static_cast<AXUIElementRef>(CFArrayGetValueAtIndex(children.get(), 1)));
+    platform_testing::LogCapture console;
+    AXUIElementRef element = nullptr;
+    utils_.CopyChild(element, CFSTR("_NS:1"), CFSTR("AXButton"), children.get(), false, true);
+    OwnedReference<AXUIElementRef> owned(element);
+    ASSERT_FALSE(console.ConsoleTexts().empty());
+    EXPECT_EQ(console.ConsoleTexts().back(),
+              "  returning element with id = _NS:1 at index 1 retain count = 3");
 }
 
 // The element in a window's own list of children: the list is released by the time of the line.
