@@ -68,6 +68,7 @@ CVEK_UserSpaceDriver::CVEK_UserSpaceDriver()
 
     MIDISignIn();
     remotePort = new CACFRemoteMessagePort(CFSTR("VEK_KRT9"), nullptr);
+    // Unreachable: a port that could not be made has no source either.
     if (!localPort.IsValid()) {
         syslog(LOG_EMERG, "local Port is not valid");
     }

@@ -38,6 +38,7 @@ NSString* StringForKey(NSDictionary* dictionary, NSString* key) {
 // Whichever instance was made last is the shared one, and lives on without its maker.
 - (id)init {
     self = [super init];
+    // Unreachable: NSObject's init does not fail.
     if (self != nil) {
         [self retain];
         [gSelf release];

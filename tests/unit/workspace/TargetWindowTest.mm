@@ -149,6 +149,16 @@ TEST_F(WindowLookup, CandidateNamesAreInTheSystemEncodingWhichIsMacRoman) {
     EXPECT_FALSE(Find({Candidate("caf\xE9")}));
 }
 
+TEST_F(WindowLookup, CandidateWhoseNameIsNoTextInTheSystemEncodingIsSkipped) {
+    Translate("de",
+              "<key>caf\u00e9</key><string>Viewer</string><key>x</key><string>Final</string>");
+    FrameworkAnswers::Current().systemEncoding = kCFStringEncodingUTF8;
+    ASSERT_TRUE(Find({Candidate("caf\x8E"), Candidate("x")}));
+    EXPECT_EQ(index, 1u);
+    ASSERT_TRUE(Find({Candidate("caf\u00e9")})) << "the encoding is asked for";
+    EXPECT_FALSE(Find({Candidate("x", "caf\x8E")}));
+}
+
 TEST_F(WindowLookup, SubWindowNamesAreInTheSystemEncodingToo) {
     Translate("de",
               "<key>main</key><string>Final Cut</string><key>\u00a9</key><string>Viewer</string>");

@@ -19,6 +19,7 @@
 #include "tests/support/HomeFolder.h"
 #include "tests/support/InProcessDesktop.h"
 #include "tests/support/TestDriver.h"
+#include "tests/unit/workspace/FrameworkAnswers.h"
 #include "workspace/FrontApplication.h"
 #import "workspace/VEK_Driver_FrontAppObserver.h"
 
@@ -56,6 +57,7 @@ class WindowLookup : public testing::Test {
     explicit WindowLookup(const std::string& scene = SceneOfWindows(kWindows)) : desktop(scene) {
         ObserveAnew();
     }
+    ~WindowLookup() override { FrameworkAnswers::Current() = FrameworkAnswers(); }
 
     // Translations of the driver's current language, which is `tag` from now on.
     void Translate(const std::string& tag, const std::string& entries) {

@@ -2,6 +2,7 @@
 
 #include "platform/Testing/LogCapture.h"
 #include "tests/unit/workspace/WindowLookupFixture.h"
+#include "workspace/WindowAttributes.h"
 
 namespace {
 
@@ -114,6 +115,23 @@ TEST_F(OtherWindows, FailingWindowListSaysNothingUnlessAsked) {
     EXPECT_THAT(log.Lines(), testing::IsEmpty());
 }
 
+TEST_F(WindowLookup, WithoutAnElementForTheApplicationThereIsNoWindowList) {
+    FrameworkAnswers::Current().applicationElements = false;
+    const platform_testing::LogCapture log;
+    const unsigned long before = desktop_link::ExchangeCount();
+    EXPECT_EQ(driver->CopyApplicationWindowList(true, @"tag"), nil);
+    EXPECT_THAT(log.ConsoleTexts(), testing::ElementsAre("CopyApplicationWindowList"));
+    std::string name = "Final Cut Pro";
+    EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, false, position, size));
+    EXPECT_FALSE(Find({Candidate("Final Cut Pro")}));
+    EXPECT_EQ(desktop_link::ExchangeCount(), before) << "nothing is asked";
+}
+
+TEST_F(WindowLookup, EntryOfAWindowListThatIsNoElementHasNoTitle) {
+    EXPECT_EQ(CopyWindowTitle(CFSTR("Final Cut Pro")), nullptr);
+    EXPECT_EQ(CopyWindowTitle(kCFNull), nullptr);
+}
+
 TEST_F(OtherWindows, WhatIsNoListIsNoWindowList) {
     Use(R"("three windows")");
     EXPECT_EQ(driver->CopyApplicationWindowList(false, @""), nil);
@@ -166,6 +184,16 @@ TEST_F(OtherWindows, PositionOfAnotherTypeWritesNeitherOutput) {
     EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, false, position, size));
     EXPECT_EQ(position.x, -1);
     EXPECT_EQ(size.width, -1);
+}
+
+TEST_F(OtherWindows, FrameThatIsTextWritesNeitherOutput) {
+    Use(R"([{ "AXRole": "AXWindow", "AXTitle": "Viewer", "AXPosition": [1, 2], "AXSize": "3x4" },
+            { "AXRole": "AXWindow", "AXTitle": "Other", "AXPosition": "1, 2", "AXSize": [3, 4] }])");
+    for (std::string name : {"Viewer", "Other"}) {
+        EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, false, position, size));
+        EXPECT_EQ(position.x, -1);
+        EXPECT_EQ(size.width, -1);
+    }
 }
 
 TEST_F(OtherWindows, SizeOfAnotherTypeWritesNeitherOutput) {

@@ -1,0 +1,14 @@
+// What the frameworks answer where a test says so: functions of this program take the place of
+// theirs and pass all other calls on.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <optional>
+
+struct FrameworkAnswers {
+    bool applicationElements = true;                 // false: AXUIElementCreateApplication fails
+    std::optional<CFStringEncoding> systemEncoding;  // none: the framework's own
+
+    static FrameworkAnswers& Current();
+};
