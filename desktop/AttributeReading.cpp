@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "desktop/Selection.h"
+#include "scenes/notation/Names.h"
 
 namespace desktop {
 
@@ -144,19 +145,6 @@ constexpr std::array kComputedAttributes = {
     ComputedAttribute{"AXWindows", Windows},
 };
 
-// What tells elements apart comes first, what is long last; the others by name in between.
-int Rank(std::string_view name) {
-    constexpr std::array<std::string_view, 7> kFirst = {
-        "AXRole",        "AXSubrole", "AXIdentifier",      "AXTitle",
-        "AXDescription", "AXValue",   "AXValueDescription"};
-    const auto* found = std::find(kFirst.begin(), kFirst.end(), name);
-    if (found != kFirst.end()) {
-        return static_cast<int>(found - kFirst.begin());
-    }
-    constexpr int kOthers = 100;
-    return name == "AXChildren" || name == "AXWindows" ? kOthers + 1 : kOthers;
-}
-
 }  // namespace
 
 Answer ReadAttribute(const Model& model, const Application& application, const Element& element,
@@ -184,14 +172,8 @@ std::vector<std::string> AttributeNames(const Model& model, const Application& a
             names.emplace_back(name);
         }
     }
-    std::sort(names.begin(), names.end(), AttributeComesBefore);
+    std::sort(names.begin(), names.end(), scene_notation::AttributeComesBefore);
     return names;
-}
-
-bool AttributeComesBefore(std::string_view left, std::string_view right) {
-    const int leftRank = Rank(left);
-    const int rightRank = Rank(right);
-    return leftRank != rightRank ? leftRank < rightRank : left < right;
 }
 
 }  // namespace desktop

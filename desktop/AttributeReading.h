@@ -17,7 +17,4 @@ Answer ReadAttribute(const Model& model, const Application& application, const E
 std::vector<std::string> AttributeNames(const Model& model, const Application& application,
                                         const Element& element);
 
-// Where an attribute stands among others in lists and dumps.
-bool AttributeComesBefore(std::string_view left, std::string_view right);
-
 }  // namespace desktop

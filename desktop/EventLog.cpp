@@ -75,7 +75,7 @@ void EventLog::AddEvent(const desktop_link::Event& event) {
         entry["unit"] = event.scrollUnit;
         entry["wheels"] = event.wheels;
     } else {
-        entry["position"] = WritePoint(event.position);
+        entry["position"] = WritePosition(event.position);
         entry["button"] = event.button;
     }
     entry["flags"] = event.flags;

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/DesktopLink/Messages.h"
+#include "scenes/notation/Names.h"
 
 namespace desktop {
 
@@ -84,7 +84,8 @@ double ExpectNumber(const json& json, const std::string& place) {
     if (json.is_number()) {
         return json.get<double>();
     }
-    const auto* text = json.is_object() && json.size() == 1 ? Field(json, "double") : nullptr;
+    const auto* text =
+        json.is_object() && json.size() == 1 ? Field(json, scene_notation::tag::kDouble) : nullptr;
     if (text != nullptr && *text == "nan") {
         return std::numeric_limits<double>::quiet_NaN();
     }
@@ -141,7 +142,7 @@ void ExpectShallow(const json& json, const std::string& place) {
         if (!current->is_structured()) {
             continue;
         }
-        if (depth >= desktop_link::kDeepestValue) {
+        if (depth >= scene_notation::kDeepestJson) {
             throw SceneError(place, "nested too deep");
         }
         for (const auto& item : *current) {

@@ -41,8 +41,8 @@ const nlohmann::json* Field(const nlohmann::json& object, const char* key);
 const nlohmann::json& Required(const nlohmann::json& object, const char* key,
                                const std::string& place);
 
-// Throws when arrays and objects nest deeper than values may: what is kept as JSON is copied and
-// written by functions that recurse.
+// Throws when arrays and objects nest deeper than those of any value: what is kept as JSON is
+// copied and written by functions that recurse.
 void ExpectShallow(const nlohmann::json& json, const std::string& place);
 
 // Parses a text; throws SceneError with line and column. `place` may be empty.

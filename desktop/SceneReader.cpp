@@ -8,6 +8,7 @@
 #include "desktop/ApplicationReader.h"
 #include "desktop/JsonFields.h"
 #include "desktop/Selection.h"
+#include "scenes/notation/Names.h"
 
 namespace desktop {
 
@@ -293,7 +294,7 @@ void SceneReader::Resolve(Deferred& deferred) {
 }
 
 void ExpectAttributeName(const std::string& name, const std::string& place) {
-    if (name.empty() || name[0] < 'A' || name[0] > 'Z') {
+    if (!scene_notation::IsAttributeName(name)) {
         throw SceneError(place, "no attribute; their names begin with a capital letter");
     }
 }

@@ -37,8 +37,7 @@ nlohmann::ordered_json WriteAnswer(const Answer& answer, std::string_view attrib
 nlohmann::ordered_json WriteMisbehaviour(const Misbehaviour& misbehaviour,
                                          const ElementDescriber& describe);
 
-// A whole number as such, so that coordinates read well.
-nlohmann::ordered_json WriteNumber(double number);
-nlohmann::ordered_json WritePoint(const desktop_link::Point& point);
+// [x, y], as a position stands in scenes, logs and answers.
+nlohmann::ordered_json WritePosition(const desktop_link::Point& point);
 
 }  // namespace desktop

@@ -4,7 +4,7 @@
 
 #include "desktop/JsonFields.h"
 #include "desktop/SceneValue.h"
-#include "platform/DesktopLink/Messages.h"
+#include "scenes/notation/Names.h"
 
 namespace desktop {
 
@@ -18,6 +18,7 @@ using desktop_link::Range;
 using desktop_link::Rect;
 using desktop_link::Size;
 using nlohmann::json;
+namespace tags = scene_notation::tag;
 
 namespace {
 
@@ -98,12 +99,12 @@ Value ReadDictionary(const json& source, const std::string& place, const Element
 }
 
 Value ReadElementTag(const json& source, const std::string& place, const ElementResolver& resolve) {
-    ExpectOnly(source, place, {"element", "application"});
+    ExpectOnly(source, place, {tags::kElement, "application"});
     const json* application = Field(source, "application");
-    if (source["element"].is_null()) {
+    if (source[tags::kElement].is_null()) {
         return {resolve("", "", place)};
     }
-    return {resolve(ExpectText(source["element"], Place(place, "element")),
+    return {resolve(ExpectText(source[tags::kElement], Place(place, tags::kElement)),
                     application == nullptr ? std::string()
                                            : ExpectText(*application, Place(place, "application")),
                     place)};
@@ -111,7 +112,7 @@ Value ReadElementTag(const json& source, const std::string& place, const Element
 
 Value ReadTagged(const json& source, const std::string& place, const ElementResolver& resolve,
                  std::size_t depth) {
-    if (source.contains("element")) {
+    if (source.contains(tags::kElement)) {
         return ReadElementTag(source, place, resolve);
     }
     if (source.size() != 1) {
@@ -120,34 +121,34 @@ Value ReadTagged(const json& source, const std::string& place, const ElementReso
     const std::string& tag = source.begin().key();
     const json& content = source.begin().value();
     const std::string inside = Place(place, tag);
-    if (tag == "null") {
+    if (tag == tags::kNull) {
         return {std::monostate{}};
     }
-    if (tag == "point") {
+    if (tag == tags::kPoint) {
         return ReadPoint(content, inside);
     }
-    if (tag == "size") {
+    if (tag == tags::kSize) {
         return ReadSize(content, inside);
     }
-    if (tag == "rect") {
+    if (tag == tags::kRect) {
         return ReadRect(content, inside);
     }
-    if (tag == "range") {
+    if (tag == tags::kRange) {
         return ReadRange(content, inside);
     }
-    if (tag == "axerror") {
+    if (tag == tags::kErrorValue) {
         return {ErrorValue{ExpectErrorCode(content, inside)}};
     }
-    if (tag == "data") {
+    if (tag == tags::kData) {
         return ReadBytes(content, inside);
     }
-    if (tag == "double") {
+    if (tag == tags::kDouble) {
         return {ExpectNumber(content.is_number() ? content : source, place)};
     }
-    if (tag == "array") {
+    if (tag == tags::kArray) {
         return ReadArray(content, inside, resolve, depth);
     }
-    if (tag == "dictionary") {
+    if (tag == tags::kDictionary) {
         return ReadDictionary(content, inside, resolve, depth);
     }
     throw SceneError(place, "unknown tag " + ToText(json(tag)));
@@ -155,7 +156,7 @@ Value ReadTagged(const json& source, const std::string& place, const ElementReso
 
 Value ReadValue(const json& source, const std::string& place, const ElementResolver& resolve,
                 std::size_t depth) {
-    if (depth > desktop_link::kDeepestValue) {
+    if (depth > scene_notation::kDeepestValue) {
         throw SceneError(place, "nested too deep");
     }
     switch (source.type()) {
@@ -185,10 +186,10 @@ Answer ReadAnswer(const json& source, std::string_view attribute, const std::str
         return Answer::Error(kNoValue);
     }
     if (source.is_object() && source.size() == 1) {
-        if (const json* error = Field(source, "error")) {
-            return Answer::Error(ExpectErrorCode(*error, Place(place, "error")));
+        if (const json* error = Field(source, tags::kFailure)) {
+            return Answer::Error(ExpectErrorCode(*error, Place(place, tags::kFailure)));
         }
-        if (source.contains("nothing")) {
+        if (source.contains(tags::kNothing)) {
             return {{}, 0, true};
         }
     }
@@ -209,7 +210,7 @@ bool MentionsElement(const json& source) {
     while (!open.empty()) {
         const json* current = open.back();
         open.pop_back();
-        if (current->is_object() && current->contains("element")) {
+        if (current->is_object() && current->contains(tags::kElement)) {
             return true;
         }
         if (current->is_structured()) {

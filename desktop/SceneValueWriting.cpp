@@ -1,6 +1,7 @@
-#include <cmath>
-
 #include "desktop/SceneValue.h"
+#include "platform/DesktopLink/Messages.h"
+#include "scenes/notation/Names.h"
+#include "scenes/notation/Values.h"
 
 namespace desktop {
 
@@ -15,72 +16,59 @@ using desktop_link::Rect;
 using desktop_link::Size;
 using nlohmann::ordered_json;
 
+// A value that crosses the link whole is one that a scene holds, and the other way round.
+static_assert(desktop_link::kDeepestValue == scene_notation::kDeepestValue);
+static_assert(kNoValue == scene_notation::kNoValueError);
+
 namespace {
-
-ordered_json Tagged(const char* tag, ordered_json content) {
-    ordered_json tagged;
-    tagged[tag] = std::move(content);
-    return tagged;
-}
-
-ordered_json WriteSize(const Size& size) {
-    return ordered_json::array({WriteNumber(size.width), WriteNumber(size.height)});
-}
-
-ordered_json WriteRect(const Rect& rect) {
-    return ordered_json::array({WriteNumber(rect.origin.x), WriteNumber(rect.origin.y),
-                                WriteNumber(rect.size.width), WriteNumber(rect.size.height)});
-}
-
-std::string Hexadecimal(const Bytes& bytes) {
-    const std::string_view digits = "0123456789abcdef";
-    std::string text;
-    for (const std::uint8_t byte : bytes.content) {
-        text += digits[byte / 16];
-        text += digits[byte % 16];
-    }
-    return text;
-}
 
 struct ValueWriter {
     const ElementDescriber& describe;
+    std::string_view attribute;  // empty inside another value
 
-    ordered_json operator()(std::monostate) const { return Tagged("null", true); }
+    ordered_json operator()(std::monostate) const { return scene_notation::WriteNull(); }
     ordered_json operator()(bool flag) const { return flag; }
     ordered_json operator()(std::int64_t number) const { return number; }
-    ordered_json operator()(double number) const {
-        return std::isfinite(number) ? ordered_json(number) : WriteNumber(number);
-    }
+    ordered_json operator()(double number) const { return scene_notation::WriteDouble(number); }
     ordered_json operator()(const std::string& text) const { return text; }
-    ordered_json operator()(const Point& point) const { return Tagged("point", WritePoint(point)); }
-    ordered_json operator()(const Size& size) const { return Tagged("size", WriteSize(size)); }
-    ordered_json operator()(const Rect& rect) const { return Tagged("rect", WriteRect(rect)); }
-    ordered_json operator()(const Range& range) const {
-        return Tagged("range", ordered_json::array({range.location, range.length}));
+    ordered_json operator()(const Point& point) const {
+        return scene_notation::WritePoint(point.x, point.y, attribute);
     }
-    ordered_json operator()(const ErrorValue& error) const { return Tagged("axerror", error.code); }
+    ordered_json operator()(const Size& size) const {
+        return scene_notation::WriteSize(size.width, size.height, attribute);
+    }
+    ordered_json operator()(const Rect& rect) const {
+        return scene_notation::WriteRect(rect.origin.x, rect.origin.y, rect.size.width,
+                                         rect.size.height, attribute);
+    }
+    ordered_json operator()(const Range& range) const {
+        return scene_notation::WriteRange(range.location, range.length);
+    }
+    ordered_json operator()(const ErrorValue& error) const {
+        return scene_notation::WriteErrorValue(error.code);
+    }
     ordered_json operator()(const ElementReference& reference) const { return describe(reference); }
-    ordered_json operator()(const Bytes& bytes) const { return Tagged("data", Hexadecimal(bytes)); }
+    ordered_json operator()(const Bytes& bytes) const {
+        return scene_notation::WriteData(bytes.content);
+    }
     ordered_json operator()(const Array& array) const {
         auto items = ordered_json::array();
         for (const Value& item : array) {
-            items.push_back(std::visit(*this, item.content));
+            items.push_back(Inside(item));
         }
-        return items;
+        return scene_notation::WriteArray(std::move(items), attribute);
     }
     ordered_json operator()(const Dictionary& dictionary) const {
         auto entries = ordered_json::object();
         for (const auto& [key, value] : dictionary) {
-            entries[key] = std::visit(*this, value.content);
+            entries[key] = Inside(value);
         }
-        return Tagged("dictionary", std::move(entries));
+        return scene_notation::WriteDictionary(std::move(entries));
+    }
+    ordered_json Inside(const Value& value) const {
+        return std::visit(ValueWriter{describe, {}}, value.content);
     }
 };
-
-bool PlainArrayMeansSomethingElse(std::string_view attribute) {
-    return attribute == "AXPosition" || attribute == "AXSize" || attribute == "AXFrame" ||
-           attribute == "AXChildren" || attribute == "AXSelectedRows" || attribute == "AXWindows";
-}
 
 void WriteOccasions(const Rule& rule, ordered_json& json) {
     if (rule.skip != 0) {
@@ -119,52 +107,19 @@ ordered_json WriteEffectRules(const std::vector<EffectRule>& rules) {
 
 }  // namespace
 
-ordered_json WriteNumber(double number) {
-    if (std::isnan(number)) {
-        return Tagged("double", "nan");
-    }
-    if (std::isinf(number)) {
-        return Tagged("double", number > 0 ? "inf" : "-inf");
-    }
-    constexpr double kExact = 9007199254740992;  // whole numbers up to 2^53 have one form only
-    if (std::trunc(number) == number && std::abs(number) < kExact &&
-        !(number == 0 && std::signbit(number))) {
-        return static_cast<std::int64_t>(number);
-    }
-    return number;
-}
-
-ordered_json WritePoint(const Point& point) {
-    return ordered_json::array({WriteNumber(point.x), WriteNumber(point.y)});
+ordered_json WritePosition(const Point& point) {
+    return scene_notation::WritePoint(point.x, point.y, "AXPosition");
 }
 
 ordered_json WriteAnswer(const Answer& answer, std::string_view attribute,
                          const ElementDescriber& describe) {
-    if (answer.error == kNoValue) {
-        return nullptr;
-    }
     if (answer.error != 0) {
-        return Tagged("error", answer.error);
+        return scene_notation::WriteFailure(answer.error);
     }
     if (answer.nothing) {
-        return Tagged("nothing", true);
+        return scene_notation::WriteNothing();
     }
-    const Value& value = answer.value;
-    if (const auto* point = std::get_if<Point>(&value.content);
-        point && attribute == "AXPosition") {
-        return WritePoint(*point);
-    }
-    if (const auto* size = std::get_if<Size>(&value.content); size && attribute == "AXSize") {
-        return WriteSize(*size);
-    }
-    if (const auto* rect = std::get_if<Rect>(&value.content); rect && attribute == "AXFrame") {
-        return WriteRect(*rect);
-    }
-    ordered_json json = std::visit(ValueWriter{describe}, value.content);
-    if (json.is_array() && PlainArrayMeansSomethingElse(attribute)) {
-        return Tagged("array", std::move(json));
-    }
-    return json;
+    return std::visit(ValueWriter{describe, attribute}, answer.value.content);
 }
 
 ordered_json WriteMisbehaviour(const Misbehaviour& misbehaviour, const ElementDescriber& describe) {

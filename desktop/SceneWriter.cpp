@@ -5,29 +5,21 @@
 #include <vector>
 
 #include "desktop/Address.h"
-#include "desktop/AttributeReading.h"
 #include "desktop/JsonFields.h"
 #include "desktop/SceneValue.h"
 #include "desktop/Selection.h"
+#include "scenes/notation/Names.h"
+#include "scenes/notation/SceneText.h"
 
 namespace desktop {
 
 using nlohmann::ordered_json;
+using scene_notation::AttributeComesBefore;
+using scene_notation::ElementLines;
+using scene_notation::Members;
+using scene_notation::WriteCoordinate;
 
 namespace {
-
-// "key": value, key: value ... of an object, without its braces.
-class Members {
-  public:
-    void Add(const std::string& key, const ordered_json& value) {
-        text_ += text_.empty() ? "" : ", ";
-        text_ += ToText(ordered_json(key)) + ": " + ToText(value);
-    }
-    const std::string& Text() const { return text_; }
-
-  private:
-    std::string text_;
-};
 
 class SceneWriter {
   public:
@@ -52,9 +44,9 @@ class SceneWriter {
         }
         text_ = "{ \"trusted\": " + ToText(ordered_json(model_.trusted));
         text_ += ",\n  \"screens\": " + ToText(screens);
-        text_ += ",\n  \"pointer\": " + ToText(WritePoint(model_.pointer));
-        text_ += ",\n  \"messagingTimeout\": " + ToText(WriteNumber(model_.messagingTimeout));
-        text_ += ",\n  \"activationGap\": " + ToText(WriteNumber(model_.activationGap));
+        text_ += ",\n  \"pointer\": " + ToText(WritePosition(model_.pointer));
+        text_ += ",\n  \"messagingTimeout\": " + ToText(WriteCoordinate(model_.messagingTimeout));
+        text_ += ",\n  \"activationGap\": " + ToText(WriteCoordinate(model_.activationGap));
         text_ += ",\n  \"front\": " + ToText(model_.front == nullptr
                                                  ? ordered_json(nullptr)
                                                  : ordered_json(model_.NameOf(*model_.front)));
@@ -100,32 +92,27 @@ class SceneWriter {
     // Walks without recursion: an element is closed when the walk leaves it.
     void WriteTree(const Application& application) {
         const Element& root = application.root;
+        ElementLines lines;
         std::vector<std::pair<const Element*, std::size_t>> open = {{&root, 0}};
         while (!open.empty()) {
             auto& [parent, next] = open.back();
             if (next == parent->children.size()) {
                 if (parent != &root) {
-                    text_ += "] }";
+                    lines.Close();
                 }
                 open.pop_back();
                 continue;
             }
-            text_ += next == 0 ? "\n" : ",\n";
             const Element& child = *parent->children[next++];
-            // Deeper than this, indentation would outweigh the elements themselves.
-            constexpr std::size_t kDeepestIndentation = 40;
-            text_.append(6 + std::min(2 * open.size(), kDeepestIndentation), ' ');
-            WriteElement(application, child);
+            lines.Add(MembersOf(application, child), child.hasChildren);
             if (child.hasChildren) {
                 open.emplace_back(&child, 0);
-            } else {
-                text_ += " }";
             }
         }
+        text_ += lines.Text();
     }
 
-    // Up to and including the bracket of its children, when it has that attribute.
-    void WriteElement(const Application& application, const Element& element) {
+    Members MembersOf(const Application& application, const Element& element) {
         Members members;
         for (const Attribute* attribute : InOrder(element)) {
             if (!HidesTree(application, element, *attribute->name)) {
@@ -141,10 +128,7 @@ class SceneWriter {
             members.Add("settable", *element.details->settable);
         }
         AddMisbehaviour(application, element, members);
-        text_ += "{ " + members.Text();
-        if (element.hasChildren) {
-            text_ += members.Text().empty() ? "\"AXChildren\": [" : ", \"AXChildren\": [";
-        }
+        return members;
     }
 
     static std::vector<const Attribute*> InOrder(const Element& element) {

@@ -58,7 +58,7 @@ std::string Script::ReadState(const Json& command) {
                                {"front", model.front == nullptr ? ordered_json(nullptr)
                                                                 : ordered_json(model.front->Key())},
                                {"trusted", model.trusted},
-                               {"pointer", WritePoint(model.pointer)},
+                               {"pointer", WritePosition(model.pointer)},
                                {"modifiers", desktop_.tap_.HeldModifiers()},
                                {"time", desktop_.schedule_.Now()},
                                {"elements", model.arena.Count()},

@@ -2,16 +2,16 @@
 
 #include <fmt/format.h>
 
+#include "scenes/notation/Names.h"
+
 namespace krt9ctl::desktop_commands {
 
 namespace {
 
-constexpr int kDeepestJson = 64;
-
 // Discarded for text that is no JSON.
 Json ParseShallowJson(const Arguments& arguments, std::string_view name) {
     const auto refuseDepth = [name](int depth, Json::parse_event_t, const Json&) {
-        if (depth > kDeepestJson) {
+        if (depth > static_cast<int>(scene_notation::kDeepestJson)) {
             throw UsageError(fmt::format("{}: the JSON is nested too deep", name));
         }
         return true;

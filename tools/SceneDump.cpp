@@ -3,40 +3,17 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 
+#include "scenes/notation/Names.h"
+#include "scenes/notation/SceneText.h"
 #include "tools/SceneValue.h"
 #include "tools/TreeAttributes.h"
 
 namespace krt9ctl {
 
+using scene_notation::Members;
+
 namespace {
-
-// What tells elements apart comes first, the others by name.
-std::size_t Rank(std::string_view name) {
-    constexpr std::array<std::string_view, 7> kFirst = {
-        "AXRole",        "AXSubrole", "AXIdentifier",      "AXTitle",
-        "AXDescription", "AXValue",   "AXValueDescription"};
-    return static_cast<std::size_t>(std::find(kFirst.begin(), kFirst.end(), name) - kFirst.begin());
-}
-
-// Other keys of an element in a scene are no attributes.
-bool IsAttributeName(const std::string& name) {
-    return !name.empty() && name[0] >= 'A' && name[0] <= 'Z';
-}
-
-// "key": value, "key": value ... of an object, without its braces.
-class Members {
-  public:
-    void Add(const std::string& key, const Json& value) {
-        text_ += text_.empty() ? "" : ", ";
-        text_ += OneLine(key) + ": " + OneLine(value);
-    }
-    const std::string& Text() const { return text_; }
-
-  private:
-    std::string text_;
-};
 
 class SceneWriter {
   public:
@@ -50,7 +27,7 @@ class SceneWriter {
 
     void WriteApplication(const ApplicationFacts& facts);
     void WriteTree();
-    void WriteElement(std::size_t place);
+    Members MembersOf(std::size_t place);
     void AddAttribute(std::size_t place, const std::string& name, CFTypeRef value,
                       Members& members);
     void AddMain(std::size_t place, Members& members) const;
@@ -102,49 +79,44 @@ void SceneWriter::WriteApplication(const ApplicationFacts& facts) {
 
 // Walks without recursion: an element is closed when the walk leaves it.
 void SceneWriter::WriteTree() {
-    // Deeper than this, indentation would outweigh the elements themselves.
-    constexpr std::size_t kDeepestIndentation = 40;
+    scene_notation::ElementLines lines;
     std::vector<std::pair<std::size_t, std::size_t>> open = {{0, 0}};  // place, next child
     while (!open.empty()) {
         auto& [parent, next] = open.back();
         if (next == At(parent).children.size()) {
-            dump_.text += parent == 0 ? "" : "] }";
+            if (parent != 0) {
+                lines.Close();
+            }
             open.pop_back();
             continue;
         }
-        dump_.text += next == 0 ? "\n" : ",\n";
         const std::size_t child = At(parent).children[next++];
-        dump_.text.append(6 + std::min(2 * open.size(), kDeepestIndentation), ' ');
-        WriteElement(child);
+        lines.Add(MembersOf(child), At(child).hasChildren);
         if (At(child).hasChildren) {
             open.emplace_back(child, 0);
-        } else {
-            dump_.text += " }";
         }
     }
+    dump_.text += lines.Text();
 }
 
-// Up to and including the bracket of its children, when it has that attribute.
-void SceneWriter::WriteElement(std::size_t place) {
+Members SceneWriter::MembersOf(std::size_t place) {
     const TreeElement& element = At(place);
-    std::vector<std::pair<std::size_t, const std::string*>> order;
+    std::vector<const std::string*> names;
     for (const auto& [name, value] : element.attributes) {
-        order.emplace_back(Rank(name), &name);
+        names.push_back(&name);
     }
-    std::stable_sort(order.begin(), order.end(),
-                     [](const auto& left, const auto& right) { return left.first < right.first; });
+    std::sort(names.begin(), names.end(), [](const auto* left, const auto* right) {
+        return scene_notation::AttributeComesBefore(*left, *right);
+    });
     Members members;
-    for (const auto& [rank, name] : order) {
+    for (const std::string* name : names) {
         AddAttribute(place, *name, element.attributes.at(*name).get(), members);
     }
     AddMain(place, members);
     if (element.actions) {
         members.Add("actions", *element.actions);
     }
-    dump_.text += "{ " + members.Text();
-    if (element.hasChildren) {
-        dump_.text += members.Text().empty() ? "\"AXChildren\": [" : ", \"AXChildren\": [";
-    }
+    return members;
 }
 
 void SceneWriter::AddAttribute(std::size_t place, const std::string& name, CFTypeRef value,
@@ -160,7 +132,7 @@ void SceneWriter::AddAttribute(std::size_t place, const std::string& name, CFTyp
     }
     const auto written =
         SceneValueOf(value, name, [this](CFTypeRef element) { return Describe(element); });
-    if (!written || !IsAttributeName(name)) {
+    if (!written || !scene_notation::IsAttributeName(name)) {
         ++dump_.leftOutValues;
         return;
     }
@@ -192,7 +164,7 @@ std::string SceneWriter::AddressOf(std::size_t place) const {
 Json SceneWriter::Describe(CFTypeRef element) const {
     const auto place = tree_.Find(element);
     Json described;
-    described["element"] = place ? Json(AddressOf(*place)) : Json(nullptr);
+    described[scene_notation::tag::kElement] = place ? Json(AddressOf(*place)) : Json(nullptr);
     return described;
 }
 

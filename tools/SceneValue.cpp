@@ -2,65 +2,31 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
-#include <algorithm>
-#include <array>
-#include <cmath>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "tools/Bytes.h"
+#include "scenes/notation/Names.h"
+#include "scenes/notation/Values.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {
 
-namespace {
+namespace notation = scene_notation;
 
-constexpr int kDeepestValue = 32;
+namespace {
 
 using Written = std::optional<Json>;
 
-Json Tagged(const char* tag, Json content) {
-    Json tagged;
-    tagged[tag] = std::move(content);
-    return tagged;
-}
-
-Json WriteUnusualNumber(double number) {
-    const char* text = std::isnan(number) ? "nan" : number > 0 ? "inf" : "-inf";
-    return Tagged("double", text);
-}
-
-// A whole number without a fraction, so that coordinates read well.
-Json WriteCoordinate(double number) {
-    constexpr double kExact = 9007199254740992;  // 2^53
-    if (!std::isfinite(number)) {
-        return WriteUnusualNumber(number);
-    }
-    if (std::trunc(number) == number && std::abs(number) < kExact &&
-        !(number == 0 && std::signbit(number))) {
-        return static_cast<std::int64_t>(number);
-    }
-    return number;
-}
-
-Json WriteCoordinates(std::initializer_list<double> numbers) {
-    Json written = Json::array();
-    for (const double number : numbers) {
-        written.push_back(WriteCoordinate(number));
-    }
-    return written;
-}
-
-Written WriteNumber(CFNumberRef number) {
+Json WriteNumber(CFNumberRef number) {
     if (CFNumberIsFloatType(number)) {
         double value = 0;
         CFNumberGetValue(number, kCFNumberFloat64Type, &value);
-        return std::isfinite(value) ? Json(value) : WriteUnusualNumber(value);
+        return notation::WriteDouble(value);
     }
     std::int64_t value = 0;
     CFNumberGetValue(number, kCFNumberSInt64Type, &value);
-    return Json(value);
+    return value;
 }
 
 template <typename Structure>
@@ -70,38 +36,30 @@ Structure Unwrap(AXValueRef value, AXValueType type) {
     return structure;
 }
 
-Written WriteError(AXError error) {
-    return error == kAXErrorNoValue ? Json(nullptr) : Tagged("error", error);
-}
-
-// Points, sizes and frames stand untagged where their attribute says what they are.
 Written WriteStructure(AXValueRef value, std::string_view attribute) {
-    const auto tagUnless = [attribute](std::string_view plain, const char* tag, Json content) {
-        return attribute == plain ? content : Tagged(tag, std::move(content));
-    };
     switch (AXValueGetType(value)) {
         case kAXValueTypeCGPoint: {
             const auto point = Unwrap<CGPoint>(value, kAXValueTypeCGPoint);
-            return tagUnless("AXPosition", "point", WriteCoordinates({point.x, point.y}));
+            return notation::WritePoint(point.x, point.y, attribute);
         }
         case kAXValueTypeCGSize: {
             const auto size = Unwrap<CGSize>(value, kAXValueTypeCGSize);
-            return tagUnless("AXSize", "size", WriteCoordinates({size.width, size.height}));
+            return notation::WriteSize(size.width, size.height, attribute);
         }
         case kAXValueTypeCGRect: {
             const auto rect = Unwrap<CGRect>(value, kAXValueTypeCGRect);
-            return tagUnless("AXFrame", "rect",
-                             WriteCoordinates({rect.origin.x, rect.origin.y, rect.size.width,
-                                               rect.size.height}));
+            return notation::WriteRect(rect.origin.x, rect.origin.y, rect.size.width,
+                                       rect.size.height, attribute);
         }
         case kAXValueTypeCFRange: {
             const auto range = Unwrap<CFRange>(value, kAXValueTypeCFRange);
-            return Tagged("range", Json::array({range.location, range.length}));
+            return notation::WriteRange(range.location, range.length);
         }
         case kAXValueTypeAXError: {
             const auto error = Unwrap<AXError>(value, kAXValueTypeAXError);
             // Inside another value it is an object, not a failure to read.
-            return attribute.empty() ? Tagged("axerror", error) : WriteError(error);
+            return attribute.empty() ? notation::WriteErrorValue(error)
+                                     : notation::WriteFailure(error);
         }
         case kAXValueTypeIllegal:
             break;
@@ -116,21 +74,15 @@ Written WriteText(CFTypeRef text) {
 
 Json WriteData(CFDataRef data) {
     const UInt8* bytes = CFDataGetBytePtr(data);
-    return Tagged("data", FormatHex({bytes, static_cast<std::size_t>(CFDataGetLength(data))}));
-}
-
-bool PlainArrayMeansSomethingElse(std::string_view attribute) {
-    constexpr std::array<std::string_view, 6> kNames = {
-        "AXPosition", "AXSize", "AXFrame", "AXChildren", "AXSelectedRows", "AXWindows"};
-    return std::find(kNames.begin(), kNames.end(), attribute) != kNames.end();
+    return notation::WriteData({bytes, static_cast<std::size_t>(CFDataGetLength(data))});
 }
 
 class Writer {
   public:
     explicit Writer(const DescribeElement& describe) : describe_(describe) {}
 
-    Written Write(CFTypeRef value, std::string_view attribute, int depth) const {
-        if (depth > kDeepestValue) {
+    Written Write(CFTypeRef value, std::string_view attribute, std::size_t depth) const {
+        if (depth > notation::kDeepestValue) {
             return std::nullopt;
         }
         const CFTypeID type = CFGetTypeID(value);
@@ -164,12 +116,12 @@ class Writer {
             return WriteData(static_cast<CFDataRef>(value));
         }
         if (type == CFNullGetTypeID()) {
-            return Tagged("null", true);
+            return notation::WriteNull();
         }
         return std::nullopt;
     }
 
-    Written WriteArray(CFArrayRef array, std::string_view attribute, int depth) const {
+    Written WriteArray(CFArrayRef array, std::string_view attribute, std::size_t depth) const {
         Json items = Json::array();
         for (CFIndex i = 0; i < CFArrayGetCount(array); ++i) {
             auto item = Write(CFArrayGetValueAtIndex(array, i), "", depth + 1);
@@ -178,11 +130,11 @@ class Writer {
             }
             items.push_back(*std::move(item));
         }
-        return PlainArrayMeansSomethingElse(attribute) ? Tagged("array", std::move(items)) : items;
+        return notation::WriteArray(std::move(items), attribute);
     }
 
     // Sorted by key, since a dictionary has no order.
-    Written WriteDictionary(CFDictionaryRef dictionary, int depth) const {
+    Written WriteDictionary(CFDictionaryRef dictionary, std::size_t depth) const {
         const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
         std::vector<CFTypeRef> keys(count);
         std::vector<CFTypeRef> values(count);
@@ -196,7 +148,7 @@ class Writer {
             }
             entries[*key] = *std::move(value);
         }
-        return Tagged("dictionary", entries);
+        return notation::WriteDictionary(entries);
     }
 
     const DescribeElement& describe_;

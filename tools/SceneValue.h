@@ -15,7 +15,7 @@ namespace krt9ctl {
 using DescribeElement = std::function<Json(CFTypeRef element)>;
 
 // The attribute's name decides which values need no tag. Nothing for a value that a scene cannot
-// hold: an object of another type, text with unpaired surrogates, nesting beyond reason.
+// hold: an object of another type, text with unpaired surrogates, nesting beyond the scene's limit.
 std::optional<Json> SceneValueOf(CFTypeRef value, std::string_view attribute,
                                  const DescribeElement& describe);
 

@@ -119,6 +119,39 @@ TEST(Dump, WalksATreeOfAnyDepth) {
     EXPECT_EQ(std::count(dump.begin(), dump.end(), '\n'), kDepth + 7);
 }
 
+std::string Nested(const std::string& opening, const std::string& closing, int depth) {
+    std::string text;
+    for (int i = 0; i < depth; ++i) {
+        text += opening;
+    }
+    text += "1";
+    for (int i = 0; i < depth; ++i) {
+        text += closing;
+    }
+    return text;
+}
+
+TEST(Dump, KeepsValuesNestedAsDeepAsAScenesMayBe) {
+    for (const int depth : {1, 32, 33, 64}) {
+        const std::string list = Nested("[", "]", depth);
+        const std::string map = Nested(R"({"dictionary":{"k":)", "}}", depth);
+        const std::string scene =
+            SceneWith(R"({"AXRole": "AXGroup", "AXList": )" + list + R"(, "AXMap": )" + map + "}");
+        const std::string dump = DumpOf(scene);
+        EXPECT_THAT(dump, HasSubstr("\"AXList\": " + list)) << depth;
+        EXPECT_THAT(dump, HasSubstr("\"AXMap\": " + map)) << depth;
+        EXPECT_EQ(DumpOf(dump), dump) << depth;
+    }
+}
+
+TEST(Dump, OfDeepValuesThatHoldAnElementLoadsAgain) {
+    std::string map = Nested(R"({"dictionary":{"k":)", "}}", 64);
+    map.replace(map.find('1'), 1, R"({"element":"/0"})");
+    const std::string dump = DumpOf(SceneWith(R"({"AXRole": "AXGroup", "AXMap": )" + map + "}"));
+    EXPECT_THAT(dump, HasSubstr("\"AXMap\": " + map));
+    EXPECT_EQ(DumpOf(dump), dump);
+}
+
 TEST(Dump, PutsAnElementWhereItWasMetFirst) {
     const std::string dump = DumpOf(SceneWith(
         R"({"AXRole": "AXGroup", "AXChildren": {"array": [{"element": "/0"}, {"element": "/"}]}},
