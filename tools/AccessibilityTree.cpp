@@ -11,6 +11,7 @@ namespace {
 
 // A tree that grows while it is read, as one whose children are made on demand, ends somewhere.
 constexpr std::size_t kMostElements = 200000;
+constexpr std::size_t kProgressStep = 100;  // elements
 
 bool IsElement(CFTypeRef object) {
     return CFGetTypeID(object) == AXUIElementGetTypeID();
@@ -83,6 +84,9 @@ AXError AccessibilityTree::Walk(const Options& options) {
             continue;
         }
         const std::size_t place = Add(std::move(next));
+        if (place % kProgressStep == 0) {
+            options.progress(place);
+        }
         const AXError problem = ReadElement(place, options);
         if (IsFatal(problem)) {
             return problem;

@@ -3,6 +3,7 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -41,6 +42,8 @@ class AccessibilityTree {
     struct Options {
         float timeout = 1;  // seconds, of each call
         bool withActions = false;
+        // Told now and then how many elements have been read.
+        std::function<void(std::size_t)> progress = [](std::size_t) {};
     };
 
     // Two exchanges with the application for each element, three with actions. The error is one

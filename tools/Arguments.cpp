@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <charconv>
 #include <cstdlib>
 #include <optional>
 
+#include "tools/Numbers.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {
@@ -14,28 +14,14 @@ namespace {
 
 constexpr double kLongestTime = 86400;
 
-std::optional<std::int64_t> ParseInteger(std::string_view text) {
+std::optional<std::int64_t> ParseSignedInteger(std::string_view text) {
     const bool negative = text.starts_with('-');
-    if (negative) {
-        text.remove_prefix(1);
-    }
-    const bool hex = text.starts_with("0x") || text.starts_with("0X");
-    if (hex) {
-        text.remove_prefix(2);
-    }
-    // Unsigned, so that a second sign is refused.
-    std::uint64_t magnitude = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, problem] = std::from_chars(text.data(), end, magnitude, hex ? 16 : 10);
-    if (problem != std::errc() || stop != end || magnitude > 1ULL << 40) {
-        return std::nullopt;
-    }
-    const auto value = static_cast<std::int64_t>(magnitude);
-    return negative ? -value : value;
+    const auto magnitude = ParseUnsigned(text.substr(negative ? 1 : 0));
+    return negative && magnitude ? std::optional(-*magnitude) : magnitude;
 }
 
 std::optional<std::int64_t> ParseWithin(const Parameter& parameter, std::string_view text) {
-    const auto value = ParseInteger(text);
+    const auto value = ParseSignedInteger(text);
     return value && *value >= parameter.smallest && *value <= parameter.largest ? value
                                                                                 : std::nullopt;
 }
@@ -61,6 +47,24 @@ Coordinates ParseCoordinates(const Parameter& parameter, const std::string& text
     throw UsageError(fmt::format("{}: '{}' is not X,Y (two whole numbers from {} to {})",
                                  parameter.name, Printable(text), parameter.smallest,
                                  parameter.largest));
+}
+
+std::int64_t ParseElementArgument(const Parameter& parameter, const std::string& text) {
+    const auto element = ParseElement(text);
+    if (!element) {
+        throw UsageError(fmt::format(
+            "{}: '{}' is not an element: a number from 0 to {}, or _NS: and such a number",
+            parameter.name, Printable(text), kLargestUnsigned32));
+    }
+    return *element;
+}
+
+KeyChoice ParseKeyArgument(const Parameter& parameter, const std::string& text) {
+    const auto key = ParseKey(text);
+    if (const auto* problem = std::get_if<std::string>(&key)) {
+        throw UsageError(fmt::format("{}: {}", parameter.name, *problem));
+    }
+    return std::get<KeyChoice>(key);
 }
 
 std::string ParseText(const Parameter& parameter, const std::string& text) {
@@ -93,6 +97,13 @@ Bytes ParseHexArgument(const Parameter& parameter, const std::string& text) {
 
 }  // namespace
 
+std::optional<std::int64_t> ParseElement(std::string_view text) {
+    constexpr std::string_view kPrefix = "_NS:";
+    text.remove_prefix(text.starts_with(kPrefix) ? kPrefix.size() : 0);
+    const auto number = ParseUnsigned(text);
+    return number && *number <= kLargestUnsigned32 ? number : std::nullopt;
+}
+
 double ParseSeconds(std::string_view name, const std::string& text) {
     const bool looksDecimal = text.find_first_not_of("0123456789.") == std::string::npos;
     char* stop = nullptr;
@@ -114,6 +125,11 @@ Arguments::Value Arguments::Convert(const Parameter& parameter, const std::strin
             return ParseSeconds(parameter.name, text);
         case ValueKind::coordinates:
             return ParseCoordinates(parameter, text);
+        case ValueKind::element:
+            return ParseElementArgument(parameter, text);
+        case ValueKind::key:
+            return ParseKeyArgument(parameter, text);
+        case ValueKind::file:
         case ValueKind::text:
             return ParseText(parameter, text);
         case ValueKind::code:
@@ -164,6 +180,10 @@ std::vector<std::string> Arguments::Texts(std::string_view name) const {
         }
     }
     return texts;
+}
+
+KeyChoice Arguments::Key(std::string_view name) const {
+    return std::get<KeyChoice>(First(name));
 }
 
 MessageCode Arguments::Code(std::string_view name) const {

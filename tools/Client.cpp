@@ -1,6 +1,6 @@
 #include "tools/Client.h"
 
-#include "tools/SessionCheck.h"
+#include "tools/Session.h"
 
 namespace krt9ctl {
 

@@ -8,13 +8,14 @@
 
 #include "tools/Text.h"
 #include "tools/Version.h"
+#include "tools/terminal/Help.h"
 
 namespace krt9ctl {
 
 namespace {
 
 constexpr char kCommonOptions[] =
-    "Every verb takes --json and --timeout SECONDS; see krt9ctl --help, exit codes too.";
+    "Every verb takes --json and --timeout SECONDS. Exit codes: krt9ctl --help.";
 
 // One parameter as the library holds it.
 struct BoundOption {
@@ -85,7 +86,10 @@ class Parser {
     CLI::App* ParentOf(const Verb& verb);
     void AddVerb(const Verb& verb);
     const BoundVerb* ParsedVerb() const;  // null when none was named
-    std::string MissingVerb() const;
+    UsageError Complaint(const CLI::ParseError& error) const;
+    UsageError ComplaintAboutVerb() const;
+    UsageError ComplaintAboutWord(const Verb& verb, const std::string& word) const;
+    std::string GroupTyped() const;
     Invocation Chosen() const;
 
     const Grammar& grammar_;
@@ -96,6 +100,9 @@ class Parser {
 };
 
 Parser::Parser(const Grammar& grammar) : grammar_(grammar) {
+    app_.get_formatter()->label("SUBCOMMAND", "VERB");
+    app_.get_formatter()->label("Subcommands", "Verbs");
+    app_.get_formatter()->label("Positionals", "Arguments");
     app_.fallthrough();
     app_.require_subcommand(1);
     app_.set_help_flag("-h,--help", "print this help and leave");
@@ -147,16 +154,75 @@ const BoundVerb* Parser::ParsedVerb() const {
     return bound == verbs_.end() ? nullptr : &*bound;
 }
 
-std::string Parser::MissingVerb() const {
+// The group whose name was typed; empty for none.
+std::string Parser::GroupTyped() const {
+    for (const auto& [name, command] : groups_) {
+        if (command->parsed()) {
+            return name;
+        }
+    }
+    return "";
+}
+
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& names) {
+    const std::string nearest = terminal::Nearest(word, names);
+    return nearest.empty() ? "" : fmt::format("; did you mean '{}'?", nearest);
+}
+
+UsageError Parser::ComplaintAboutVerb() const {
+    const std::string group = GroupTyped();
+    const std::string prefix = group.empty() ? "" : group + " ";
     const auto words = Unmarked(app_.remaining(true));
-    return words.empty() ? "a verb is missing"
-                         : fmt::format("'{}' is no verb", Printable(words.front()));
+    if (words.empty()) {
+        return UsageError("a verb is missing", group);
+    }
+    if (words.front().starts_with("-")) {
+        return UsageError(fmt::format("there is no option '{}'", Printable(words.front())), group);
+    }
+    std::vector<std::string> names;
+    for (const Verb& verb : grammar_.verbs) {
+        if (verb.name.starts_with(prefix)) {
+            names.emplace_back(group.empty() ? verb.name.substr(0, verb.name.find(' '))
+                                             : verb.name);
+        }
+    }
+    const std::string typed = prefix + words.front();
+    return UsageError(
+        fmt::format("there is no verb '{}'{}", Printable(typed), DidYouMean(typed, names)), group);
+}
+
+UsageError Parser::ComplaintAboutWord(const Verb& verb, const std::string& word) const {
+    if (!word.starts_with("-")) {
+        return UsageError(fmt::format("'{}' is one word too many", Printable(word)), verb.name);
+    }
+    std::vector<std::string> names = {"--help"};
+    for (const Parameter& parameter : verb.parameters) {
+        names.emplace_back(parameter.name);
+    }
+    for (const Parameter& option : CommonOptions()) {
+        names.emplace_back(option.name);
+    }
+    return UsageError(
+        fmt::format("there is no option '{}'{}", Printable(word), DidYouMean(word, names)),
+        verb.name);
+}
+
+UsageError Parser::Complaint(const CLI::ParseError& error) const {
+    const BoundVerb* bound = ParsedVerb();
+    if (bound == nullptr) {
+        return ComplaintAboutVerb();
+    }
+    const auto surplus = Unmarked(app_.remaining(true));
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr && !surplus.empty()) {
+        return ComplaintAboutWord(*bound->verb, surplus.front());
+    }
+    return UsageError(Printable(error.what()), bound->verb->name);
 }
 
 Invocation Parser::Chosen() const {
     const BoundVerb* bound = ParsedVerb();
     if (bound == nullptr) {
-        throw UsageError(MissingVerb());
+        throw ComplaintAboutVerb();
     }
     Invocation invocation;
     invocation.verb = bound->verb;
@@ -178,16 +244,21 @@ std::variant<Invocation, Information> Parser::Parse(std::vector<std::string> wor
     try {
         app_.parse(std::move(words));
     } catch (const CLI::CallForHelp&) {
-        return Information{app_.help()};
+        return Information{app_.help(), false};
     } catch (const CLI::CallForVersion& version) {
-        return Information{fmt::format("{}\n", version.what())};
+        return Information{fmt::format("{}\n", version.what()), true};
     } catch (const CLI::ParseError& error) {
-        throw UsageError(ParsedVerb() != nullptr ? Printable(error.what()) : MissingVerb());
+        throw Complaint(error);
     }
     return Chosen();
 }
 
 }  // namespace
+
+bool AsksForJson(const std::vector<std::string>& words) {
+    const auto end = std::find(words.begin(), words.end(), "--");
+    return std::find(words.begin(), end, "--json") != end;
+}
 
 std::variant<Invocation, Information> ParseCommandLine(const Grammar& grammar,
                                                        std::vector<std::string> words) {

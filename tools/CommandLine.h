@@ -22,11 +22,15 @@ struct Invocation {
 
 // A command line that asks for the help or the version.
 struct Information {
-    std::string text;
+    std::string text;  // lines of any length
+    bool isVersion = false;
 };
 
 // The words without the program's name. The invocation points into the grammar. Throws UsageError.
 std::variant<Invocation, Information> ParseCommandLine(const Grammar& grammar,
                                                        std::vector<std::string> words);
+
+// Whether the words ask for JSON, also when they are otherwise wrong.
+bool AsksForJson(const std::vector<std::string>& words);
 
 }  // namespace krt9ctl

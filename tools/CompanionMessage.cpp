@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ctime>
 #include <optional>
 
 #include "protocol/ByteBuffers.h"
@@ -72,10 +73,12 @@ Bytes StatusReply(const ControllerStatus& status) {
 }
 
 Json MessageObject(const CompanionMessage& message) {
-    const auto time = std::chrono::system_clock::to_time_t(message.time);
-    Json object{{"time", fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", fmt::gmtime(time),
-                                     Milliseconds(message.time))},
-                {"code", FormatCode(message.code)}};
+    const std::time_t time = std::chrono::system_clock::to_time_t(message.time);
+    std::tm utc = {};
+    gmtime_r(&time, &utc);
+    Json object{
+        {"time", fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", utc, Milliseconds(message.time))},
+        {"code", FormatCode(message.code)}};
     const MessageRow* row = FindMessage(message.code);
     const auto text = row != nullptr && row->hasText ? TextOf(message.body) : std::nullopt;
     if (text) {
@@ -110,8 +113,10 @@ std::string DescribeMessage(const CompanionMessage& message) {
         what += fmt::format(", answered: {} units, {} channels", message.answer->units,
                             message.answer->channels);
     }
-    const auto time = std::chrono::system_clock::to_time_t(message.time);
-    return fmt::format("{:%H:%M:%S}.{:03} {} {}", fmt::localtime(time), Milliseconds(message.time),
+    const std::time_t time = std::chrono::system_clock::to_time_t(message.time);
+    std::tm local = {};
+    localtime_r(&time, &local);
+    return fmt::format("{:%H:%M:%S}.{:03} {} {}", local, Milliseconds(message.time),
                        FormatCode(message.code), what);
 }
 

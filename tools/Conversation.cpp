@@ -1,8 +1,14 @@
 #include "tools/Conversation.h"
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <fmt/format.h>
 
+#include <optional>
+
+#include "protocol/MessageCodes.h"
 #include "tools/Reply.h"
+#include "tools/RequestBody.h"
+#include "tools/Session.h"
 
 namespace krt9ctl {
 
@@ -17,10 +23,9 @@ ExitCode ReportProblem(const Request& request, ExitCode code, const std::string&
 
 ExitCode ReportNothing(const Request& request, const RequestRow* row, Output& output) {
     if (row != nullptr && !row->reply.empty()) {
-        return ReportProblem(request, ExitCode::noReply,
-                             "the driver answered with nothing: it could not do it (it says no "
-                             "more; its log may)",
-                             output);
+        return ReportProblem(
+            request, ExitCode::noReply,
+            "the driver sent no reply: the request failed, and its log may say why", output);
     }
     output.Result({{"code", FormatCode(request.code)}, {"delivered", true}}, "");
     return ExitCode::ok;
@@ -46,6 +51,12 @@ ExitCode ReportReply(const Request& request, const RequestRow* row, const Bytes&
 
 ExitCode Report(const Request& request, const Answer& answer, Output& output) {
     const DeliveryRow& delivery = DeliveryOf(answer.status);
+    if (delivery.code == ExitCode::noDriver) {
+        return ReportProblem(request, delivery.code,
+                             fmt::format("no driver runs in {}; start it with {}", SessionName(),
+                                         DriverStartCommand()),
+                             output);
+    }
     if (delivery.code != ExitCode::ok) {
         return ReportProblem(request, delivery.code, std::string(delivery.sentence), output);
     }
@@ -54,25 +65,93 @@ ExitCode Report(const Request& request, const Answer& answer, Output& output) {
                                 : ReportReply(request, row, answer.reply, output);
 }
 
-}  // namespace
+std::string_view SignalSentence(ExitCode code) {
+    switch (code) {
+        case ExitCode::hungUp:
+            return "stopped by SIGHUP";
+        case ExitCode::terminated:
+            return "stopped by SIGTERM";
+        default:
+            return "stopped by SIGINT";
+    }
+}
 
-ExitCode Converse(const Plan& plan, const Send& send, const std::function<bool()>& interrupted,
-                  Output& output) {
+class Conversation {
+  public:
+    Conversation(const Send& send, const Stopped& stopped, Output& output)
+        : send_(send), stopped_(stopped), output_(output) {}
+
+    ExitCode Hold(const Plan& plan);
+
+  private:
+    ExitCode ReasonToStop();
+    ExitCode Tell(const Request& request);
+    Request WhereThePointerIs(Request end);
+
+    const Send& send_;
+    const Stopped& stopped_;
+    Output& output_;
+    std::optional<Request> last_;  // that may have arrived
+    bool driverReplies_ = false;   // to the last request
+};
+
+ExitCode Conversation::Hold(const Plan& plan) {
     ExitCode result = ExitCode::ok;
-    bool mayHaveArrived = false;
+    std::size_t step = 0;
     for (const Request& request : plan) {
-        if (result == ExitCode::ok && interrupted()) {
-            result = ExitCode::interrupted;
+        output_.Progress(plan.size() == 1 ? "waiting for the driver"
+                                          : fmt::format("request {} of {}", ++step, plan.size()));
+        if (result == ExitCode::ok) {
+            result = ReasonToStop();
         }
-        if (result != ExitCode::ok && !(request.letsGo && mayHaveArrived)) {
-            continue;
+        if (result == ExitCode::ok) {
+            result = Tell(request);
+        } else if (request.letsGo && last_) {
+            Tell(WhereThePointerIs(request));
         }
-        const Answer answer = send(request);
-        mayHaveArrived = mayHaveArrived || answer.status != kPortMissing;
-        const ExitCode outcome = Report(request, answer, output);
-        result = result == ExitCode::ok ? outcome : result;
     }
     return result;
+}
+
+ExitCode Conversation::ReasonToStop() {
+    const ExitCode signal = stopped_();
+    if (signal != ExitCode::ok) {
+        output_.Problem(signal, std::string(SignalSentence(signal)));
+        return signal;
+    }
+    return output_.Status();
+}
+
+ExitCode Conversation::Tell(const Request& request) {
+    const Answer answer = send_(request);
+    driverReplies_ = answer.status == kCFMessagePortSuccess;
+    if (answer.status != kPortMissing) {
+        last_ = request;
+    }
+    return Report(request, answer, output_);
+}
+
+// A driver that does not reply will find the pointer where the last step sent it.
+Request Conversation::WhereThePointerIs(Request end) {
+    if (end.code != kJPME) {
+        return end;
+    }
+    auto [x, y] = PointOfMouseBody(last_->body);
+    if (driverReplies_) {
+        const Answer answer = send_({kJGlM, {}});
+        if (const auto point = DecodeReply(*FindRequest(kJGlM), answer.reply)) {
+            x = point->at(0);
+            y = point->at(1);
+        }
+    }
+    end.body = MovedMouseBody(end.body, x, y);
+    return end;
+}
+
+}  // namespace
+
+ExitCode Converse(const Plan& plan, const Send& send, const Stopped& stopped, Output& output) {
+    return Conversation(send, stopped, output).Hold(plan);
 }
 
 }  // namespace krt9ctl

@@ -12,9 +12,13 @@ namespace krt9ctl {
 
 using Send = std::function<Answer(const Request&)>;
 
-// Stops at the first failure or interruption, but still sends what lets keys and buttons go, unless
-// nothing can have arrived. The exit code is that of the first failure.
-ExitCode Converse(const Plan& plan, const Send& send, const std::function<bool()>& interrupted,
-                  Output& output);
+// The exit code of a signal that came; ok while none did.
+using Stopped = std::function<ExitCode()>;
+
+// Stops at the first failure, signal, or output that cannot be written, but still sends what lets
+// keys and buttons go, unless nothing can have arrived: the button goes up where the pointer is,
+// not where the gesture would have ended, which could drop what is dragged there. The exit code is
+// that of what came first.
+ExitCode Converse(const Plan& plan, const Send& send, const Stopped& stopped, Output& output);
 
 }  // namespace krt9ctl

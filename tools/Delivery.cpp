@@ -9,13 +9,12 @@ namespace krt9ctl {
 namespace {
 
 constexpr std::array kDeliveries{
-    DeliveryRow{kCFMessagePortSuccess, ExitCode::ok, "the driver answered"},
-    DeliveryRow{kPortMissing, ExitCode::noDriver,
-                "no driver runs: its port KRT9Background does not exist"},
+    DeliveryRow{kCFMessagePortSuccess, ExitCode::ok, "the driver replied"},
+    DeliveryRow{kPortMissing, ExitCode::noDriver, "no driver runs"},
     DeliveryRow{kCFMessagePortSendTimeout, ExitCode::timeOut,
-                "the driver did not take the request in time"},
+                "the driver did not take the request in time; it may still take effect"},
     DeliveryRow{kCFMessagePortReceiveTimeout, ExitCode::timeOut,
-                "the driver took the request but did not answer in time"},
+                "the driver took the request but did not answer in time; it may still take effect"},
     DeliveryRow{kCFMessagePortIsInvalid, ExitCode::transport,
                 "the driver's port is no longer valid: the driver has ended"},
     DeliveryRow{kCFMessagePortTransportError, ExitCode::transport,

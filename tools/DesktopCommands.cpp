@@ -8,7 +8,7 @@ namespace krt9ctl::desktop_commands {
 
 namespace {
 
-// Discarded for text that is no JSON.
+// Discarded for text that is not JSON.
 Json ParseShallowJson(const Arguments& arguments, std::string_view name) {
     const auto refuseDepth = [name](int depth, Json::parse_event_t, const Json&) {
         if (depth > static_cast<int>(scene_notation::kDeepestJson)) {
@@ -22,12 +22,12 @@ Json ParseShallowJson(const Arguments& arguments, std::string_view name) {
 Json ParseJsonArgument(const Arguments& arguments, std::string_view name) {
     Json json = ParseShallowJson(arguments, name);
     if (json.is_discarded()) {
-        throw UsageError(fmt::format("{}: this is no JSON", name));
+        throw UsageError(fmt::format("{}: the text is not JSON", name));
     }
     return json;
 }
 
-// Text that is no JSON stands for itself, so that texts need no second pair of quotes.
+// Text that is not JSON stands for itself, so that texts need no second pair of quotes.
 Json ParseValueArgument(const Arguments& arguments, std::string_view name) {
     Json json = ParseShallowJson(arguments, name);
     return json.is_discarded() ? Json(arguments.Text(name)) : json;
@@ -35,6 +35,13 @@ Json ParseValueArgument(const Arguments& arguments, std::string_view name) {
 
 Json OnApplication(const char* command, const Arguments& arguments) {
     return {{"command", command}, {"application", arguments.Text("APPLICATION")}};
+}
+
+// A bare number is that of an identifier, as everywhere; paths begin with a slash.
+std::string ElementAddress(const Arguments& arguments) {
+    const std::string& text = arguments.Text("ELEMENT");
+    const auto number = ParseElement(text);
+    return number ? fmt::format("_NS:{}", *number) : text;
 }
 
 // Without --application the one in front is meant.
@@ -93,7 +100,7 @@ Json Trust(const Arguments& arguments) {
 
 Json Set(const Arguments& arguments) {
     Json command = InApplication("set", arguments);
-    command["element"] = arguments.Text("ELEMENT");
+    command["element"] = ElementAddress(arguments);
     command["attribute"] = arguments.Text("ATTRIBUTE");
     command["value"] = ParseValueArgument(arguments, "VALUE");
     return command;
@@ -101,7 +108,7 @@ Json Set(const Arguments& arguments) {
 
 Json Press(const Arguments& arguments) {
     Json command = InApplication("press", arguments);
-    command["element"] = arguments.Text("ELEMENT");
+    command["element"] = ElementAddress(arguments);
     if (arguments.Has("--action")) {
         command["action"] = arguments.Text("--action");
     }
@@ -110,7 +117,7 @@ Json Press(const Arguments& arguments) {
 
 Json Element(const Arguments& arguments) {
     Json command = InApplication("element", arguments);
-    command["element"] = arguments.Text("ELEMENT");
+    command["element"] = ElementAddress(arguments);
     return command;
 }
 

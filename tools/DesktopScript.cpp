@@ -1,7 +1,7 @@
 #include "tools/DesktopScript.h"
 
 #include "platform/DesktopLink/Transport.h"
-#include "tools/SessionCheck.h"
+#include "tools/Session.h"
 
 namespace krt9ctl {
 
@@ -15,7 +15,8 @@ std::optional<Json> AskDesktop(const Json& command, double timeout) {
         return std::nullopt;
     }
     Json answer = Json::parse(reply->text, nullptr, false);
-    return answer.is_object() ? answer : Json{{"error", "the desktop's answer is no JSON object"}};
+    return answer.is_object() ? answer
+                              : Json{{"error", "the desktop's reply is not a JSON object"}};
 }
 
 }  // namespace krt9ctl

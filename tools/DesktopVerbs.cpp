@@ -1,8 +1,11 @@
 // Verbs that script the simulated desktop: what happens around the driver.
+#include <fmt/format.h>
+
 #include "tools/DesktopCommands.h"
 #include "tools/DesktopScript.h"
 #include "tools/Grammar.h"
 #include "tools/Run.h"
+#include "tools/Session.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {
@@ -31,10 +34,13 @@ std::string Describe(const Json& answer) {
 }
 
 ExitCode Ask(const Json& command, Context& context) {
+    context.output.Progress("waiting for the simulated desktop");
     const auto answer = AskDesktop(command, context.timeout);
     if (!answer) {
         return Fail(context, ExitCode::noDesktop,
-                    "no simulated desktop answers: none runs in this session, or it hangs");
+                    fmt::format("no simulated desktop replies in {}: none runs there, or it hangs; "
+                                "start one with krt9-desktop SCENE.json",
+                                SessionName()));
     }
     if (answer->contains("error")) {
         return Fail(context, ExitCode::refused,
@@ -50,22 +56,20 @@ ExitCode ActScript(const Arguments& arguments, Context& context) {
 }
 
 Parameter Application() {
-    return {.name = "APPLICATION",
-            .kind = ValueKind::text,
-            .help = "bundle identifier, or pid:N of one without"};
+    return {.name = "APPLICATION", .kind = ValueKind::text, .help = "bundle identifier, or pid:N"};
 }
 
 Parameter OtherApplication() {
     return {.name = "--application",
             .kind = ValueKind::text,
-            .help = "not the one in front but this one (bundle identifier, or pid:N)",
+            .help = "another application than the one in front: bundle identifier, or pid:N",
             .placeholder = "APPLICATION"};
 }
 
 Parameter Address() {
     return {.name = "ELEMENT",
             .kind = ValueKind::text,
-            .help = "identifier such as _NS:159, or path such as /0/3/1 or /AXWindow/AXButton[1]"};
+            .help = "159 or _NS:159, or a path such as /0/3/1 or /AXWindow/AXButton[1]"};
 }
 
 Parameter Optional(std::string_view name, std::string_view help) {
@@ -93,8 +97,8 @@ std::vector<Verb> DesktopVerbs() {
          .summary = "bring an application to the front",
          .detail = "Without APPLICATION nothing is in front any more.",
          .example = "krt9ctl desktop activate com.apple.FinalCut",
-         .parameters = {Optional("APPLICATION", "bundle identifier, or pid:N of one without"),
-                        Seconds("--gap", "for so long nothing is in front before")},
+         .parameters = {Optional("APPLICATION", "bundle identifier, or pid:N"),
+                        Seconds("--gap", "how long nothing is in front before that")},
          .work = ActScript<make::Activate>},
         {.name = "desktop launch",
          .summary = "start an application, to the front",
@@ -119,10 +123,10 @@ std::vector<Verb> DesktopVerbs() {
          .summary = "let an application hang: calls to it time out",
          .detail = "",
          .example = "krt9ctl desktop hang com.apple.FinalCut --for 2.5",
-         .parameters = {Application(), Seconds("--for", "then it answers again")},
+         .parameters = {Application(), Seconds("--for", "after this time it replies again")},
          .work = ActScript<make::Hang>},
         {.name = "desktop unhang",
-         .summary = "let a hanging application answer again",
+         .summary = "let a hanging application reply again",
          .detail = "",
          .example = "krt9ctl desktop unhang com.apple.FinalCut",
          .parameters = {Application()},
@@ -135,7 +139,7 @@ std::vector<Verb> DesktopVerbs() {
          .work = ActScript<make::Trust>},
         {.name = "desktop set",
          .summary = "change an attribute of an element",
-         .detail = "VALUE is JSON in the notation of scenes; a text that is no JSON stands for "
+         .detail = "VALUE is JSON in the notation of scenes; a text that is not JSON stands for "
                    "itself.",
          .example = "krt9ctl desktop set _NS:159 AXValue 1",
          .parameters = {Address(), Text("ATTRIBUTE", "such as AXValue"),
@@ -177,7 +181,7 @@ std::vector<Verb> DesktopVerbs() {
          .parameters = {Optional("TIMECODE", "where to"),
                         {.name = "--frames",
                          .kind = ValueKind::number,
-                         .help = "so many frames on, or back when negative",
+                         .help = "how many frames forward, or back when negative",
                          .placeholder = "N",
                          .smallest = -1000000000,
                          .largest = 1000000000},

@@ -6,7 +6,7 @@
 #include "tools/Grammar.h"
 #include "tools/Run.h"
 #include "tools/SceneDump.h"
-#include "tools/SessionCheck.h"
+#include "tools/Session.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {
@@ -24,7 +24,7 @@ std::string Explain(AXError error) {
             return "this process is not trusted for accessibility (see the system's privacy "
                    "settings)";
         case kAXErrorCannotComplete:
-            return "the application does not answer; a longer --timeout may help";
+            return "the application does not reply; a longer --timeout may help";
         case kAXErrorInvalidUIElement:
             return "there is no such application";
         default:
@@ -78,16 +78,20 @@ ExitCode ActDump(const Arguments& arguments, Context& context) {
         return Fail(context, arguments.Has("--application") ? "there is no such application"
                                                             : "no application is in front");
     }
-    const AccessibilityTree::Options options{static_cast<float>(context.timeout),
-                                             arguments.Has("--actions")};
+    Output& output = context.output;
+    output.Progress("reading the application's elements");
+    const AccessibilityTree::Options options{
+        static_cast<float>(context.timeout), arguments.Has("--actions"),
+        [&output](std::size_t count) { output.Progress(fmt::format("{} elements read", count)); }};
     const auto read = AccessibilityTree::Read(choice->facts.pid, options);
     if (const AXError* error = std::get_if<AXError>(&read)) {
         return Fail(context, Explain(*error));
     }
     const auto& tree = std::get<AccessibilityTree>(read);
     const SceneDump dump = WriteScene(tree, choice->facts, choice->isFront);
-    context.output.Document(dump.text);
-    RemarkOnGaps(tree, dump, context.output);
+    const bool oneLine = output.IsJson() && !arguments.Has("--pretty");
+    output.Document(oneLine ? scene_notation::WithoutLineBreaks(dump.text) + "\n" : dump.text);
+    RemarkOnGaps(tree, dump, output);
     return ExitCode::ok;
 }
 
@@ -99,7 +103,8 @@ std::vector<Verb> DumpVerbs() {
          .requests = "",
          .summary = "record the front application's accessibility tree as a scene",
          .detail = "Reads the tree itself, without the driver; --timeout is that of each call. The "
-                   "scene holds the texts that the application shows: look through it before "
+                   "scene has one element a line, or with --json everything in one line. It holds "
+                   "the texts that the application shows: look through it before "
                    "passing it on.",
          .example = "krt9ctl dump --application com.apple.FinalCut",
          .parameters = {{.name = "--application",
@@ -114,7 +119,10 @@ std::vector<Verb> DumpVerbs() {
                          .largest = kLargestSigned32},
                         {.name = "--actions",
                          .kind = ValueKind::flag,
-                         .help = "also what can be done with each element (one more call each)"}},
+                         .help = "also what can be done with each element (one more call each)"},
+                        {.name = "--pretty",
+                         .kind = ValueKind::flag,
+                         .help = "with --json, too, one element a line instead of all in one"}},
          .work = ActDump},
     };
 }

@@ -10,8 +10,8 @@ namespace {
 
 Parameter Element() {
     return {.name = "ELEMENT",
-            .kind = ValueKind::number,
-            .help = "number of the control, whose accessibility identifier is _NS:NUMBER"};
+            .kind = ValueKind::element,
+            .help = "the control: 59 for the accessibility identifier _NS:59, or _NS:59"};
 }
 
 Plan PlanSelect(const Arguments& arguments) {
@@ -34,14 +34,15 @@ std::vector<Verb> ElementVerbs() {
         {.name = "value",
          .requests = "JElV",
          .summary = "the numeric value of a control",
-         .detail = "Prints a signed 32-bit number; 0 also for a control whose value is no number.",
+         .detail =
+             "Prints a signed 32-bit number; 0 also for a control whose value is not a number.",
          .example = "krt9ctl value 59",
          .parameters = {Element()},
          .work = Ask<kJElV>},
         {.name = "number",
          .requests = "JESI",
          .summary = "the whole number that a control's text begins with",
-         .detail = "Prints a signed 32-bit number, 0 for a text that begins with no number; a "
+         .detail = "Prints a signed 32-bit number, 0 for a text that does not begin with one; a "
                    "control without text gets no reply.",
          .example = "krt9ctl number 42",
          .parameters = {Element()},

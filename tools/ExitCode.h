@@ -20,7 +20,11 @@ enum class ExitCode : int {
     noDesktop = 9,
     refused = 10,
     accessibility = 11,
-    interrupted = 130,  // as shells count an end by SIGINT
+    // As shells count an end by SIGHUP, SIGINT, SIGPIPE and SIGTERM.
+    hungUp = 129,
+    interrupted = 130,
+    pipeClosed = 141,
+    terminated = 143,
 };
 
 struct ExitCodeRow {

@@ -25,6 +25,12 @@ std::string_view KindName(ValueKind kind) {
             return "code";
         case ValueKind::hex:
             return "hex";
+        case ValueKind::element:
+            return "element";
+        case ValueKind::key:
+            return "key";
+        case ValueKind::file:
+            return "file";
     }
     return "";
 }
@@ -91,7 +97,7 @@ std::vector<Verb> GrammarVerbs() {
         {.name = "grammar",
          .requests = "",
          .summary = "print all of this as JSON: verbs, parameters, exit codes",
-         .detail = "For generators of manual pages and completions.",
+         .detail = "For programs that write manual pages, completions or forms.",
          .example = "krt9ctl grammar",
          .parameters = {},
          .work = ActGrammar},

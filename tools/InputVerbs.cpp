@@ -5,40 +5,28 @@
 #include "protocol/MessageCodes.h"
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
+#include "tools/Keys.h"
 #include "tools/RequestBody.h"
 
 namespace krt9ctl {
 
 namespace {
 
-struct Modifier {
-    std::string_view option;
-    unsigned int bit;  // of the modifier word
-    std::string_view help;
-};
-
-constexpr Modifier kModifiers[] = {
-    {"--command", 0x0100, "with the Command key"},
-    {"--shift", 0x0200, "with the Shift key"},
-    {"--option", 0x0800, "with the Option key"},
-    {"--control", 0x1000, "with the Control key"},
-};
-
 constexpr std::int64_t kLargestStepCount = 10000;
 constexpr std::int64_t kUsualStepCount = 10;
 
 unsigned int ModifierWord(const Arguments& arguments) {
     unsigned int word = 0;
-    for (const Modifier& modifier : kModifiers) {
+    for (const ModifierRow& modifier : Modifiers()) {
         word |= arguments.Has(modifier.option) ? modifier.bit : 0;
     }
     return word;
 }
 
 std::vector<Parameter> WithModifiers(std::vector<Parameter> parameters) {
-    for (const Modifier& modifier : kModifiers) {
+    for (const ModifierRow& modifier : Modifiers()) {
         parameters.push_back(
-            {.name = modifier.option, .kind = ValueKind::flag, .help = modifier.help});
+            {.name = modifier.option, .kind = ValueKind::flag, .help = modifier.optionHelp});
     }
     return parameters;
 }
@@ -92,8 +80,9 @@ Plan PlanDrag(const Arguments& arguments) {
 
 Bytes KeystrokeBody(const Arguments& arguments, bool press) {
     SSendKeystrokeSpec record;
-    record.keyCode = Pattern(arguments.Number("KEY"));
-    record.modifiers = ModifierWord(arguments);
+    const KeyChoice key = arguments.Key("KEY");
+    record.keyCode = key.code;
+    record.modifiers = key.modifiers | ModifierWord(arguments);
     record.flag = press ? 1 : 0;
     return BodyOf(std::move(record));
 }
@@ -120,25 +109,31 @@ std::vector<Verb> InputVerbs() {
     static constexpr std::string_view kMouseDetail =
         "All steps of a gesture carry the same modifiers and the same --no-click. The driver takes "
         "coordinates as unsigned numbers: a negative one arrives as its two's complement.";
+    static constexpr std::string_view kDragDetail =
+        "All steps carry the same modifiers and the same --no-click. When the drag fails or is "
+        "interrupted, the button and the modifier keys go up where the pointer is. The driver "
+        "takes "
+        "coordinates as unsigned numbers: a negative one arrives as its two's complement.";
     return {
         {.name = "keystroke",
          .requests = "JCPK",
          .summary = "press a key and let it go",
-         .detail = "The modifiers travel as flags of the key-down. The driver never posts key "
-                   "code 0.",
-         .example = "krt9ctl keystroke 0x31 --command",
+         .detail = "KEY is a virtual key code or a name, with modifiers before it: cmd+b, "
+                   "shift+cmd+left, 0x31. The verb keys lists the names; they are those of the "
+                   "keys' places on an ANSI keyboard. The modifiers travel as flags of the "
+                   "key-down. The driver never posts key code 0, which is the key a.",
+         .example = "krt9ctl keystroke cmd+b",
          .parameters = WithModifiers(
              {{.name = "KEY",
-               .kind = ValueKind::number,
-               .help = "virtual key code",
-               .largest = 0xFFFF},
+               .kind = ValueKind::key,
+               .help = "the key: a name or a virtual key code, such as cmd+b or 0x31"},
               {.name = "--down", .kind = ValueKind::flag, .help = "only press the key"},
               {.name = "--up", .kind = ValueKind::flag, .help = "only let the key go"}}),
          .work = PlanKeystroke},
         {.name = "drag",
          .requests = "JPMS JPMC JPME",
          .summary = "drag with the mouse from one point to another",
-         .detail = kMouseDetail,
+         .detail = kDragDetail,
          .example = "krt9ctl drag 100,200 300,400 --option",
          .parameters = WithModifiers({Place("FROM", "where the gesture starts, as X,Y"),
                                       Place("TO", "where it ends, as X,Y"),

@@ -6,30 +6,54 @@ namespace krt9ctl {
 
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-extern "C" void RaiseFlag(int) {
-    interrupted = 1;
+volatile std::sig_atomic_t raised = 0;
+
+extern "C" void RaiseFlag(int signal) {
+    raised = raised == 0 ? signal : raised;
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+}
+
+bool StaysIgnored(int signal) {
+    struct sigaction current = {};
+    sigaction(signal, nullptr, &current);
+    return signal == SIGHUP && current.sa_handler == SIG_IGN;
 }
 
 }  // namespace
 
 Interruption::Interruption() {
-    interrupted = 0;
+    raised = 0;
     struct sigaction action = {};
     action.sa_handler = RaiseFlag;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    for (const int signal : kSignals) {
+        if (!StaysIgnored(signal)) {
+            sigaction(signal, &action, nullptr);
+        }
+    }
 }
 
 Interruption::~Interruption() {
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
+    for (const int signal : kSignals) {
+        if (!StaysIgnored(signal)) {
+            std::signal(signal, SIG_DFL);
+        }
+    }
 }
 
-bool Interruption::Raised() {
-    return interrupted != 0;
+ExitCode Interruption::Raised() {
+    switch (raised) {
+        case SIGINT:
+            return ExitCode::interrupted;
+        case SIGTERM:
+            return ExitCode::terminated;
+        case SIGHUP:
+            return ExitCode::hungUp;
+        default:
+            return ExitCode::ok;
+    }
 }
 
 }  // namespace krt9ctl

@@ -1,34 +1,74 @@
 #include "tools/Output.h"
 
+#include <fmt/format.h>
+#include <poll.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "tools/terminal/Terminal.h"
+
 namespace krt9ctl {
 
-std::string OneLine(const Json& object) {
-    return object.dump(-1, ' ', false, Json::error_handler_t::replace);
+Output::Output(const Streams& streams, bool json)
+    : streams_(streams),
+      json_(json),
+      progress_(streams.err, terminal::IsTerminal(streams.errDescriptor), "krt9ctl") {}
+
+void Output::Write(const std::string& text) {
+    if (status_ != ExitCode::ok) {
+        return;
+    }
+    progress_.Clear();
+    errno = 0;
+    streams_.out << text << std::flush;
+    if (streams_.out) {
+        return;
+    }
+    const int problem = errno;
+    status_ = problem == EPIPE ? ExitCode::pipeClosed : ExitCode::failure;
+    if (status_ == ExitCode::failure) {
+        WriteError(fmt::format("the output cannot be written: {}", std::strerror(problem)), true);
+    }
+}
+
+void Output::WriteError(const std::string& sentence, bool isFailure) {
+    progress_.Clear();
+    const std::string name = terminal::MessagePrefix("krt9ctl", streams_.errDescriptor, isFailure);
+    streams_.err << name << ' ' << sentence << std::endl;
 }
 
 void Output::Result(const Json& object, const std::string& sentence) {
     if (json_) {
-        out_ << OneLine(object) << '\n' << std::flush;
+        Write(OneLine(object) + '\n');
     } else if (!sentence.empty()) {
-        out_ << sentence << '\n' << std::flush;
+        Write(sentence + '\n');
     }
 }
 
 void Output::Document(const std::string& text) {
-    out_ << text << std::flush;
+    Write(text);
 }
 
 void Output::Problem(ExitCode code, const std::string& sentence, Json object) {
     if (json_) {
         object["error"] = ExitCodeName(code);
         object["message"] = sentence;
-        out_ << OneLine(object) << '\n' << std::flush;
+        Write(OneLine(object) + '\n');
     }
-    Remark(sentence);
+    WriteError(sentence, true);
 }
 
 void Output::Remark(const std::string& sentence) {
-    err_ << "krt9ctl: " << sentence << std::endl;
+    WriteError(sentence, false);
+}
+
+void Output::NoticeClosedPipe() {
+    pollfd watched{streams_.outDescriptor, 0, 0};
+    if (status_ == ExitCode::ok && streams_.outDescriptor >= 0 && poll(&watched, 1, 0) > 0 &&
+        (watched.revents & (POLLERR | POLLHUP)) != 0) {
+        status_ = ExitCode::pipeClosed;
+    }
 }
 
 }  // namespace krt9ctl

@@ -5,15 +5,26 @@
 #include <ostream>
 #include <string>
 
+#include "scenes/notation/SceneText.h"
 #include "tools/ExitCode.h"
+#include "tools/terminal/Progress.h"
 
 namespace krt9ctl {
 
 using Json = nlohmann::ordered_json;
+using scene_notation::OneLine;
+
+// Where the output goes. The descriptors are those behind the streams, -1 for streams in memory.
+struct Streams {
+    std::ostream& out;
+    std::ostream& err;
+    int outDescriptor = -1;
+    int errDescriptor = -1;
+};
 
 class Output {
   public:
-    Output(std::ostream& out, std::ostream& err, bool json) : out_(out), err_(err), json_(json) {}
+    Output(const Streams& streams, bool json);
 
     bool IsJson() const { return json_; }
 
@@ -30,13 +41,25 @@ class Output {
     // A sentence on the error stream that is neither result nor failure.
     void Remark(const std::string& sentence);
 
-  private:
-    std::ostream& out_;
-    std::ostream& err_;
-    bool json_;
-};
+    // What is being done, for people who wait for more than two seconds.
+    void Progress(const std::string& activity) { progress_.Now(activity); }
 
-// One line, whatever the object holds: bytes that are no UTF-8 become U+FFFD.
-std::string OneLine(const Json& object);
+    // How the output fared: ok as long as everything could be written, `pipeClosed` when nobody
+    // reads it any more, `failure` for any other reason, which was told on the error stream.
+    // Nothing more is written after the first failure.
+    ExitCode Status() const { return status_; }
+
+    // Looks whether somebody still reads, without writing anything.
+    void NoticeClosedPipe();
+
+  private:
+    void Write(const std::string& text);
+    void WriteError(const std::string& sentence, bool isFailure);
+
+    Streams streams_;
+    bool json_;
+    terminal::Progress progress_;
+    ExitCode status_ = ExitCode::ok;
+};
 
 }  // namespace krt9ctl

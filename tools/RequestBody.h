@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "protocol/MessageSpec.h"
 #include "tools/Bytes.h"
@@ -21,5 +22,11 @@ inline unsigned int Pattern(std::int64_t value) {
 Bytes OneNumberBody(std::int64_t value);
 Bytes TwoNumbersBody(std::int64_t identifier, std::int64_t value);
 Bytes ThreeFlagsBody(bool a, bool b, bool c);
+
+// The body of a step of a gesture, at another point: a number of the record is not negative, so a
+// negative coordinate becomes 0.
+Bytes MovedMouseBody(const Bytes& body, std::int64_t x, std::int64_t y);
+// The point of such a body.
+std::pair<std::int64_t, std::int64_t> PointOfMouseBody(const Bytes& body);
 
 }  // namespace krt9ctl

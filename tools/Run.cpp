@@ -8,6 +8,9 @@
 #include "tools/CommandLine.h"
 #include "tools/Conversation.h"
 #include "tools/Interruption.h"
+#include "tools/Version.h"
+#include "tools/terminal/Help.h"
+#include "tools/terminal/Terminal.h"
 
 namespace krt9ctl {
 
@@ -22,11 +25,11 @@ ExitCode SendPlan(const Plan& plan, Context& context) {
     Client client(context.timeout);
     return Converse(
         plan, [&client](const Request& request) { return client.Send(request); },
-        [&interruption] { return interruption && Interruption::Raised(); }, context.output);
+        [&interruption] { return interruption ? Interruption::Raised() : ExitCode::ok; },
+        context.output);
 }
 
-ExitCode Carry(const Invocation& invocation, std::ostream& out, std::ostream& err) {
-    Output output(out, err, invocation.json);
+ExitCode Carry(const Invocation& invocation, Output& output) {
     Context context{output, invocation.timeout};
     const Verb& verb = *invocation.verb;
     try {
@@ -36,28 +39,51 @@ ExitCode Carry(const Invocation& invocation, std::ostream& out, std::ostream& er
         }
         return std::get<Act>(verb.work)(arguments, context);
     } catch (const UsageError& error) {
-        output.Problem(ExitCode::usage, fmt::format("{}: {}", verb.name, error.what()));
-        return ExitCode::usage;
+        throw UsageError(error.what(), verb.name);
     } catch (const std::exception& error) {
         output.Problem(ExitCode::failure, fmt::format("{}: {}", verb.name, error.what()));
         return ExitCode::failure;
     }
 }
 
-}  // namespace
+void Inform(const Information& information, std::size_t columns, Output& output) {
+    if (!output.IsJson()) {
+        output.Document(terminal::Wrapped(information.text, columns));
+    } else if (information.isVersion) {
+        output.Result({{"name", "krt9ctl"}, {"version", kVersion}}, "");
+    } else {
+        output.Result({{"help", information.text}}, "");
+    }
+}
 
-ExitCode RunCommandLine(std::vector<std::string> words, std::ostream& out, std::ostream& err) {
+// The verb, what is wrong, and the command that shows more.
+std::string Explain(const UsageError& error) {
+    const std::string& command = error.Command();
+    return fmt::format("{}{}{} (see krt9ctl {}{}--help)", command, command.empty() ? "" : ": ",
+                       error.what(), command, command.empty() ? "" : " ");
+}
+
+ExitCode Obey(std::vector<std::string> words, std::size_t columns, Output& output) {
     try {
         const auto parsed = ParseCommandLine(TheGrammar(), std::move(words));
         if (const auto* information = std::get_if<Information>(&parsed)) {
-            out << information->text << std::flush;
+            Inform(*information, columns, output);
             return ExitCode::ok;
         }
-        return Carry(std::get<Invocation>(parsed), out, err);
+        return Carry(std::get<Invocation>(parsed), output);
     } catch (const UsageError& error) {
-        err << "krt9ctl: " << error.what() << " (see krt9ctl --help)" << std::endl;
+        output.Problem(ExitCode::usage, Explain(error));
         return ExitCode::usage;
     }
+}
+
+}  // namespace
+
+ExitCode RunCommandLine(std::vector<std::string> words, const Streams& streams) {
+    Output output(streams, AsksForJson(words));
+    const std::size_t columns = terminal::Columns(streams.outDescriptor);
+    const ExitCode code = Obey(std::move(words), columns, output);
+    return code == ExitCode::ok ? output.Status() : code;
 }
 
 }  // namespace krt9ctl

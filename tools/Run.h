@@ -1,7 +1,6 @@
 // krt9ctl from its words to its exit code.
 #pragma once
 
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -16,6 +15,6 @@ struct Context {
     double timeout;  // seconds
 };
 
-ExitCode RunCommandLine(std::vector<std::string> words, std::ostream& out, std::ostream& err);
+ExitCode RunCommandLine(std::vector<std::string> words, const Streams& streams);
 
 }  // namespace krt9ctl

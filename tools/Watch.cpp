@@ -11,7 +11,7 @@
 #include "tools/Interruption.h"
 #include "tools/Reference.h"
 #include "tools/Run.h"
-#include "tools/SessionCheck.h"
+#include "tools/Session.h"
 
 namespace krt9ctl {
 
@@ -19,7 +19,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A signal handler may not stop a run loop; so the loop comes up this often to look for one.
+// A signal handler may not stop a run loop, and a pipe that is closed does not wake it; so the loop
+// comes up this often to look for either.
 constexpr double kLongestNap = 0.2;  // seconds
 
 class Watch {
@@ -36,7 +37,10 @@ class Watch {
     CFDataRef Receive(SInt32 code, CFDataRef data);
     void Listen(Clock::time_point end);
 
-    bool IsDone() const { return (remaining_ && *remaining_ <= 0) || Interruption::Raised(); }
+    bool IsDone() const {
+        return (remaining_ && *remaining_ <= 0) || Interruption::Raised() != ExitCode::ok ||
+               output_.Status() != ExitCode::ok;
+    }
 
     Output& output_;
     ControllerStatus status_;
@@ -72,6 +76,7 @@ void Watch::Listen(Clock::time_point end) {
         const std::chrono::duration<double> left = end - Clock::now();
         CFRunLoopRunInMode(kCFRunLoopDefaultMode, std::clamp(left.count(), 0.0, kLongestNap),
                            false);
+        output_.NoticeClosedPipe();
     }
 }
 
@@ -120,8 +125,9 @@ std::vector<Verb> WatchVerbs() {
         {.name = "watch",
          .requests = "",
          .summary = "be the companion: print every message of the driver and answer its queries",
-         .detail = "Runs until SIGINT or SIGTERM (exit code 0), or as --count and --for say. Start "
-                   "it before the driver, which looks for the companion's port only once, when it "
+         .detail = "Runs until SIGINT, SIGTERM or SIGHUP (exit code 0), until nobody reads its "
+                   "output, or as --count and --for say. Start it before the driver, which looks "
+                   "for the companion's port only once, when it "
                    "starts. The driver keeps the low 16 bits of --units and --channels.",
          .example = "krt9ctl watch --units 2 --channels 16",
          .parameters = {{.name = "--units",

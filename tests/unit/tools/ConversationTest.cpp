@@ -18,18 +18,20 @@ using testing::HasSubstr;
 struct Conversation {
     ExitCode Hold(const std::vector<std::string>& words, std::vector<Answer> answers,
                   bool json = false) {
-        Output output(out, err, json);
+        Output output({out, err}, json);
         return Converse(
             PlanOf(words),
             [&](const Request& request) {
                 sent.push_back(FormatCode(request.code));
+                bodies.push_back(FormatHex(request.body));
                 return answers[std::min(sent.size(), answers.size()) - 1];
             },
-            [this] { return sent.size() >= interruptAfter; }, output);
+            [this] { return sent.size() >= interruptAfter ? signal : ExitCode::ok; }, output);
     }
 
     std::ostringstream out, err;
-    std::vector<std::string> sent;
+    std::vector<std::string> sent, bodies;
+    ExitCode signal = ExitCode::interrupted;
     std::size_t interruptAfter = 1000;
 };
 
@@ -59,7 +61,7 @@ TEST(Conversation, NothingWhereAReplyWasDueIsNoReply) {
     Conversation talk;
     EXPECT_EQ(talk.Hold({"value", "59"}, {{kDelivered, {}}}), ExitCode::noReply);
     EXPECT_EQ(talk.out.str(), "");
-    EXPECT_THAT(talk.err.str(), HasSubstr("'JElV': the driver answered with nothing"));
+    EXPECT_THAT(talk.err.str(), HasSubstr("'JElV': the driver sent no reply"));
 }
 
 TEST(Conversation, AReplyOfAnotherLengthIsABadReplyAndShown) {
@@ -140,7 +142,80 @@ TEST(Conversation, AnInterruptedDragStopsAndLetsTheButtonGo) {
     Conversation talk;
     talk.interruptAfter = 2;
     EXPECT_EQ(talk.Hold({"drag", "0,0", "9,9"}, {{kDelivered, {}}}), ExitCode::interrupted);
+    EXPECT_THAT(talk.sent, ElementsAre("JPMS", "JPMC", "JGlM", "JPME"));
+}
+
+TEST(Conversation, AnInterruptedDragLetsTheButtonGoWhereThePointerIs) {
+    Conversation talk;
+    talk.interruptAfter = 2;
+    const Answer nothing{kDelivered, {}};
+    talk.Hold({"drag", "0,0", "90,90", "--option"},
+              {nothing, nothing, {kDelivered, {7, 0, 0, 0, 5, 0, 0, 0}}, nothing});
+    EXPECT_EQ(talk.bodies.back(), "07000000050000000008000001000000");
+}
+
+TEST(Conversation, APointerLeftOfTheMainScreenIsTakenToItsEdge) {
+    Conversation talk;
+    talk.interruptAfter = 2;
+    const Answer nothing{kDelivered, {}};
+    talk.Hold({"drag", "0,0", "90,90"},
+              {nothing, nothing, {kDelivered, {0xFE, 0xFF, 0xFF, 0xFF, 5, 0, 0, 0}}, nothing});
+    EXPECT_EQ(talk.bodies.back(), "00000000050000000000000001000000");
+}
+
+TEST(Conversation, WithoutThePointersPlaceTheLastStepsPointIsTaken) {
+    for (const Bytes& pointer : {Bytes{}, Bytes{1, 2, 3}}) {
+        Conversation talk;
+        talk.interruptAfter = 3;
+        const Answer nothing{kDelivered, {}};
+        talk.Hold({"drag", "0,0", "90,90"},
+                  {nothing, nothing, nothing, {kDelivered, pointer}, nothing});
+        EXPECT_THAT(talk.sent, ElementsAre("JPMS", "JPMC", "JPMC", "JGlM", "JPME"));
+        EXPECT_EQ(talk.bodies.back(), "12000000120000000000000001000000");
+    }
+}
+
+TEST(Conversation, ADriverThatDoesNotReplyIsNotAskedForThePointer) {
+    Conversation talk;
+    talk.Hold({"drag", "0,0", "90,90"}, {{kDelivered, {}}, {-2, {}}, {kDelivered, {}}});
     EXPECT_THAT(talk.sent, ElementsAre("JPMS", "JPMC", "JPME"));
+    EXPECT_EQ(talk.bodies.back(), "09000000090000000000000001000000");
+}
+
+TEST(Conversation, EachSignalHasItsExitCodeAndItsObject) {
+    const struct {
+        ExitCode code;
+        const char* name;
+        const char* signal;
+    } cases[] = {{ExitCode::interrupted, "interrupted", "SIGINT"},
+                 {ExitCode::terminated, "terminated", "SIGTERM"},
+                 {ExitCode::hungUp, "hung-up", "SIGHUP"}};
+    for (const auto& each : cases) {
+        Conversation talk;
+        talk.interruptAfter = 0;
+        talk.signal = each.code;
+        EXPECT_EQ(talk.Hold({"keystroke", "49"}, {{kDelivered, {}}}, true), each.code);
+        const Json object = Json::parse(talk.out.str());
+        EXPECT_EQ(object["error"], each.name);
+        EXPECT_THAT(object["message"], HasSubstr(each.signal));
+        EXPECT_THAT(talk.sent, ElementsAre());
+    }
+}
+
+TEST(Conversation, OutputThatCannotBeWrittenStopsADragAndLetsTheButtonGo) {
+    Conversation talk;
+    talk.out.setstate(std::ios::badbit);
+    EXPECT_NE(talk.Hold({"drag", "0,0", "9,9"}, {{kDelivered, {}}}, true), ExitCode::ok);
+    EXPECT_THAT(talk.sent, ElementsAre("JPMS", "JGlM", "JPME"));
+    EXPECT_THAT(talk.err.str(), HasSubstr("the output cannot be written"));
+}
+
+TEST(Conversation, ATimeOutSaysThatTheRequestMayStillTakeEffect) {
+    for (const std::int32_t status : {-1, -2}) {
+        Conversation talk;
+        EXPECT_EQ(talk.Hold({"press", "59"}, {{status, {}}}), ExitCode::timeOut);
+        EXPECT_THAT(talk.err.str(), HasSubstr("it may still take effect"));
+    }
 }
 
 }  // namespace

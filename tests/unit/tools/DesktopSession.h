@@ -38,7 +38,7 @@ inline Outcome Carried(std::vector<std::string> words, bool json = false) {
     const auto parsed = ParseCommandLine(TheGrammar(), std::move(words));
     const auto& invocation = std::get<Invocation>(parsed);
     std::ostringstream out, err;
-    Output output(out, err, json);
+    Output output({out, err}, json);
     Context context{output, invocation.timeout};
     const ExitCode code = std::get<Act>(invocation.verb->work)(
         Arguments(*invocation.verb, invocation.given), context);

@@ -101,6 +101,14 @@ TEST(DesktopVerbs, PressFlipsACheckBox) {
     EXPECT_EQ(Attributes(session, "_NS:159")["AXValue"], 0);
 }
 
+TEST(DesktopVerbs, ElementsAreNumbersIdentifiersOrPaths) {
+    DesktopSession session(kScene);
+    for (const char* element : {"159", "0x9f", "_NS:159", "/0/0"}) {
+        EXPECT_THAT(Carried({"desktop", "element", element}).out, HasSubstr("AXCheckBox"))
+            << element;
+    }
+}
+
 TEST(DesktopVerbs, SelectClipGoesByNameByRowAndToNone) {
     DesktopSession session(kScene);
     Done({"select-clip", "Clip 2"});
@@ -199,7 +207,7 @@ TEST(DesktopVerbs, WithoutADesktopTheyHaveAnExitCodeOfTheirOwn) {
     const Outcome outcome = Carried({"desktop", "state"});
     desktop_link::SetTransport(nullptr);
     EXPECT_EQ(outcome.code, ExitCode::noDesktop);
-    EXPECT_THAT(outcome.err, HasSubstr("no simulated desktop"));
+    EXPECT_THAT(outcome.err, HasSubstr("start one with krt9-desktop"));
 }
 
 }  // namespace

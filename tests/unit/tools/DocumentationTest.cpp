@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 #include "DesktopSession.h"
@@ -35,6 +36,32 @@ TEST(Documentation, HasTheTableOfExitCodes) {
         EXPECT_THAT(text, HasSubstr(fmt::format("| {} | {} | {} |\n", static_cast<int>(row.code),
                                                 row.name, row.meaning)));
     }
+}
+
+TEST(Documentation, HasTheTableOfKeys) {
+    const std::string text = Documentation();
+    for (const KeyRow& key : Keys()) {
+        const std::string cell = key.name == "`" ? "`` ` ``" : fmt::format("`{}`", key.name);
+        EXPECT_THAT(text, HasSubstr(fmt::format("| {} | 0x{:02x} |", cell, key.code)));
+    }
+}
+
+TEST(Keys, HaveOneNameAndOneCodeEach) {
+    std::set<std::string_view> names;
+    std::set<std::uint16_t> codes;
+    for (const KeyRow& key : Keys()) {
+        EXPECT_TRUE(names.insert(key.name).second) << key.name;
+        EXPECT_TRUE(codes.insert(key.code).second) << key.name;
+    }
+}
+
+TEST(Keys, AreListedForPeopleAndPrograms) {
+    EXPECT_THAT(Carried({"keys"}).out, HasSubstr("\nspace            0x31\n"));
+    EXPECT_THAT(Carried({"keys"}).out, HasSubstr("command+  cmd+\n"));
+    EXPECT_THAT(Carried({"keys"}).out, HasSubstr("0x00  (the driver never posts key code 0)"));
+    const Json keys = Json::parse(Carried({"keys"}, true).out);
+    EXPECT_EQ(keys["keys"].size(), Keys().size());
+    EXPECT_EQ(keys["modifiers"][0]["otherName"], "cmd");
 }
 
 TEST(GrammarAsJson, HoldsEveryVerbWithItsParameters) {

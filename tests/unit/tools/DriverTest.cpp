@@ -7,6 +7,7 @@
 #include <sstream>
 #include <vector>
 
+#include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tools/Client.h"
 #include "tools/Run.h"
@@ -67,7 +68,7 @@ FakeDriver::Reply Always(Bytes bytes) {
 class Driver : public testing::Test {
   protected:
     ExitCode Tell(const std::vector<std::string>& words) {
-        return RunCommandLine(words, out_, err_);
+        return RunCommandLine(words, {out_, err_});
     }
 
     test_support::SessionFixture session_;
@@ -76,8 +77,10 @@ class Driver : public testing::Test {
 
 TEST_F(Driver, ThatDoesNotRunIsAnExitCodeOfItsOwn) {
     EXPECT_EQ(Tell({"ping"}), ExitCode::noDriver);
-    EXPECT_EQ(err_.str(),
-              "krt9ctl: 'JPth': no driver runs: its port KRT9Background does not exist\n");
+    EXPECT_EQ(err_.str(), "krt9ctl: 'JPth': no driver runs in the session " +
+                              session_.Path().string() +
+                              "; start it with " KRT9_BINARIES
+                              "/KRT9Background.app/Contents/MacOS/KRT9Background\n");
 }
 
 TEST_F(Driver, GetsTheRequestAndItsReplyIsPrinted) {

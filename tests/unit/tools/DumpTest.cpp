@@ -152,6 +152,18 @@ TEST(Dump, OfDeepValuesThatHoldAnElementLoadsAgain) {
     EXPECT_EQ(DumpOf(dump), dump);
 }
 
+TEST(Dump, IsOneObjectInOneLineWithJsonUnlessPretty) {
+    const std::string scene =
+        SceneWith(R"({"AXRole": "AXButton", "AXTitle": "a\n   b", "AXChildren": [{}, {}]})");
+    const DesktopSession session(scene);
+    const std::string pretty = Carried({"dump"}).out;
+    const std::string line = Carried({"dump"}, true).out;
+    EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
+    EXPECT_EQ(Json::parse(line), Json::parse(pretty));
+    EXPECT_EQ(Carried({"dump", "--pretty"}, true).out, pretty);
+    EXPECT_EQ(Carried({"dump", "--pretty"}).out, pretty);
+}
+
 TEST(Dump, PutsAnElementWhereItWasMetFirst) {
     const std::string dump = DumpOf(SceneWith(
         R"({"AXRole": "AXGroup", "AXChildren": {"array": [{"element": "/0"}, {"element": "/"}]}},
@@ -221,7 +233,7 @@ TEST(Dump, SaysWhyItCannotRead) {
          "not trusted"},
         {R"({"front": "a.b", "applications": [{"bundleID": "a.b", "pid": 5, "hung": true}]})",
          {"dump"},
-         "does not answer"},
+         "does not reply"},
         {R"({"front": null})", {"dump", "--pid", "4711"}, "no such application"},
         {R"({"front": null})", {"dump", "--application", "x.y"}, "no such application"},
     };

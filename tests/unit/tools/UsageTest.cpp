@@ -13,9 +13,10 @@ using testing::Not;
 TEST(Usage, NumbersOutOfRangeOrNoNumbersAreRefused) {
     for (const char* text : {"4294967296", "-1", "+5", "5x", "0x", "", " 5", "1.5", "--5", "1e3",
                              "99999999999999999999999", "0x1ffffffff"}) {
-        EXPECT_THAT(ComplaintAbout({"value", "--", text}),
+        EXPECT_THAT(ComplaintAbout({"select", "1", "--", text}),
                     HasSubstr("is not a whole number from 0 to 4294967295"))
             << text;
+        EXPECT_THAT(ComplaintAbout({"value", "--", text}), HasSubstr("is not an element")) << text;
     }
 }
 
@@ -28,7 +29,7 @@ TEST(Usage, SetTakesSignedNumbersOnly) {
 
 TEST(Usage, KeyCodesHave16Bits) {
     EXPECT_EQ(ComplaintAbout({"keystroke", "0xFFFF"}), "accepted");
-    EXPECT_THAT(ComplaintAbout({"keystroke", "65536"}), HasSubstr("from 0 to 65535"));
+    EXPECT_THAT(ComplaintAbout({"keystroke", "65536"}), HasSubstr("from 1 to 65535"));
 }
 
 TEST(Usage, UnpairedCoordinatesAreRefused) {
@@ -112,10 +113,67 @@ TEST(Usage, MissingAndSurplusWordsAreRefused) {
 }
 
 TEST(Usage, AnUnknownVerbIsNamed) {
-    EXPECT_EQ(ComplaintAbout({"juggle", "59"}), "'juggle' is no verb");
-    EXPECT_EQ(ComplaintAbout({"mouse", "juggle"}), "'juggle' is no verb");
+    EXPECT_EQ(ComplaintAbout({"juggle", "59"}), "there is no verb 'juggle'");
+    EXPECT_EQ(ComplaintAbout({"mouse", "juggle"}), "there is no verb 'mouse juggle'");
     EXPECT_EQ(ComplaintAbout({}), "a verb is missing");
     EXPECT_EQ(ComplaintAbout({"mouse"}), "a verb is missing");
+}
+
+TEST(Usage, TheNearestVerbAndOptionAreNamed) {
+    EXPECT_EQ(ComplaintAbout({"presss", "59"}), "there is no verb 'presss'; did you mean 'press'?");
+    EXPECT_EQ(ComplaintAbout({"mouse", "strat"}),
+              "there is no verb 'mouse strat'; did you mean 'mouse start'?");
+    EXPECT_EQ(ComplaintAbout({"mosue", "start", "1,2"}),
+              "there is no verb 'mosue'; did you mean 'mouse'?");
+    EXPECT_EQ(ComplaintAbout({"drag", "1,2", "3,4", "--otpion"}),
+              "there is no option '--otpion'; did you mean '--option'?");
+    EXPECT_EQ(ComplaintAbout({"drag", "1,2", "3,4", "--frobnicate"}),
+              "there is no option '--frobnicate'");
+    EXPECT_EQ(ComplaintAbout({"--frobnicate"}), "there is no option '--frobnicate'");
+    EXPECT_EQ(ComplaintAbout({"value", "1", "2"}), "'2' is one word too many");
+}
+
+TEST(Usage, ElementsAreNumbersOrIdentifiers) {
+    EXPECT_EQ(SentBy({"value", "_NS:59"}), SentBy({"value", "59"}));
+    EXPECT_EQ(SentBy({"select", "_NS:59", "2"}), SentBy({"select", "59", "2"}));
+    for (const char* text : {"NS:59", "_NS:", "_NS:-1", "_NS:4294967296", "_ns:59", "_NS:_NS:5"}) {
+        EXPECT_THAT(ComplaintAbout({"value", text}),
+                    HasSubstr("is not an element: a number from 0 to 4294967295, or _NS:"))
+            << text;
+    }
+}
+
+TEST(Usage, KeysAreNamesOrCodesWithModifiersBeforeThem) {
+    const auto both = [](const std::string& code, const std::string& modifiers) {
+        return std::vector<std::string>{"JCPK " + code + "000000" + modifiers + "01000000",
+                                        "JCPK " + code + "000000" + modifiers + "00000000"};
+    };
+    EXPECT_EQ(SentBy({"keystroke", "cmd+b"}), both("0b", "00010000"));
+    EXPECT_EQ(SentBy({"keystroke", "COMMAND+B"}), both("0b", "00010000"));
+    EXPECT_EQ(SentBy({"keystroke", "ctrl+opt+shift+cmd+left"}), both("7b", "001b0000"));
+    EXPECT_EQ(SentBy({"keystroke", "cmd+0x31", "--shift"}), both("31", "00030000"));
+    EXPECT_EQ(SentBy({"keystroke", "cmd+-"}), both("1b", "00010000"));
+    EXPECT_EQ(SentBy({"keystroke", "digit1"}), both("12", "00000000"));
+    EXPECT_EQ(SentBy({"keystroke", "1"}), both("01", "00000000"));
+}
+
+TEST(Usage, KeysThatAreNotPostedOrNotKnownAreRefusedWithTheReason) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"a", "KEY: 'a' is key code 0, which the driver never posts"},
+        {"cmd+a", "KEY: 'a' is key code 0, which the driver never posts"},
+        {"0", "KEY: '0' is key code 0, which the driver never posts"},
+        {"0x00", "KEY: '0x00' is key code 0, which the driver never posts"},
+        {"cmd+1", "KEY: '1' could be the key or the key code: type digit1 or 0x1"},
+        {"sapce", "KEY: there is no key 'sapce': did you mean 'space'?; the verb keys lists them"},
+        {"frobnicate", "KEY: there is no key 'frobnicate'; the verb keys lists them"},
+        {"hyper+b", "KEY: 'hyper' is not a modifier: cmd, shift, opt or ctrl"},
+        {"b+cmd", "KEY: 'b' is not a modifier: cmd, shift, opt or ctrl"},
+        {"cmd+", "KEY: there is no key ''; the verb keys lists them"},
+        {"", "KEY: there is no key ''; the verb keys lists them"},
+    };
+    for (const auto& [text, complaint] : cases) {
+        EXPECT_EQ(ComplaintAbout({"keystroke", text}), complaint);
+    }
 }
 
 TEST(Usage, EveryComplaintIsOneLineSafeForATerminal) {

@@ -61,7 +61,7 @@ Bytes Send(SInt32 code, const Bytes& body, bool wantReply = false) {
 struct Watched : testing::Test {
     ExitCode Watch(std::vector<std::string> words) {
         words.insert(words.begin(), "watch");
-        return RunCommandLine(words, out, err);
+        return RunCommandLine(words, {out, err});
     }
 
     test_support::SessionFixture session;
@@ -119,7 +119,7 @@ TEST_F(Watched, PortOfAnotherProcessIsAnExitCodeOfItsOwn) {
 }
 
 TEST_F(Watched, AnInterruptionEndsItInGoodOrder) {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         test_support::ChildProcess watch(kProgram, {"watch"});
         ASSERT_TRUE(watch.WaitForOutput("watching")) << watch.StandardError();
         watch.Signal(signal);

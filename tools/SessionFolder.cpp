@@ -1,10 +1,11 @@
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 
 #include "platform/DesktopLink/Framing.h"
 #include "platform/LocalSocket/SessionDirectory.h"
 #include "platform/LocalSocket/Socket.h"
-#include "tools/SessionCheck.h"
+#include "tools/Session.h"
 
 namespace krt9ctl {
 
@@ -20,6 +21,19 @@ void CheckSession() {
     if (!problem.empty()) {
         throw std::runtime_error(problem);
     }
+}
+
+std::string SessionName() {
+    return "the session " + local_socket::SessionDirectoryPath();
+}
+
+// The driver's bundle lies beside krt9ctl where both were built.
+std::string DriverStartCommand() {
+    const std::string program = "KRT9Background.app/Contents/MacOS/KRT9Background";
+    std::error_code problem;
+    const auto self = std::filesystem::read_symlink("/proc/self/exe", problem);
+    const auto beside = self.parent_path() / program;
+    return std::filesystem::exists(beside, problem) ? beside.string() : program;
 }
 
 }  // namespace krt9ctl
