@@ -2,34 +2,39 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <fstream>
+#include <iostream>
 #include <iterator>
+#include <optional>
 #include <string>
 
 #include "desktop/Bundles.h"
+#include "desktop/CommandLine.h"
 #include "desktop/Desktop.h"
+#include "desktop/Program.h"
 #include "desktop/SceneError.h"
 #include "desktop/Server.h"
+#include "desktop/Version.h"
 #include "platform/DesktopLink/Framing.h"
 #include "platform/LocalSocket/SessionDirectory.h"
+#include "tools/terminal/Help.h"
+#include "tools/terminal/Progress.h"
+#include "tools/terminal/Terminal.h"
 
 namespace {
 
-struct Options {
-    std::string scene;
-    std::string log;
-    int readyDescriptor = STDOUT_FILENO;
-    bool play = false;
-};
+using desktop::CommandLine;
+
+constexpr int kUsage = 2;
+constexpr int kPipeClosed = 141;  // as shells count an end by SIGPIPE
 
 int Fail(const std::string& problem) {
-    std::fprintf(stderr, "krt9-desktop: %s\n", problem.c_str());
+    std::cerr << terminal::MessagePrefix("krt9-desktop", STDERR_FILENO, true) << ' ' << problem
+              << std::endl;
     return 1;
 }
 
@@ -42,7 +47,6 @@ local_socket::Descriptor BlockEndingSignals() {
         sigaddset(&ending, signal);
     }
     sigprocmask(SIG_BLOCK, &ending, nullptr);
-    signal(SIGPIPE, SIG_IGN);
     return local_socket::Descriptor(signalfd(-1, &ending, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
@@ -67,6 +71,8 @@ class LogFile {
         Check();
     }
 
+    bool HasFailed() const { return failed_; }
+
   private:
     void Check() {
         if (!file_ && !failed_) {
@@ -80,17 +86,21 @@ class LogFile {
     bool failed_ = false;
 };
 
-void SayReady(int descriptor) {
+// 0, or the exit status when it cannot be said.
+int SayReady(int descriptor) {
     const std::string ready = "ready\n";
     if (write(descriptor, ready.data(), ready.size()) < 0) {
-        Fail(std::string("cannot say that it is ready: ") + std::strerror(errno));
+        return errno == EPIPE
+                   ? kPipeClosed
+                   : Fail(std::string("cannot say that it is ready: ") + std::strerror(errno));
     }
     if (descriptor > STDERR_FILENO) {
         close(descriptor);
     }
+    return 0;
 }
 
-int Serve(const Options& options) {
+int Serve(const CommandLine& options) {
     const local_socket::Descriptor stop = BlockEndingSignals();
     bool taken = false;
     std::string problem;
@@ -100,48 +110,73 @@ int Serve(const Options& options) {
     }
     const std::string session = local_socket::SessionDirectoryPath();
     desktop::RemoveAbandonedBundles(session);
-    desktop::Desktop simulated(ReadFile(options.scene), {session});
+    std::optional<terminal::Progress> progress(std::in_place, std::cerr,
+                                               terminal::IsTerminal(STDERR_FILENO), "krt9-desktop");
+    progress->Now("reading " + options.Value("SCENE"));
+    desktop::Desktop simulated(ReadFile(options.Value("SCENE")), {session});
+    progress.reset();
     std::optional<LogFile> log;
-    if (!options.log.empty()) {
-        log.emplace(options.log);
+    if (options.Has("--log")) {
+        log.emplace(options.Value("--log"));
         simulated.Log().SetSink([&log](const std::string& line) { log->Write(line); });
     }
-    if (options.play) {
+    if (options.Has("--play")) {
         simulated.Run(R"({"command": "play"})");
     }
     desktop::Server server(simulated, std::move(*listener));
-    SayReady(options.readyDescriptor);
+    const int status =
+        SayReady(options.Has("--ready-fd") ? options.Number("--ready-fd") : STDOUT_FILENO);
+    if (status != 0) {
+        return status;
+    }
     server.Run(stop.get());
-    return 0;
+    return log && log->HasFailed() ? 1 : 0;
 }
 
-int Run(int argc, char** argv) {
-    Options options;
-    CLI::App app("Simulates a log-in session with applications, input, screens and MIDI.",
-                 "krt9-desktop");
-    app.add_option("SCENE", options.scene, "The session as JSON")->required();
-    app.add_option("--log", options.log,
-                   "Write the event log to this file, one JSON line an entry");
-    app.add_option("--ready-fd", options.readyDescriptor,
-                   "Say \"ready\" on this descriptor instead of the standard output")
-        ->check(CLI::NonNegativeNumber);
-    app.add_flag("--play", options.play, "Play the scene's script from the start");
-    CLI11_PARSE(app, argc, argv);
+int ServeScene(const CommandLine& options) {
     try {
         return Serve(options);
     } catch (const desktop::SceneError& error) {
         const std::string problem = error.what();
-        return Fail(problem.starts_with(options.scene) ? problem : options.scene + ": " + problem);
+        const std::string scene = options.Value("SCENE");
+        return Fail(problem.starts_with(scene) ? problem : scene + ": " + problem);
     }
+}
+
+// The status when it cannot be printed, as for krt9ctl.
+int Print(const std::string& text) {
+    errno = 0;
+    std::cout << text << std::flush;
+    if (std::cout) {
+        return 0;
+    }
+    return errno == EPIPE
+               ? kPipeClosed
+               : Fail(std::string("the output cannot be written: ") + std::strerror(errno));
+}
+
+int Run(int argc, char** argv) {
+    CommandLine options(desktop::DesktopProgram(), desktop::kVersion);
+    signal(SIGPIPE, SIG_IGN);
+    switch (options.Parse(argc, argv)) {
+        case CommandLine::Outcome::run:
+            return ServeScene(options);
+        case CommandLine::Outcome::information:
+            return Print(terminal::Wrapped(options.Text(), terminal::Columns(STDOUT_FILENO)));
+        case CommandLine::Outcome::wrong:
+            break;
+    }
+    Fail(options.Text() + " (see krt9-desktop --help)");
+    return kUsage;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    terminal::FillStandardDescriptors();
     try {
         return Run(argc, argv);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "krt9-desktop: %s\n", error.what());
-        return 1;
+        return Fail(error.what());
     }
 }
