@@ -43,6 +43,7 @@ void CVEK_UserSpaceDriver::ObserveFCPXClipSelectionChange() {
 // clip table is tried for a single tick.
 void CVEK_UserSpaceDriver::ObserveFCPXClipSelectionTask() {
     static unsigned int clipNameSource = kFromFirstStaticText;
+    // Unreachable: a source that is none of these, since only what follows sets it.
     switch (clipNameSource) {
         case kFromFirstStaticText:
             if (!FollowStaticText(kFirstClipName)) {

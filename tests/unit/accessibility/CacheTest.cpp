@@ -79,6 +79,13 @@ TEST_F(ElementCache, KeyingForAnotherApplicationEmptiesTheCache) {
     EXPECT_EQ(KeyedFor(), "com.apple.Finder");
 }
 
+TEST_F(ElementCache, KeyingForNoApplicationEmptiesTheCache) {
+    Fill();
+    EXPECT_EQ(utils_.CachedElementsForApplication(nullptr), Cache());
+    EXPECT_EQ(Count(), 1);
+    EXPECT_EQ(CFDictionaryGetValue(Cache(), kVEK_CF_Key_Application_ID), nullptr);
+}
+
 TEST_F(ElementCache, KeyingIsCaseSensitive) {
     Fill();
     utils_.CachedElementsForApplication(CFSTR("com.apple.finalcut"));

@@ -2,6 +2,7 @@
 #include "accessibility/VEK_C_AXUtils.h"
 #include "platform/Testing/LogCapture.h"
 #include "tests/unit/accessibility/AccessibilityTest.h"
+#include "tests/unit/workspace/FrameworkAnswers.h"
 
 namespace {
 
@@ -138,6 +139,16 @@ TEST_F(SearchLog, TheWindowListIsTold) {
     editor_.ShowWindow({});
     EXPECT_THAT(LinesOfWindowList(),
                 ElementsAre("copyFrontApplicationWindowList tag", "tag rebuilding list"));
+}
+
+TEST_F(SearchLog, AnApplicationOfWhichNoElementCanBeMadeIsTold) {
+    editor_.ShowWindow({});
+    FrameworkAnswers::Current().applicationElements = false;
+    EXPECT_THAT(LinesOfWindowList(),
+                ElementsAre("copyFrontApplicationWindowList tag", "tag rebuilding list",
+                            "CopyApplicationWindowList tag couldn't create application\n"));
+    EXPECT_THAT(LinesOfCopyElement("_NS:1", "AXButton", false), ElementsAre());
+    FrameworkAnswers::Current().applicationElements = true;
 }
 
 TEST_F(SearchLog, AFailingWindowListIsToldWithItsErrorInHexadecimal) {
