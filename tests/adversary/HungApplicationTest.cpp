@@ -84,6 +84,13 @@ class HungApplication : public testing::Test {
         return seconds;
     }
 
+    int CallsOnApplications() {
+        const auto& made = driver_.Desktop().Exchanges();
+        return static_cast<int>(std::count_if(made.begin(), made.end(), [](const Exchange& each) {
+            return each.request.element.pid != 0;
+        }));
+    }
+
     // The exchange with that number, counted from 0, ends with the error of a hung application, but
     // so many seconds after it began.
     void FailAfter(double seconds, std::size_t exchange) {
@@ -129,6 +136,7 @@ class HungApplication : public testing::Test {
                       Description(operation.expect(driver_.Expected(), replay)))
                 << operation.name;
             EXPECT_EQ(replay.Deviation(), "") << operation.name;
+            EXPECT_NE(CallsOnApplications(), 1) << operation.name << " ends where it could hang";
         }
         driver_.Desktop().onMoment = nullptr;
         driver_.LoseTrack();

@@ -63,9 +63,13 @@ TEST_F(SearchLog, TheCountOfAHitInAListIsThatOfTheObjectInIt) {
 // The element in a window's own list of children: the list is released by the time of the line.
 TEST_F(SearchLog, TheCountOfAHitIsTakenAfterTheListsAreReleased) {
     editor_.ShowWindow({editor_.Add("AXButton", "_NS:1")});
-    const std::vector<std::string> lines = LinesOfCopyElement("_NS:1", "AXButton");
-    ASSERT_THAT(lines, testing::Not(testing::IsEmpty()));
-    EXPECT_EQ(lines.back(), "    ***FOUND IT (_NS:1)  retain count 1***");
+    const auto identifier = String("_NS:1");
+    const auto heldTwice = Retained(identifier.get());
+    platform_testing::LogCapture console;
+    const OwnedReference<AXUIElementRef> found(
+        utils_.CopyElement(identifier.get(), CFSTR("AXButton"), true, "tag"));
+    ASSERT_THAT(console.ConsoleTexts(), testing::Not(testing::IsEmpty()));
+    EXPECT_EQ(console.ConsoleTexts().back(), "    ***FOUND IT (_NS:1)  retain count 1***");
 }
 
 TEST_F(SearchLog, AMissIsToldAtTheEnd) {
