@@ -36,13 +36,14 @@ char* CLanguageSupport::CreatePathByExpandingTildePath(const char* path) {
 // The text of this assertion is known to those who read crash reports.
 #line 150 "VEKCommon/CLanguageSupport"
     assert(path != NULL);  // NOLINT(modernize-use-nullptr)
-#line 38 "VEKCommon/TildePath.cpp"
+#line 40 "VEKCommon/TildePath.cpp"
     glob_t matches;
     if (glob(path, GLOB_TILDE, nullptr, &matches) != 0) {
         return nullptr;
     }
     const size_t length = strlen(matches.gl_pathv[0]);
     char* expanded = static_cast<char*>(calloc(length + 1, 1));
+    // Unreachable: calloc that has no room for the few bytes of a path.
     if (expanded != nullptr) {
         memcpy(expanded, matches.gl_pathv[0], length);
     }

@@ -45,18 +45,27 @@ class BoundedBytes {
 
     // Whether that many bytes are left; goes nowhere.
     bool Holds(std::size_t count) {
-        return count <= left_ || Fail({BodyFault::Kind::kTooShort, 0, Passed() + count});
+        if (count > left_) {
+            fault_ = {BodyFault::Kind::kTooShort, 0, Passed() + count};
+        }
+        return count <= left_;
     }
 
     // Whether `count` items of `itemSize` bytes or more, as the body claims, can be left.
     bool HoldsItems(unsigned int count, std::size_t itemSize) {
         const std::uint64_t size = std::uint64_t{count} * itemSize;
-        return size <= left_ || Fail({BodyFault::Kind::kCountBeyond, count, Passed() + size});
+        if (size > left_) {
+            fault_ = {BodyFault::Kind::kCountBeyond, count, Passed() + size};
+        }
+        return size <= left_;
     }
 
     // Whether a name of that many units has its place in memory, which takes `most`.
     bool Fits(std::size_t length, std::size_t most, const char* unit) {
-        return length <= most || Fail({BodyFault::Kind::kTooLong, length, most, unit});
+        if (length > most) {
+            fault_ = {BodyFault::Kind::kTooLong, length, most, unit};
+        }
+        return length <= most;
     }
 
     std::optional<unsigned int> SkipInteger() {
@@ -75,7 +84,7 @@ class BoundedBytes {
         }
         const void* terminator = std::memchr(next_, 0, left_);
         if (terminator == nullptr) {
-            Fail({BodyFault::Kind::kNoTerminator, 0, 0});
+            fault_ = {BodyFault::Kind::kNoTerminator};
             return std::nullopt;
         }
         const auto length =
@@ -86,11 +95,6 @@ class BoundedBytes {
 
   private:
     std::size_t Passed() const { return length_ - left_; }
-
-    bool Fail(const BodyFault& fault) {
-        fault_ = fault;
-        return false;
-    }
 
     const unsigned char* next_;
     std::size_t left_;

@@ -107,15 +107,14 @@ class BodyCopy {
 std::string Description(const BodyFault& fault) {
     const std::string value = std::to_string(fault.value);
     const std::string needed = std::to_string(fault.needed);
-    switch (fault.kind) {
-        case BodyFault::Kind::kTooShort:
-            return "is too short, at least " + needed + " are needed";
-        case BodyFault::Kind::kNoTerminator:
-            return "holds a text without terminator";
-        case BodyFault::Kind::kTooLong:
-            return "holds a name of " + value + " " + fault.unit + ", of which " + needed + " fit";
-        case BodyFault::Kind::kCountBeyond:
-            break;
+    if (fault.kind == BodyFault::Kind::kTooShort) {
+        return "is too short, at least " + needed + " are needed";
+    }
+    if (fault.kind == BodyFault::Kind::kNoTerminator) {
+        return "holds a text without terminator";
+    }
+    if (fault.kind == BodyFault::Kind::kTooLong) {
+        return "holds a name of " + value + " " + fault.unit + ", of which " + needed + " fit";
     }
     return "does not hold its count of " + value + ", at least " + needed + " are needed";
 }

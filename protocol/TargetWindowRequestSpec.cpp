@@ -100,8 +100,12 @@ bool SkipName(BoundedBytes& body) {
         return false;
     }
     const auto units = body.SkipInteger();
-    return units && body.HoldsItems(*units, sizeof(UniChar)) &&
-           body.Fits(*units, kNameUnits, "UTF-16 units") && body.Skip(sizeof(UniChar) * *units);
+    if (!units || !body.HoldsItems(*units, sizeof(UniChar)) ||
+        !body.Fits(*units, kNameUnits, "UTF-16 units")) {
+        return false;
+    }
+    body.Skip(sizeof(UniChar) * *units);
+    return true;
 }
 
 bool SkipInfo(BoundedBytes& body) {

@@ -14,7 +14,11 @@ std::optional<std::size_t> SWindowRequestSpec::CompleteSize(const unsigned char*
 }
 
 bool SWindowRequestSpec::SkipOver(BoundedBytes& body) {
-    return body.Holds(kSmallestSize) && body.SkipInteger() && body.SkipString();
+    if (!body.Holds(kSmallestSize)) {
+        return false;
+    }
+    body.SkipInteger();
+    return body.SkipString().has_value();
 }
 
 unsigned char* SWindowRequestSpec::Serialize() {

@@ -13,6 +13,7 @@
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestDriver.h"
+#include "tests/unit/VEKCommon/Failures.h"
 
 namespace {
 
@@ -49,6 +50,17 @@ TEST_F(DriverLanguage, TagIsSentWithItsTerminator) {
     const std::string expected("VEKLanguage", sizeof "VEKLanguage");
     EXPECT_EQ(std::string(companion_.received[0].body.begin(), companion_.received[0].body.end()),
               expected);
+}
+
+TEST_F(DriverLanguage, WithoutAStringThereIsNoTagAndTheNextTickAsksAgain) {
+    SetLanguage("de");
+    Failures::Current().localizedString = true;
+    EXPECT_FALSE(driver_->GetLocale());
+    Failures::Current() = Failures();
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+    EXPECT_TRUE(companion_.received.empty());
+    EXPECT_STREQ(DriverInspector::Language(*driver_), "de") << "as it was";
+    EXPECT_TRUE(driver_->GetLocale());
 }
 
 TEST_F(DriverLanguage, CurrentLanguageIsCopiedAndPadded) {

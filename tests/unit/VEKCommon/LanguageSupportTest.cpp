@@ -12,6 +12,7 @@
 #include "platform/Testing/LogCapture.h"
 #include "tests/support/HomeFolder.h"
 #include "tests/support/OwnedObject.h"
+#include "tests/unit/VEKCommon/Failures.h"
 
 namespace {
 
@@ -209,6 +210,19 @@ TEST_F(LanguageSupport, SelfIsTheInstanceMadeLastAndNullOnceAnyIsGone) {
         EXPECT_EQ(CLanguageSupport::sSelf, nullptr) << "not the first one again";
     }
     EXPECT_EQ(CLanguageSupport::sSelf, nullptr);
+}
+
+TEST_F(LanguageSupport, FileThatCannotEvenBeNamedOrOpenedCountsAsMissing) {
+    home_.WriteTranslations("de", kXml);
+    Failures::Current().url = true;
+    EXPECT_EQ(LeftOverBy([] { EXPECT_EQ(FoundIn("de", CFSTR("Color Board")), "Color Board"); }),
+              "");
+    Failures::Current() = Failures();
+    Failures::Current().readStream = true;
+    EXPECT_EQ(LeftOverBy([] { EXPECT_EQ(FoundIn("de", CFSTR("Color Board")), "Color Board"); }),
+              "");
+    Failures::Current() = Failures();
+    EXPECT_EQ(FoundIn("de", CFSTR("Color Board")), "Farbtafel");
 }
 
 TEST_F(LanguageSupport, EndOfTheOlderInstanceMakesSelfNullToo) {

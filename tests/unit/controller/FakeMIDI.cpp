@@ -1,6 +1,7 @@
 #include "tests/unit/controller/FakeMIDI.h"
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <dlfcn.h>
 
 namespace fake_midi {
 
@@ -65,6 +66,15 @@ OSStatus Make(const std::string& call, bool fails, MIDIPortRef made, MIDIPortRef
 using namespace fake_midi;
 
 extern "C" {
+
+// Names of MIDI objects, and whatever else is converted meanwhile.
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
+                           CFStringEncoding encoding) {
+    TheBus().conversions.emplace_back(size, encoding);
+    static const auto next =
+        reinterpret_cast<decltype(&CFStringGetCString)>(dlsym(RTLD_NEXT, "CFStringGetCString"));
+    return next(string, buffer, size, encoding);
+}
 
 OSStatus MIDIClientCreate(CFStringRef name, MIDINotifyProc notifyProc, void* context,
                           MIDIClientRef* outClient) {

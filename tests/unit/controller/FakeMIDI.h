@@ -2,10 +2,12 @@
 // program, so that every one of them can fail.
 #pragma once
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <CoreMIDI/CoreMIDI.h>
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace fake_midi {
@@ -35,6 +37,7 @@ struct Bus {
     std::vector<std::string> calls;  // of clients and ports, in order, with their arguments
     std::vector<std::string> namesRead;
     MIDIReadProc readProc = nullptr;
+    std::vector<std::pair<CFIndex, CFStringEncoding>> conversions;  // of names to C strings
     std::vector<const void*> contexts;  // of client, input port and connection
     std::vector<MIDINotifyProc> notifyProcs;
     std::vector<MIDIClientRef> portClients;  // that the two ports were made for

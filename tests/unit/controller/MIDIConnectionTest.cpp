@@ -58,6 +58,19 @@ TEST_F(MIDIConnection, GivesMIDINeitherNotificationProcedureNorContext) {
     EXPECT_THAT(TheBus().contexts, ElementsAre(nullptr, nullptr, nullptr));
 }
 
+TEST_F(MIDIConnection, NamesAreConvertedToMacRomanIn256Bytes) {
+    TheBus().devices = {kController};
+    test_support::TestDriver driver;
+    TheBus().conversions.clear();
+    EXPECT_EQ(driver->LocateControllerDevice(), fake_midi::DeviceAt(0));
+    EXPECT_THAT(TheBus().conversions,
+                testing::Contains(std::pair(CFIndex{256}, kCFStringEncodingMacRoman)).Times(1));
+    TheBus().conversions.clear();
+    driver->LocateControllerPrivateEntity(fake_midi::DeviceAt(0));
+    EXPECT_THAT(TheBus().conversions,
+                testing::Contains(std::pair(CFIndex{256}, kCFStringEncodingMacRoman)).Times(1));
+}
+
 TEST_F(MIDIConnection, MakesBothPortsForItsClient) {
     ConnectedWith({});
     EXPECT_THAT(TheBus().portClients, ElementsAre(fake_midi::kClient, fake_midi::kClient));

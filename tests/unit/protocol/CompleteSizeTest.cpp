@@ -1,6 +1,8 @@
 // Which bytes hold a complete record: every record, at every length.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
+#include <algorithm>
 #include <optional>
 #include <random>
 #include <string>
@@ -170,6 +172,20 @@ TEST(CompleteSizeOfWindowRequest, RefusesANameWithoutTerminator) {
 TEST(CompleteSizeOfServerRecord, RefusesLengthsThatTheBytesCannotHold) {
     const ExactCopy body(Integers({1, 0xFFFFFFFF, 0, 0}));
     EXPECT_FALSE(SServerSpec::CompleteSize(body.Start(), body.Length()));
+}
+
+// Memory that is only reserved: what lies behind the first fields is not looked at.
+TEST(CompleteSizeOfServerRecord, RefusesARecordBeyondTheSerialSizeAlthoughTheBytesAreThere) {
+    constexpr std::size_t length = (std::size_t{1} << 32U) + 4096;
+    void* const memory = mmap(nullptr, length, PROT_READ | PROT_WRITE,
+                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    auto* const body = static_cast<unsigned char*>(memory);
+    std::ranges::copy(Integers({1, 0xFFFFFFF6}), body);
+    EXPECT_EQ(SServerSpec::CompleteSize(body, length), 0xFFFFFFFEu);
+    std::ranges::copy(Integers({1, 0xFFFFFFF7}), body);
+    EXPECT_FALSE(SServerSpec::CompleteSize(body, length)) << "4,294,967,296 bytes";
+    munmap(memory, length);
 }
 
 TEST(CompleteSizeOfResetSocket, RefusesTextsBeyond255Bytes) {
