@@ -56,12 +56,15 @@
     return YES;
 }
 
+// A stream that was never open stays so, and one that failed keeps its error.
 - (void)close {
     if (_descriptor >= 0) {
         ::close(_descriptor);
         _descriptor = -1;
     }
-    _status = kCFStreamStatusClosed;
+    if (_status == kCFStreamStatusOpen || _status == kCFStreamStatusAtEnd) {
+        _status = kCFStreamStatusClosed;
+    }
 }
 
 - (CFIndex)readInto:(UInt8*)buffer length:(CFIndex)length {

@@ -17,20 +17,21 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-CFStringRef StringOf(Bytes bytes, CFStringEncoding encoding) {
-    const auto units = core_foundation::Decode(bytes, encoding);
-    return units ? (CFStringRef)core_foundation::NewString(*units) : nullptr;
-}
-
 bool StartsWith(Bytes bytes, std::initializer_list<std::uint8_t> prefix) {
     return bytes.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), bytes.begin());
 }
 
+// The byte-order mark of UTF-8 is left out, whether or not the bytes come from elsewhere.
+CFStringRef StringOf(Bytes bytes, CFStringEncoding encoding) {
+    if (encoding == kCFStringEncodingUTF8 && StartsWith(bytes, {0xEF, 0xBB, 0xBF})) {
+        bytes = bytes.subspan(3);
+    }
+    const auto units = core_foundation::Decode(bytes, encoding);
+    return units ? (CFStringRef)core_foundation::NewString(*units) : nullptr;
+}
+
 // UTF-16 from elsewhere says its byte order with a mark, and is big-endian without one.
 CFStringRef StringOfExternal(Bytes bytes, CFStringEncoding encoding) {
-    if (encoding == kCFStringEncodingUTF8 && StartsWith(bytes, {0xEF, 0xBB, 0xBF})) {
-        return StringOf(bytes.subspan(3), encoding);
-    }
     if (encoding == kCFStringEncodingUTF16) {
         if (StartsWith(bytes, {0xFF, 0xFE})) {
             return StringOf(bytes.subspan(2), kCFStringEncodingUTF16LE);

@@ -148,13 +148,11 @@ std::optional<std::u16string> DecodeUTF8(std::span<const std::uint8_t> bytes) {
     return units;
 }
 
-std::optional<std::u16string> DecodeUTF16(std::span<const std::uint8_t> bytes, bool bigEndian) {
-    if (bytes.size() % 2 != 0) {
-        return std::nullopt;
-    }
+// Half a unit at the end is left out.
+std::u16string DecodeUTF16(std::span<const std::uint8_t> bytes, bool bigEndian) {
     std::u16string units;
     units.reserve(bytes.size() / 2);
-    for (std::size_t next = 0; next < bytes.size(); next += 2) {
+    for (std::size_t next = 0; next + 1 < bytes.size(); next += 2) {
         const std::uint8_t high = bytes[bigEndian ? next : next + 1];
         const std::uint8_t low = bytes[bigEndian ? next + 1 : next];
         units += static_cast<char16_t>(high << 8 | low);

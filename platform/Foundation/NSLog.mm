@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "platform/CoreFoundation/FormatText.h"
 #include "platform/CoreFoundation/StringUnits.h"
 #include "platform/CoreFoundation/TextEncoding.h"
 #include "platform/Foundation/LogSink.h"
@@ -38,7 +39,10 @@ std::string Prefix() {
 
 void NSLogv(NSString* format, va_list arguments) {
     @autoreleasepool {
-        NSString* text = [[NSString alloc] initWithFormat:format arguments:arguments];
+        NSString* plain = core_foundation::NewString(
+            core_foundation::FormatForGNUstep(core_foundation::StringUnits(format).view()));
+        NSString* text = [[NSString alloc] initWithFormat:plain arguments:arguments];
+        [plain release];
         const std::string bytes =
             core_foundation::EncodeForPeople(core_foundation::StringUnits(text).view());
         [text release];

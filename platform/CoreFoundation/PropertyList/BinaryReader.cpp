@@ -80,9 +80,9 @@ class BinaryReader {
     BinaryReader(const BinaryDocument& document, const ObjectMaker& make)
         : document_(document), make_(make), left_(document.objects_.size()) {}
 
-    // An object that several others refer to is made once.
+    // An object that several others refer to is made once. Unlike in XML a leaf counts as a level.
     Object ReadObject(std::uint64_t reference, int depth) {
-        if (reference >= document_.objectCount_) {
+        if (reference >= document_.objectCount_ || depth > kDeepestNesting) {
             return nullptr;
         }
         const std::uint64_t offset = ReadNumber(document_.offsetTable_.subspan(
@@ -243,7 +243,7 @@ class BinaryReader {
     // The objects behind `count` references; false when one of them is malformed.
     bool ReadReferences(Bytes references, std::uint64_t count, int depth,
                         std::vector<Object>& objects) {
-        if (references.size() / document_.referenceSize_ < count || depth > kDeepestNesting) {
+        if (references.size() / document_.referenceSize_ < count) {
             return false;
         }
         objects.reserve(count);

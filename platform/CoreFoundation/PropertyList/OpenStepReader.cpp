@@ -205,15 +205,18 @@ class Reader {
         return value;
     }
 
-    // Pairs of hexadecimal digits, white space between the pairs.
+    // Pairs of hexadecimal digits, white space between the pairs; no comments.
     Object ReadData() {
         std::vector<std::uint8_t> bytes;
-        while (SkipToToken()) {
-            if (rest_.front() == u'>') {
+        while (true) {
+            rest_.remove_prefix(
+                std::min(rest_.find_first_not_of(u" \n\t\r\u2028\u2029"), rest_.size()));
+            if (rest_.starts_with(u'>')) {
                 rest_.remove_prefix(1);
                 return make_.Data(bytes);
             }
-            const std::optional<unsigned> high = HexDigit(rest_.front());
+            const std::optional<unsigned> high =
+                rest_.empty() ? std::nullopt : HexDigit(rest_.front());
             const std::optional<unsigned> low =
                 rest_.size() > 1 ? HexDigit(rest_[1]) : std::nullopt;
             if (!high || !low) {
@@ -222,7 +225,6 @@ class Reader {
             bytes.push_back(static_cast<std::uint8_t>(*high << 4U | *low));
             rest_.remove_prefix(2);
         }
-        return nullptr;
     }
 
     std::u16string_view rest_;

@@ -126,7 +126,11 @@ std::optional<std::u16string> DecodeText(Bytes bytes) {
     if (!encoding) {
         return std::nullopt;
     }
-    return Converter(encoding->iconvName).Convert(bytes.subspan(encoding->markLength));
+    bytes = bytes.subspan(encoding->markLength);
+    if (std::string_view(encoding->iconvName).starts_with("UTF-16")) {
+        bytes = bytes.first(bytes.size() - bytes.size() % 2);  // half a unit is left out
+    }
+    return Converter(encoding->iconvName).Convert(bytes);
 }
 
 }  // namespace property_list

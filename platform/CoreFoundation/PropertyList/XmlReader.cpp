@@ -61,6 +61,9 @@ class Reader {
     }
 
   private:
+    // Elements within a <plist> are as deep as the <plist> itself.
+    static constexpr int kMostPlists = kDeepestNesting;
+
     enum class Doctype { kAllowed, kRefused };
     struct Content {
         Object object;
@@ -148,9 +151,10 @@ class Reader {
         return true;
     }
 
+    // `depth` counts the arrays and dictionaries around the element.
     Content ReadElement(int depth) {
         const std::optional<Tag> tag = ReadTag();
-        if (!tag || depth > kDeepestNesting) {
+        if (!tag) {
             return {};
         }
         Content content{ReadContent(*tag, depth), tag->element == Element::kKey};
@@ -165,9 +169,9 @@ class Reader {
             case Element::kPlist:
                 return tag.isEmpty ? nullptr : ReadPlist(depth);
             case Element::kArray:
-                return tag.isEmpty ? make_.Array({}) : ReadArray(depth);
+                return tag.isEmpty ? make_.Array({}) : ReadArray(depth + 1);
             case Element::kDict:
-                return tag.isEmpty ? EmptyDictionary() : ReadDictionary(depth);
+                return tag.isEmpty ? EmptyDictionary() : ReadDictionary(depth + 1);
             case Element::kKey:
             case Element::kString:
                 return tag.isEmpty ? make_.String({}) : ReadString();
@@ -181,10 +185,10 @@ class Reader {
     }
 
     Object ReadPlist(int depth) {
-        if (!SkipToMarkup(Doctype::kRefused)) {
+        if (++plists_ > kMostPlists || !SkipToMarkup(Doctype::kRefused)) {
             return nullptr;
         }
-        Object object = ReadElement(depth + 1).object;
+        Object object = ReadElement(depth).object;
         return SkipToMarkup(Doctype::kRefused) ? std::move(object) : nullptr;
     }
 
@@ -192,9 +196,12 @@ class Reader {
     bool AtElement() { return SkipToMarkup(Doctype::kRefused) && At(u"<") && !At(u"</"); }
 
     Object ReadArray(int depth) {
+        if (depth > kDeepestNesting) {
+            return nullptr;
+        }
         std::vector<Object> items;
         while (AtElement()) {
-            Object item = ReadElement(depth + 1).object;
+            Object item = ReadElement(depth).object;
             if (item == nullptr) {
                 return nullptr;
             }
@@ -208,14 +215,17 @@ class Reader {
     }
 
     Object ReadDictionary(int depth) {
+        if (depth > kDeepestNesting) {
+            return nullptr;
+        }
         std::vector<Object> keys;
         std::vector<Object> values;
         while (AtElement()) {
-            Content key = ReadElement(depth + 1);
+            Content key = ReadElement(depth);
             if (key.object == nullptr || !key.isKey || !AtElement()) {
                 return nullptr;
             }
-            Object value = ReadElement(depth + 1).object;
+            Object value = ReadElement(depth).object;
             if (value == nullptr) {
                 return nullptr;
             }
@@ -226,7 +236,8 @@ class Reader {
             make_.Dictionary(keys, values, ObjectMaker::Duplicates::kLastWins));
     }
 
-    // Text up to the next markup other than a CDATA section, with the entities resolved.
+    // Text up to the next markup other than a CDATA section, with the entities resolved. A
+    // byte-order mark at its beginning is left out, as of all UTF-8.
     Object ReadString() {
         std::u16string text;
         while (true) {
@@ -244,7 +255,8 @@ class Reader {
                 }
                 text.append(section.substr(0, section.size() - rest_.size() - 3));
             } else {
-                return make_.String(text);
+                return make_.String(
+                    std::u16string_view(text).substr(text.starts_with(u'\uFEFF') ? 1 : 0));
             }
         }
     }
@@ -267,6 +279,7 @@ class Reader {
 
     std::u16string_view rest_;
     const ObjectMaker& make_;
+    int plists_ = 0;
 };
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include <optional>
 #include <utility>
 
+#include "platform/CoreFoundation/IntegerText.h"
+
 namespace property_list {
 
 namespace {
@@ -32,8 +34,13 @@ unsigned DigitValue(char16_t c) {
     return 16;
 }
 
-void SkipSpace(std::u16string_view& text) {
-    text.remove_prefix(std::min(text.find_first_not_of(u" \t\n\r"), text.size()));
+// The blanks of an integer, which Core Foundation looks for in UTF-8: those of a number in a string
+// without the characters U+0080 to U+00A0.
+void SkipIntegerSpace(std::u16string_view& text) {
+    const auto* const end = std::ranges::find_if_not(text, [](char16_t c) {
+        return c == u'\u205F' || (core_foundation::IsBlank(c) && (c < 0x80 || c > 0xA0));
+    });
+    text.remove_prefix(static_cast<std::size_t>(end - text.begin()));
 }
 
 // Takes one of the prefixes off the text.
@@ -145,10 +152,10 @@ unsigned Base64Value(char16_t c) {
 }  // namespace
 
 Object ParseInteger(std::u16string_view text) {
-    SkipSpace(text);
+    SkipIntegerSpace(text);
     const bool isNegative = Take(text, u"-");
-    if (!isNegative) {
-        Take(text, u"+");
+    if (isNegative || Take(text, u"+")) {
+        SkipIntegerSpace(text);
     }
     const bool isHexadecimal = Take(text, u"0x") || Take(text, u"0X");
     const std::optional<std::uint64_t> magnitude = ParseDigits(text, isHexadecimal ? 16 : 10);
@@ -180,7 +187,8 @@ Object ParseReal(std::u16string_view text) {
     if (found != kNames.end()) {
         return ObjectMaker::Real(found->second);
     }
-    SkipSpace(text);
+    text.remove_prefix(static_cast<std::size_t>(
+        std::ranges::find_if_not(text, core_foundation::IsBlank) - text.begin()));
     const std::string number = LowerCaseAscii(text);
     if (!IsDecimalNumber(number)) {
         return nullptr;

@@ -21,6 +21,7 @@ CFReadStreamRef CFReadStreamCreateWithFile(CFAllocatorRef allocator, CFURLRef fi
 
 // False when the file can't be opened, and for a stream that was opened before.
 Boolean CFReadStreamOpen(CFReadStreamRef stream);
+// Changes neither the status of a stream that was never opened nor that of one that failed.
 void CFReadStreamClose(CFReadStreamRef stream);
 
 // Bytes read; 0 at the end of the file; -1 after an error, and for a stream that is not open.

@@ -53,17 +53,19 @@ CFStringRef __CFStringMakeConstantString(const char* text);  // UTF-8
 
 CFTypeID CFStringGetTypeID(void);
 
-// Null when the bytes are not text in that encoding.
+// Null when the bytes are not text in that encoding. The byte-order mark of UTF-8 is left out.
 CFStringRef CFStringCreateWithCString(CFAllocatorRef alloc, const char* cStr,
                                       CFStringEncoding encoding);
-// isExternalRepresentation: the bytes may begin with a byte-order mark.
+// isExternalRepresentation: UTF-16 may begin with a byte-order mark, and is big-endian without one.
+// Half a unit at its end is left out.
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef alloc, const UInt8* bytes, CFIndex numBytes,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation);
 CFStringRef CFStringCreateWithCharacters(CFAllocatorRef alloc, const UniChar* chars,
                                          CFIndex numChars);
 CFStringRef CFStringCreateCopy(CFAllocatorRef alloc, CFStringRef theString);
 
-// printf conversions, %@ for objects; %s text is in the system encoding. formatOptions is not used.
+// printf conversions, %@ for objects; %s text is in the system encoding. A width or precision of %@
+// is ignored; a letter that is no conversion stands for itself. formatOptions is not used.
 CFStringRef CFStringCreateWithFormat(CFAllocatorRef alloc, CFDictionaryRef formatOptions,
                                      CFStringRef format, ...);
 
@@ -95,7 +97,8 @@ CFComparisonResult CFStringCompare(CFStringRef theString1, CFStringRef theString
                                    CFStringCompareFlags compareOptions);
 Boolean CFStringHasPrefix(CFStringRef theString, CFStringRef prefix);
 
-// The number that the text begins with: 0 when there is none, held at the limits of 32 bits.
+// The number that the text begins with, blanks before and after its sign skipped: 0 when there is
+// none, held at the limits of 32 bits.
 SInt32 CFStringGetIntValue(CFStringRef str);
 
 }  // extern "C"

@@ -63,9 +63,87 @@ std::string Binary(const std::vector<std::string>& objects) {
            BigEndian(0, 8) + BigEndian(table, 8);
 }
 
+// A <plist> and a leaf are no level, and neither is an empty element.
 TEST(PropertyList, XmlNestedAsDeepAsAllowedIsRead) {
-    EXPECT_FALSE(Tree(Repeated("<array>", 513) + Repeated("</array>", 513)).is_null());
-    EXPECT_TRUE(Tree(Repeated("<array>", 514) + Repeated("</array>", 514)).is_null());
+    for (const char* leaf : {"", "<string>x</string>", "<array/>", "<dict/>"}) {
+        for (const std::string plist : {"", "plist"}) {
+            const std::string begin = plist.empty() ? "" : "<plist>";
+            const std::string end = plist.empty() ? "" : "</plist>";
+            const auto arrays = [&](int levels) {
+                return Tree(begin + Repeated("<array>", levels) + leaf +
+                            Repeated("</array>", levels) + end);
+            };
+            EXPECT_FALSE(arrays(512).is_null()) << leaf;
+            EXPECT_TRUE(arrays(513).is_null()) << leaf;
+        }
+    }
+    const auto dictionaries = [](int levels) {
+        return Tree("<plist>" + Repeated("<dict><key>a</key>", levels) + "<string>x</string>" +
+                    Repeated("</dict>", levels) + "</plist>");
+    };
+    EXPECT_FALSE(dictionaries(512).is_null());
+    EXPECT_TRUE(dictionaries(513).is_null());
+}
+
+TEST(PropertyList, BinaryLeavesCountAsALevel) {
+    const auto arrays = [](unsigned levels, const std::string& leaf) {
+        std::vector<std::string> objects;
+        for (unsigned level = 1; level <= levels; ++level) {
+            objects.push_back("\xA1" + BigEndian(level, 2));
+        }
+        objects.push_back(leaf);
+        return Tree(Binary(objects));
+    };
+    EXPECT_FALSE(arrays(512, "\x51x").is_null());
+    EXPECT_TRUE(arrays(513, "\x51x").is_null());
+    EXPECT_FALSE(arrays(512, "\xA0").is_null());
+}
+
+TEST(PropertyList, XmlIntegersMayHaveBlanksAfterTheirSign) {
+    const auto integer = [](const std::string& text) {
+        return Tree("<plist><integer>" + text + "</integer></plist>").value("int", "none");
+    };
+    EXPECT_EQ(integer("- 5"), "-5");
+    EXPECT_EQ(integer("\t+\n\u3000 5"), "5");
+    EXPECT_EQ(integer("- 0x1F"), "-31");
+    EXPECT_EQ(integer("\x7F\u200B\u205F5"), "5");
+    for (const char* text : {"- - 5", "- ", "5 ", "\u00A05", "-\u00855", "\u20285", "\u202F5"}) {
+        EXPECT_TRUE(Tree(std::string("<plist><integer>") + text + "</integer></plist>").is_null())
+            << text;
+    }
+}
+
+TEST(PropertyList, XmlRealsMayHaveBlanksBeforeTheirSignOnly) {
+    const auto real = [](const std::string& text) {
+        return Tree("<plist><real>" + text + "</real></plist>").value("real", "none");
+    };
+    EXPECT_EQ(real("\u00A0\u2003-5"), "-5");
+    EXPECT_TRUE(Tree("<plist><real>- 5</real></plist>").is_null());
+}
+
+TEST(PropertyList, XmlStringsLoseAByteOrderMarkAtTheirBeginning) {
+    for (const char* mark : {"\uFEFF", "&#xFEFF;"}) {
+        const std::string document =
+            std::string("<plist><string>") + mark + "a\uFEFF</string></plist>";
+        EXPECT_EQ(Tree(document), (json{{"string", "a\uFEFF"}}));
+    }
+}
+
+TEST(PropertyList, HalfAUnitAtTheEndOfUTF16IsLeftOut) {
+    std::string document = "\xFF\xFE";
+    for (const char c : std::string("{a=b;}")) {
+        (document += c) += '\0';
+    }
+    const json tree = Tree(document);
+    EXPECT_FALSE(tree.is_null());
+    EXPECT_EQ(Tree(document + "x"), tree);
+}
+
+TEST(PropertyList, OpenStepDataHoldsSpacesBetweenItsPairsButNoComments) {
+    EXPECT_EQ(Tree("< 01 \n\t02\r\u202803 >"), (json{{"data", "010203"}}));
+    for (const char* document : {"<01 /* x */ 02>", "<01\v02>", "<0 1>", "<01", "<", "<0"}) {
+        EXPECT_TRUE(Tree(document).is_null()) << document;
+    }
 }
 
 TEST(PropertyList, OpenStepNestedAsDeepAsAllowedIsRead) {

@@ -120,6 +120,56 @@ TEST_P(StreamVector, EveryStepAnswersAsMeasured) {
     ExpectVector(GetParam(), actual, expected, kKnownDifferences);
 }
 
+class ReadStream : public ::testing::Test {
+  protected:
+    // Of a file of the folder, which need not be there.
+    CFReadStreamRef Create(const char* name) {
+        const CFStringRef path = CFStringCreateWithCString(
+            kCFAllocatorDefault, (folder_.Path() / name).c_str(), kCFStringEncodingUTF8);
+        const CFURLRef url =
+            CFURLCreateWithFileSystemPath(kCFAllocatorDefault, path, kCFURLPOSIXPathStyle, false);
+        stream_ = CFReadStreamCreateWithFile(kCFAllocatorDefault, url);
+        CFRelease(url);
+        CFRelease(path);
+        return stream_;
+    }
+    void TearDown() override { CFRelease(stream_); }
+
+    TemporaryFolder folder_;
+    CFReadStreamRef stream_ = nullptr;
+};
+
+TEST_F(ReadStream, ClosedBeforeItWasOpenedMayStillBeOpened) {
+    folder_.Write("a", "x");
+    CFReadStreamRef stream = Create("a");
+    CFReadStreamClose(stream);
+    EXPECT_EQ(CFReadStreamGetStatus(stream), kCFStreamStatusNotOpen);
+    EXPECT_TRUE(CFReadStreamOpen(stream));
+    CFReadStreamClose(stream);
+    EXPECT_EQ(CFReadStreamGetStatus(stream), kCFStreamStatusClosed);
+    EXPECT_FALSE(CFReadStreamOpen(stream));
+}
+
+TEST_F(ReadStream, KeepsTheErrorOfAFailedOpenWhenItIsClosed) {
+    CFReadStreamRef stream = Create("missing");
+    EXPECT_FALSE(CFReadStreamOpen(stream));
+    CFReadStreamClose(stream);
+    EXPECT_EQ(CFReadStreamGetStatus(stream), kCFStreamStatusError);
+    const CFErrorRef error = CFReadStreamCopyError(stream);
+    EXPECT_EQ(TaggedError(error), (json{{"domain", "NSPOSIXErrorDomain"}, {"code", ENOENT}}));
+    CFRelease(error);
+}
+
+TEST_F(ReadStream, KeepsTheErrorOfAFailedReadWhenItIsClosed) {
+    CFReadStreamRef stream = Create(".");
+    EXPECT_TRUE(CFReadStreamOpen(stream));
+    UInt8 byte = 0;
+    EXPECT_EQ(CFReadStreamRead(stream, &byte, 1), -1);
+    CFReadStreamClose(stream);
+    EXPECT_EQ(CFReadStreamGetStatus(stream), kCFStreamStatusError);
+    EXPECT_EQ(CFReadStreamRead(stream, &byte, 1), -1);
+}
+
 INSTANTIATE_TEST_SUITE_P(Reference, StreamVector,
                          ::testing::ValuesIn(Vectors("cfbundle",
                                                      [](const json& vector) {

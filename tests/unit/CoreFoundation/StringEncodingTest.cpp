@@ -1,6 +1,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
 
+#include <climits>
 #include <set>
 #include <string>
 
@@ -173,11 +174,59 @@ TEST(CreateWithCString, AnswersNullForBytesThatAreNoText) {
     }
 }
 
-TEST(CreateWithBytes, AnswersNullForHalfAUnit) {
-    const UInt8 bytes[] = {'a', 0, 'b'};
-    const Owned<CFStringRef> text(CFStringCreateWithBytes(kCFAllocatorDefault, bytes, sizeof bytes,
-                                                          kCFStringEncodingUTF16LE, false));
-    EXPECT_EQ(text, nullptr);
+TEST(CreateWithBytes, LeavesOutHalfAUnitOfUTF16) {
+    const UInt8 bytes[] = {'a', 'b', 'c'};
+    const std::pair<CFStringEncoding, std::vector<UniChar>> cases[] = {
+        {kCFStringEncodingUTF16, {0x6261}},
+        {kCFStringEncodingUTF16LE, {0x6261}},
+        {kCFStringEncodingUTF16BE, {0x6162}},
+    };
+    for (const auto& [encoding, units] : cases) {
+        const Owned<CFStringRef> text(
+            CFStringCreateWithBytes(kCFAllocatorDefault, bytes, sizeof bytes, encoding, false));
+        EXPECT_EQ(vectors::UnitsOf(text.get()), units);
+    }
+    const Owned<CFStringRef> external(CFStringCreateWithBytes(
+        kCFAllocatorDefault, bytes, sizeof bytes, kCFStringEncodingUTF16, true));
+    EXPECT_THAT(vectors::UnitsOf(external.get()), ElementsAre(0x6162));
+}
+
+TEST(CreateWithBytes, LeavesOutTheMarkOfUTF8WhereverTheBytesComeFrom) {
+    const UInt8 bytes[] = {0xEF, 0xBB, 0xBF, 'a', 0xEF, 0xBB, 0xBF};
+    for (const bool external : {false, true}) {
+        const Owned<CFStringRef> text(CFStringCreateWithBytes(
+            kCFAllocatorDefault, bytes, sizeof bytes, kCFStringEncodingUTF8, external));
+        EXPECT_THAT(vectors::UnitsOf(text.get()), ElementsAre('a', 0xFEFF));
+        const Owned<CFStringRef> mark(CFStringCreateWithBytes(kCFAllocatorDefault, bytes, 3,
+                                                              kCFStringEncodingUTF8, external));
+        EXPECT_EQ(CFStringGetLength(mark.get()), 0);
+    }
+    EXPECT_EQ(CFStringGetLength(FromUTF8("\uFEFFab").get()), 2);
+}
+
+TEST(IntValue, SkipsBlanksBeforeAndAfterTheSign) {
+    const std::vector<std::pair<const char*, SInt32>> cases = {
+        {"- 5", -5},
+        {"+ 5", 5},
+        {" \t-\n 5", -5},
+        {"-\u00A05", -5},
+        {"\u30005", 5},
+        {"\u2000\u200B5", 5},
+        {"\x01\x7F"
+         "5",
+         5},
+        {"- ", 0},
+        {"- - 5", 0},
+        {"-", 0},
+        {"\u20285", 0},
+        {"\u200C5", 0},
+        {"\u00A15", 0},
+        {"5 6", 5},
+        {"- 2147483649", INT_MIN},
+    };
+    for (const auto& [text, value] : cases) {
+        EXPECT_EQ(CFStringGetIntValue(FromUTF8(text).get()), value) << text;
+    }
 }
 
 TEST(Format, ReadsCStringsInTheSystemEncoding) {
@@ -188,6 +237,47 @@ TEST(Format, ReadsCStringsInTheSystemEncoding) {
         const Owned<CFStringRef> text(
             CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, CFSTR("%s"), bytes));
         EXPECT_TRUE(CFEqual(text.get(), expected.get())) << byte;
+    }
+}
+
+TEST(Format, IgnoresTheWidthAndPrecisionOfObjects) {
+    const CFStringRef formats[] = {CFSTR("[%10@]"),  CFSTR("[%-10@]"),    CFSTR("[%.1@]"),
+                                   CFSTR("[%3.2@]"), CFSTR("[%1$10.1@]"), CFSTR("[%@]")};
+    for (const CFStringRef format : formats) {
+        const Owned<CFStringRef> text(
+            CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, format, CFSTR("abc")));
+        EXPECT_EQ(vectors::Shown(text.get()), "\"[abc]\"") << vectors::Shown(format);
+    }
+    const Owned<CFStringRef> swapped(CFStringCreateWithFormat(
+        kCFAllocatorDefault, nullptr, CFSTR("%2$5@ %1$5@"), CFSTR("a"), CFSTR("b")));
+    EXPECT_EQ(vectors::Shown(swapped.get()), "\"b a\"");
+}
+
+TEST(Format, KeepsTheWidthOfEverythingElse) {
+    const Owned<CFStringRef> text(CFStringCreateWithFormat(
+        kCFAllocatorDefault, nullptr, CFSTR("%5d|%-4s|%*d|%%|%.1f"), 7, "ab", 3, 1, 2.25));
+    EXPECT_EQ(vectors::Shown(text.get()), "\"    7|ab  |  1|%|2.2\"");
+}
+
+TEST(Format, WritesPointersInHexadecimal) {
+    const auto* pointer = reinterpret_cast<const void*>(0xABC);
+    const Owned<CFStringRef> text(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr,
+                                                           CFSTR("%p %p %d"), pointer, nullptr, 5));
+    EXPECT_EQ(vectors::Shown(text.get()), "\"0xabc 0x0 5\"");
+    const Owned<CFStringRef> swapped(CFStringCreateWithFormat(
+        kCFAllocatorDefault, nullptr, CFSTR("%2$p %1$p"), pointer, nullptr));
+    EXPECT_EQ(vectors::Shown(swapped.get()), "\"0x0 0xabc\"");
+}
+
+TEST(Format, WritesTheLetterOfAConversionThatDoesNotExist) {
+    const std::pair<CFStringRef, const char*> cases[] = {
+        {CFSTR("%y%d"), "\"y5\""}, {CFSTR("%-3y"), "\"y\""}, {CFSTR("a%"), "\"a\""},
+        {CFSTR("a%5"), "\"a\""},   {CFSTR(""), "\"\""},
+    };
+    for (const auto& [format, expected] : cases) {
+        const Owned<CFStringRef> text(
+            CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, format, 5));
+        EXPECT_EQ(vectors::Shown(text.get()), expected);
     }
 }
 

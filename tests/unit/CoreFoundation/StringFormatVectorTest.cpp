@@ -89,20 +89,21 @@ std::string CheckFormat(const Vector& vector) {
 const vectors::Checks kChecks = {{"format", CheckFormat}};
 
 constexpr char kSystemEncoding[] = "%s was read as UTF-8; on macOS it is MacRoman";
-constexpr char kWidthOfObject[] = "the width of %@ was ignored; the driver gives none";
-constexpr char kMalformed[] = "a conversion that does not exist; the driver's formats have none";
 constexpr char kDescription[] =
     "a number described without Foundation; with it, as on macOS, its description is used";
-constexpr char kPointer[] = "the look of a null pointer is the C library's affair";
+constexpr char kPointer[] = "glibc's look of a null pointer; on macOS it is 0x0";
 
 const vectors::Deviations kDeviations = {
-    {"format-023", kSystemEncoding}, {"format-024", kSystemEncoding},
-    {"format-026", kSystemEncoding}, {"format-027", kSystemEncoding},
-    {"format-028", kSystemEncoding}, {"format-038", kWidthOfObject},
-    {"format-135", kMalformed},      {"format-136", kMalformed},
-    {"format-138", kMalformed},      {"format-180", kDescription},
-    {"format-184", kDescription},    {"format-187", kDescription},
-    {"format-188", kDescription},    {"format-189", kPointer},
+    {"format-023", {"got \"caf\\u221a\\u00a9\"", kSystemEncoding}},
+    {"format-024", {"got \"[caf\\u221a\\u00a9]\"", kSystemEncoding}},
+    {"format-026", {"got \"[\\u02c7\\u02db]\"", kSystemEncoding}},
+    {"format-027", {"got \"\\u00e9\"", kSystemEncoding}},
+    {"format-028", {"got \"[\\u00e9]\"", kSystemEncoding}},
+    {"format-180", {"got \"0.1\"", kDescription}},
+    {"format-184", {"got \"inf\"", kDescription}},
+    {"format-187", {"got \"0\"", kDescription}},
+    {"format-188", {"got \"1\"", kDescription}},
+    {"format-189", {"got \"0x0\"", kPointer}},
 };
 
 class StringFormatVector : public testing::TestWithParam<Vector> {};

@@ -27,8 +27,12 @@ using Check = std::string (*)(const Vector& vector);
 // Family -> check. Families without an entry are of functions that the layer does not have.
 using Checks = std::map<std::string, Check>;
 
-// Case id -> why the layer is to differ from what was measured.
-using Deviations = std::map<std::string, std::string>;
+// What the layer gives instead of what was measured, as the check tells it, and why.
+struct Deviation {
+    std::string got;
+    std::string reason;
+};
+using Deviations = std::map<std::string, Deviation>;  // by case id
 
 std::vector<Vector> Load(const std::string& file);
 
@@ -38,7 +42,7 @@ std::vector<Vector> Covered(const std::string& file, const Checks& checks);
 // How many cases have no entry, by family.
 std::map<std::string, int> Uncovered(const std::string& file, const Checks& checks);
 
-// Runs the check. A case with a deviation must differ, so that the list cannot outlive its reason.
+// Runs the check. A case with a deviation must give exactly what the deviation says.
 void Verify(const Vector& vector, const Checks& checks, const Deviations& deviations);
 
 // The case's id as a test name.
