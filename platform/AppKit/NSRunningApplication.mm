@@ -40,11 +40,9 @@ NSURL* CreateBundleURL(const std::optional<std::string>& path) {
 
 - (instancetype)initWithApplication:(const desktop_link::Application&)application {
     self = [super init];
-    if (self != nil) {
-        _processIdentifier = application.pid;
-        _bundleIdentifier = CreateString(application.bundleIdentifier);
-        _bundleURL = CreateBundleURL(application.bundlePath);
-    }
+    _processIdentifier = application.pid;
+    _bundleIdentifier = CreateString(application.bundleIdentifier);
+    _bundleURL = CreateBundleURL(application.bundlePath);
     return self;
 }
 

@@ -31,9 +31,7 @@
 
 - (instancetype)initWithFrame:(NSRect)frame {
     self = [super init];
-    if (self != nil) {
-        _frame = frame;
-    }
+    _frame = frame;
     return self;
 }
 

@@ -31,9 +31,7 @@ void FrontApplicationChanged();
 
 - (instancetype)init {
     self = [super init];
-    if (self != nil) {
-        _notificationCenter = [[NSNotificationCenter alloc] init];
-    }
+    _notificationCenter = [[NSNotificationCenter alloc] init];
     return self;
 }
 

@@ -98,11 +98,9 @@ SInt64 IntegerFor(const NumberValue& value, CFNumberType type) {
 // negative: so does Core Foundation.
 template <typename Integer>
 bool Survives(SInt64 integer) {
-    if (static_cast<Integer>(integer) == integer) {
-        return true;
-    }
-    using Unsigned = std::make_unsigned_t<Integer>;
-    return sizeof(Integer) < sizeof(SInt32) && static_cast<Unsigned>(integer) == integer;
+    using Widest = std::conditional_t<(sizeof(Integer) < sizeof(SInt32)),
+                                      std::make_unsigned_t<Integer>, Integer>;
+    return static_cast<Integer>(integer) == integer || static_cast<Widest>(integer) == integer;
 }
 
 template <typename Integer>
@@ -113,14 +111,22 @@ bool WriteInteger(const NumberValue& value, CFNumberType type, void* pointer) {
                           : Survives<Integer>(value.integer);
 }
 
+bool IsExactly(float converted, double real) {
+    return static_cast<double>(converted) == real;
+}
+
+// Also for NaN, which equals nothing.
+bool IsExactly(double, double) {
+    return true;
+}
+
 template <typename Real>
 bool WriteReal(const NumberValue& value, void* pointer) {
     const auto converted =
         value.isReal() ? static_cast<Real>(value.real) : static_cast<Real>(value.integer);
     Write(pointer, converted);
     if (value.isReal()) {
-        return static_cast<double>(converted) == value.real ||
-               (sizeof(Real) == sizeof(double) && std::isnan(value.real));
+        return IsExactly(converted, value.real);
     }
     constexpr Real kTwoTo63 = 9223372036854775808.0;
     return converted < kTwoTo63 && static_cast<SInt64>(converted) == value.integer;

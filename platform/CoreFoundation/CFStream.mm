@@ -24,10 +24,9 @@
 @implementation CFFileReadStream
 
 - (instancetype)initWithPath:(NSString*)path {
-    if ((self = [super init]) != nil) {
-        _path = [path copy];
-        _descriptor = -1;
-    }
+    self = [super init];
+    _path = [path copy];
+    _descriptor = -1;
     return self;
 }
 

@@ -28,13 +28,10 @@ struct CallbackArrayStorage {
                count:(NSUInteger)count
            callBacks:(const CFArrayCallBacks*)callBacks {
     self = [super init];
-    if (self != nil) {
-        _storage =
-            new CallbackArrayStorage{callBacks == nullptr ? CFArrayCallBacks{} : *callBacks, {}};
-        _storage->values.reserve(count);
-        for (NSUInteger index = 0; index < count; ++index) {
-            _storage->values.push_back(_storage->Retain(values[index]));
-        }
+    _storage = new CallbackArrayStorage{callBacks == nullptr ? CFArrayCallBacks{} : *callBacks, {}};
+    _storage->values.reserve(count);
+    for (NSUInteger index = 0; index < count; ++index) {
+        _storage->values.push_back(_storage->Retain(values[index]));
     }
     return self;
 }

@@ -34,11 +34,9 @@ struct CallbackDictionaryStorage {
 
 - (id)initWithDictionary:(CallbackDictionary*)dictionary {
     self = [super init];
-    if (self != nil) {
-        _dictionary = [dictionary retain];
-        _keys = new std::vector<const void*>([dictionary count]);
-        [dictionary getKeys:_keys->data() values:nullptr];
-    }
+    _dictionary = [dictionary retain];
+    _keys = new std::vector<const void*>([dictionary count]);
+    [dictionary getKeys:_keys->data() values:nullptr];
     return self;
 }
 
@@ -59,11 +57,9 @@ struct CallbackDictionaryStorage {
 - (id)initWithKeyCallBacks:(const CFDictionaryKeyCallBacks*)keyCallBacks
             valueCallBacks:(const CFDictionaryValueCallBacks*)valueCallBacks {
     self = [super init];
-    if (self != nil) {
-        _storage = new CallbackDictionaryStorage{
-            keyCallBacks == nullptr ? CFDictionaryKeyCallBacks{} : *keyCallBacks,
-            valueCallBacks == nullptr ? CFDictionaryValueCallBacks{} : *valueCallBacks};
-    }
+    _storage = new CallbackDictionaryStorage{
+        keyCallBacks == nullptr ? CFDictionaryKeyCallBacks{} : *keyCallBacks,
+        valueCallBacks == nullptr ? CFDictionaryValueCallBacks{} : *valueCallBacks};
     return self;
 }
 
@@ -81,7 +77,7 @@ struct CallbackDictionaryStorage {
               forKeys:(const id<NSCopying>[])keys
                 count:(NSUInteger)count {
     self = [self init];
-    for (NSUInteger index = 0; self != nil && index < count; ++index) {
+    for (NSUInteger index = 0; index < count; ++index) {
         [self setObject:objects[index] forKey:keys[index]];
     }
     return self;

@@ -6,11 +6,9 @@
 
 - (id)initWithUnits:(std::u16string_view)units {
     self = [super init];
-    if (self != nil) {
-        _length = units.size();
-        _units = new char16_t[_length];
-        std::copy(units.begin(), units.end(), _units);
-    }
+    _length = units.size();
+    _units = new char16_t[_length];
+    std::copy(units.begin(), units.end(), _units);
     return self;
 }
 

@@ -12,20 +12,16 @@ namespace {
 
 constexpr double kTwoTo63 = 9223372036854775808.0;
 
+// GNUstep keeps a boolean as an unsigned character and every other integer as an int or wider.
 CFNumberType TypeOfEncoding(const char* encoding) {
     switch (*encoding) {
         case 'd':
             return kCFNumberFloat64Type;
         case 'f':
             return kCFNumberFloat32Type;
-        case 'c':
         case 'C':
             return kCFNumberSInt8Type;
-        case 's':
-        case 'S':
-            return kCFNumberSInt16Type;
         case 'i':
-        case 'I':
             return kCFNumberSInt32Type;
         default:
             return kCFNumberSInt64Type;

@@ -81,7 +81,7 @@ Composition ComposeFront(std::u16string_view text) {
     while (composition.units < std::min(text.size(), kMostMarks)) {
         const UChar32 composed =
             unorm2_composePair(normalizer, composition.unit, text[composition.units]);
-        if (composed < 0 || composed > 0xFFFF) {
+        if (composed < 0) {
             break;
         }
         composition.unit = static_cast<char16_t>(composed);

@@ -21,9 +21,7 @@ using core_foundation::NumberValue;
 
 - (id)initWithNumberValue:(NumberValue)value {
     self = [super init];
-    if (self != nil) {
-        _value = value;
-    }
+    _value = value;
     return self;
 }
 

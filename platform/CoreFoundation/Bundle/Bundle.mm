@@ -61,9 +61,8 @@ NSString* StringForKey(NSDictionary* dictionary, NSString* key) {
 - (instancetype)initWithFolder:(std::filesystem::path)folder {
     // Not NSBundle's designated initialiser: that one registers the path for the whole process and
     // answers with what it found there the first time.
-    if ((self = [super init]) != nil) {
-        _layout = new bundle::Layout(std::move(folder));
-    }
+    self = [super init];
+    _layout = new bundle::Layout(std::move(folder));
     return self;
 }
 

@@ -3,9 +3,8 @@
 @implementation CFKeyedArchiverUID
 
 - (instancetype)initWithValue:(std::uint32_t)value {
-    if ((self = [super init]) != nil) {
-        _value = value;
-    }
+    self = [super init];
+    _value = value;
     return self;
 }
 

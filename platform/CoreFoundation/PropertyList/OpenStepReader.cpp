@@ -208,7 +208,7 @@ class Reader {
     // Pairs of hexadecimal digits, white space between the pairs; no comments.
     Object ReadData() {
         std::vector<std::uint8_t> bytes;
-        while (true) {
+        for (;;) {
             rest_.remove_prefix(
                 std::min(rest_.find_first_not_of(u" \n\t\r\u2028\u2029"), rest_.size()));
             if (rest_.starts_with(u'>')) {

@@ -98,7 +98,7 @@ class Reader {
 
     // Past white space, comments and processing instructions; false when one of them has no end.
     bool SkipToMarkup(Doctype doctype) {
-        while (true) {
+        for (;;) {
             SkipSpace();
             bool skipped = true;
             if (At(u"<!--")) {
@@ -240,7 +240,7 @@ class Reader {
     // byte-order mark at its beginning is left out, as of all UTF-8.
     Object ReadString() {
         std::u16string text;
-        while (true) {
+        for (;;) {
             const std::size_t plain = std::min(rest_.find_first_of(u"<&"), rest_.size());
             text.append(rest_.substr(0, plain));
             rest_.remove_prefix(plain);

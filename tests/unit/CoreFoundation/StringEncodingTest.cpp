@@ -269,6 +269,12 @@ TEST(Format, WritesPointersInHexadecimal) {
     EXPECT_EQ(vectors::Shown(swapped.get()), "\"0x0 0xabc\"");
 }
 
+TEST(Format, TakesAWidthThatIsAnArgumentOffTheArguments) {
+    const Owned<CFStringRef> text(CFStringCreateWithFormat(
+        kCFAllocatorDefault, nullptr, CFSTR("%*@|%d|%4p"), 1, CFSTR("abc"), 5, nullptr));
+    EXPECT_EQ(vectors::Shown(text.get()).substr(0, 7), "\"abc|5|");
+}
+
 TEST(Format, WritesTheLetterOfAConversionThatDoesNotExist) {
     const std::pair<CFStringRef, const char*> cases[] = {
         {CFSTR("%y%d"), "\"y5\""}, {CFSTR("%-3y"), "\"y\""}, {CFSTR("a%"), "\"a\""},

@@ -108,6 +108,20 @@ TEST_F(StringBehaviour, GetCStringKnowsMacRoman) {
     }
 }
 
+TEST_F(StringBehaviour, GetCStringKnowsWindowsLatin1AndUTF16) {
+    for (NSString* text : EveryKindOf("\u20ac")) {
+        char buffer[16];
+        ASSERT_TRUE([text getCString:buffer
+                           maxLength:sizeof buffer
+                            encoding:NSWindowsCP1252StringEncoding]);
+        EXPECT_STREQ(buffer, "\x80");
+        ASSERT_TRUE([text getCString:buffer
+                           maxLength:sizeof buffer
+                            encoding:NSUnicodeStringEncoding]);
+        EXPECT_STREQ(buffer, "\xAC\x20");
+    }
+}
+
 TEST_F(StringBehaviour, GetCStringAnswersNoForAnEncodingThatIsNotProvided) {
     char buffer[16];
     EXPECT_FALSE([@"abc" getCString:buffer
