@@ -1,6 +1,6 @@
 # The commands of the house. `make demo` and `make check` install what is missing, build, and run.
 
-.PHONY: demo check check-sanitize endurance fuzz fuzz-coverage build lint packages clean
+.PHONY: demo check check-sanitize coverage mutants endurance fuzz fuzz-coverage build lint packages clean
 
 demo: packages
 	@cmake --preset linux >/dev/null
@@ -15,6 +15,18 @@ check-sanitize: packages
 	@cmake --preset sanitize >/dev/null
 	@cmake --build --preset sanitize
 	@scripts/run-tests build-sanitize
+
+# The suite in a build that counts, and which branches it reaches: fails when it misses one of the
+# driver's.
+coverage: packages
+	@cmake --preset coverage >/dev/null
+	@cmake --build --preset coverage
+	@scripts/coverage
+
+# Whether the tests notice single-line changes: 400 in the driver's folders, 200 below it. Hours.
+mutants: packages
+	@scripts/mutants --count 400 --seed 7
+	@scripts/mutants --count 200 --seed 7 platform desktop
 
 # The long form of what the tests do in short: a million requests, a thousand interrupts, ten
 # thousand repetitions of each request; then a quarter of an hour for each fuzz target.
@@ -46,4 +58,4 @@ packages:
 	@scripts/install-packages
 
 clean:
-	rm -rf build build-sanitize build-fuzz build-fuzz-coverage
+	rm -rf build build-sanitize build-coverage build-fuzz build-fuzz-coverage

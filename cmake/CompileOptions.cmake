@@ -9,18 +9,19 @@ if(KRT9_SANITIZE)
 endif()
 
 # KRT9_FUZZ=ON, together with KRT9_SANITIZE: what the fuzz targets of fuzz/ need. KRT9_COVERAGE=ON
-# builds the same targets without sanitizers, to measure which lines their corpora reach.
+# builds the tests, or instead of the sanitizers the fuzz targets, to measure what they reach.
 option(KRT9_FUZZ "Build the fuzz targets" OFF)
-option(KRT9_COVERAGE "Build for the measurement of line coverage" OFF)
+option(KRT9_COVERAGE "Build for the measurement of coverage" OFF)
 
 if(KRT9_FUZZ)
     add_compile_options(-O1)
-    if(KRT9_COVERAGE)
-        add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
-        add_link_options(-fprofile-instr-generate)
-    else()
+    if(NOT KRT9_COVERAGE)
         add_compile_options(-fsanitize=fuzzer-no-link)
     endif()
+endif()
+if(KRT9_COVERAGE)
+    add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+    add_link_options(-fprofile-instr-generate)
 endif()
 
 if(NOT APPLE)

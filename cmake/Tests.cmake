@@ -41,4 +41,9 @@ function(krt9_add_test name)
     endif()
     add_test(NAME ${name} COMMAND ${name} --gtest_output=json:${KRT9_TEST_RESULTS}/${name}.json)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT})
+    if(KRT9_COVERAGE)
+        # One file for each process and library, so that what a program reaches is known, too.
+        set_tests_properties(${name} PROPERTIES
+            ENVIRONMENT "LLVM_PROFILE_FILE=${CMAKE_BINARY_DIR}/profiles/${name}/%p-%m.profraw")
+    endif()
 endfunction()
