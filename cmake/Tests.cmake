@@ -31,6 +31,9 @@ function(krt9_add_test name)
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 600)  # against a hang; no test comes near it
     endif()
+    if(KRT9_COVERAGE)
+        math(EXPR arg_TIMEOUT "3 * ${arg_TIMEOUT}")  # counting takes its time
+    endif()
     add_executable(${name} ${arg_SOURCES})
     krt9_compile_options(${name})
     target_compile_options(${name} PRIVATE ${krt9_test_options})
