@@ -37,10 +37,11 @@ class DesktopProcess {
         close(output[1]);
         output_ = local_socket::Descriptor(output[0]);
     }
+    // Ends in order if it can: a killed process leaves no record of what it reached.
     ~DesktopProcess() {
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
+        for (int tenths = 0; pid_ > 0 && !Ended(); ++tenths) {
+            kill(pid_, tenths < 50 ? SIGINT : SIGKILL);
+            usleep(tenths == 0 ? 1000 : 100000);
         }
     }
     DesktopProcess(const DesktopProcess&) = delete;
@@ -65,6 +66,8 @@ class DesktopProcess {
     }
 
   private:
+    bool Ended() const { return waitpid(pid_, nullptr, WNOHANG) == pid_; }
+
     pid_t pid_ = 0;
     local_socket::Descriptor output_;
 };
@@ -161,6 +164,53 @@ TEST_F(Process, ReportsBadScenesInOneLine) {
     EXPECT_THAT(folder.Line(), HasSubstr("Is a directory"));
     EXPECT_EQ(folder.Wait(), 1);
     EXPECT_EQ(FilesLeft(), 0u);
+}
+
+TEST_F(Process, SaysReadyOnTheDescriptorThatItIsGiven) {
+    DesktopProcess second({Scene(json::object()), "--ready-fd", "2"});
+    EXPECT_EQ(second.Line(), "ready") << "the standard error stays open";
+    second.Signal(SIGINT);
+    EXPECT_EQ(second.Wait(), 0);
+
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    DesktopProcess third({Scene(json::object()), "--ready-fd", std::to_string(ends[1])});
+    close(ends[1]);
+    char text[16] = {};
+    EXPECT_EQ(read(ends[0], text, sizeof text), 6);
+    EXPECT_STREQ(text, "ready\n");
+    EXPECT_EQ(read(ends[0], text, sizeof text), 0) << "the descriptor is closed then";
+    close(ends[0]);
+
+    DesktopProcess fourth({Scene(json::object()), "--ready-fd", "77"});
+    EXPECT_EQ(fourth.Line(), "krt9-desktop: another desktop runs in this session already");
+}
+
+TEST_F(Process, EndsWhenItCannotSayThatItIsReady) {
+    DesktopProcess process({Scene(json::object()), "--ready-fd", "77"});
+    EXPECT_EQ(process.Line(), "krt9-desktop: cannot say that it is ready: Bad file descriptor");
+    EXPECT_EQ(process.Wait(), 1);
+    EXPECT_EQ(FilesLeft(), 0u);
+}
+
+TEST_F(Process, ComplainsOnceOfALogThatCannotBeWritten) {
+    DesktopProcess process({Scene(json::object()), "--log", "/dev/full"});
+    ASSERT_EQ(process.Line(), "ready");
+    SocketClient client;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(client.Run({{"command", "plug"}, {"device", {{"name", "x"}}}}));
+    }
+    process.Signal(SIGINT);
+    EXPECT_EQ(process.Line(), "krt9-desktop: /dev/full: No space left on device");
+    EXPECT_EQ(process.Line(), "");
+    EXPECT_EQ(process.Wait(), 1);
+}
+
+TEST_F(Process, RefusesASessionThatIsNoFolder) {
+    setenv("KRT9_SESSION_DIR", (session_.Path() + "/scene.json").c_str(), 1);
+    DesktopProcess process({Scene(json::object())});
+    EXPECT_THAT(process.Line(), HasSubstr("scene.json"));
+    EXPECT_EQ(process.Wait(), 1);
 }
 
 TEST_F(Process, ReportsAWrongCommandLine) {

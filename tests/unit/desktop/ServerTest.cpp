@@ -193,6 +193,45 @@ TEST_F(Serving, ManyClientsComeAndGo) {
     }
 }
 
+TEST_F(Serving, SecondHelloIsAnsweredLikeTheFirst) {
+    SocketClient client;
+    const Request hello;
+    EXPECT_TRUE(client.Ask(hello));
+    EXPECT_TRUE(client.Ask(hello));
+    client.Run({{"command", "activate"}, {"application", nullptr}});
+    EXPECT_FALSE(client.Receive(50)) << "the notification came before the reply, and once";
+}
+
+TEST_F(Serving, ServesTwoHundredClientsAndClosesTheNext) {
+    std::vector<std::unique_ptr<SocketClient>> clients;
+    for (int i = 0; i < 200; ++i) {
+        clients.push_back(std::make_unique<SocketClient>());
+        ASSERT_TRUE(clients.back()->Ask(Read("AXTitle"))) << i;
+    }
+    EXPECT_TRUE(SocketClient().Ended());
+    clients.pop_back();
+    EXPECT_TRUE(clients.front()->Ask(Read("AXTitle")));
+    bool served = false;
+    for (int attempt = 0; attempt < 100 && !served; ++attempt) {
+        served = SocketClient().Ask(Read("AXTitle")).has_value();
+    }
+    EXPECT_TRUE(served) << "there is room again";
+}
+
+TEST_F(Serving, ClientThatShutsItsSendingSideGetsItsAnswers) {
+    SocketClient client;
+    for (std::uint32_t i = 1; i <= 100; ++i) {
+        client.Send(i, Read("AXTitle"));
+    }
+    client.FinishSending();
+    for (std::uint32_t i = 1; i <= 100; ++i) {
+        const auto received = client.Receive();
+        ASSERT_TRUE(received) << i;
+        EXPECT_EQ(received->sequence, i);
+    }
+    EXPECT_TRUE(client.Ended());
+}
+
 TEST_F(Serving, StopIsAnsweredAndEndsTheServing) {
     SocketClient client;
     const auto reply = client.Run({{"command", "stop"}});

@@ -3,6 +3,7 @@
 
 #include <poll.h>
 #include <stdlib.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <chrono>
@@ -54,6 +55,8 @@ class SocketClient {
             status = writer_.Flush(descriptor_.get());
         }
     }
+
+    void FinishSending() { shutdown(descriptor_.get(), SHUT_WR); }
 
     struct Received {
         desktop_link::FrameKind kind;
