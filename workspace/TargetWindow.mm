@@ -25,7 +25,7 @@ class CurrentLanguage {
         }
         OwnedReference<CFStringRef> title(support_.CopyStringForKey(keyString.get()));
         if (support_.HasDictionary()) {
-            Retained(title.get()).release();  // borrowed from the dictionary
+            static_cast<void>(Retained(title.get()).release());  // borrowed from the dictionary
         }
         const bool isText = title && CFGetTypeID(title.get()) == CFStringGetTypeID();
         return isText ? std::move(title) : nullptr;
