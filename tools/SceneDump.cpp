@@ -7,6 +7,7 @@
 #include "scenes/notation/Names.h"
 #include "scenes/notation/SceneText.h"
 #include "tools/SceneValue.h"
+#include "tools/Text.h"
 #include "tools/TreeAttributes.h"
 
 namespace krt9ctl {
@@ -53,8 +54,11 @@ void SceneWriter::WriteApplication(const ApplicationFacts& facts) {
     if (facts.bundleIdentifier) {
         members.Add("bundleID", *facts.bundleIdentifier);
     }
-    if (const std::string name = TextAttribute(At(0), "AXTitle"); !name.empty()) {
-        members.Add("name", name);
+    // An empty name is written, too: a scene without one takes it from the bundle identifier.
+    const auto title = At(0).attributes.find("AXTitle");
+    const auto name = title == At(0).attributes.end() ? std::nullopt : Utf8Of(title->second.get());
+    if (name) {
+        members.Add("name", *name);
     }
     members.Add("pid", facts.pid);
     Json info = Json::object();

@@ -69,6 +69,8 @@ TEST(DesktopVerbs, KillAndHangShowInTheState) {
     Done({"hang", "com.apple.FinalCut"});
     EXPECT_EQ(State(session)["applications"][0]["hung"], true);
     Done({"unhang", "com.apple.FinalCut"});
+    Done({"hang", "com.apple.FinalCut", "--for", "2.5"});
+    Done({"advance", "2.6"});
     EXPECT_FALSE(State(session)["applications"][0].contains("hung"));
     Done({"kill", "org.example.Notes"});
     EXPECT_EQ(State(session)["applications"][1]["dead"], true);

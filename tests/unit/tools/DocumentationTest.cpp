@@ -66,6 +66,7 @@ TEST(Keys, AreListedForPeopleAndPrograms) {
 
 TEST(GrammarAsJson, HoldsEveryVerbWithItsParameters) {
     const Json grammar = Json::parse(Carried({"grammar"}).out);
+    EXPECT_EQ(Carried({"grammar"}, true).out, OneLine(grammar) + "\n");
     ASSERT_EQ(grammar["verbs"].size(), TheGrammar().verbs.size());
     for (std::size_t i = 0; i < grammar["verbs"].size(); ++i) {
         const Verb& verb = TheGrammar().verbs[i];

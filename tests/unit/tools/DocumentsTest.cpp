@@ -228,6 +228,14 @@ TEST(FishCompletion, OffersVerbsThenTheirWordsThenTheirOptions) {
                 ElementsAre("--play\tplay the scene's script from the start"));
 }
 
+TEST(Completions, QuoteWhatTheirShellsWouldTake) {
+    Completion completion{
+        .program = "x", .places = {{}}, .groups = {}, .valueOptions = {}, .fileOptions = {}};
+    completion.places.front().words.push_back({"a:b", "it's \\ so"});
+    EXPECT_THAT(WriteZshCompletion(completion), HasSubstr(R"('a\:b:it'\''s \ so')"));
+    EXPECT_THAT(WriteFishCompletion(completion), HasSubstr(R"(-a 'a:b' -d 'it\'s \\ so')"));
+}
+
 TEST(Documents, OfTheBuildAreUpToDate) {
     const auto folder = std::filesystem::path(KRT9_BINARIES).parent_path() / "documents";
     for (const Document& document : AllDocuments()) {
@@ -250,6 +258,8 @@ TEST(Documents, AreInstalledWithThePrograms) {
         RunProcess((target.Path() / "bin" / "krt9ctl").string(), {"--version"}).standardOutput,
         "krt9ctl 1.0.0\n");
     EXPECT_TRUE(std::filesystem::exists(target.Path() / "bin" / "krt9-desktop"));
+    EXPECT_THAT(RunProcess((target.Path() / "bin" / "krt9ctl").string(), {"ping"}).standardError,
+                HasSubstr("start it with KRT9Background.app/"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <sstream>
 #include <vector>
@@ -81,6 +82,12 @@ TEST_F(Driver, ThatDoesNotRunIsAnExitCodeOfItsOwn) {
                               session_.Path().string() +
                               "; start it with " KRT9_BINARIES
                               "/KRT9Background.app/Contents/MacOS/KRT9Background\n");
+}
+
+TEST_F(Driver, OfASessionThatOthersMayEnterIsNotAsked) {
+    std::filesystem::permissions(session_.Path(), std::filesystem::perms(0755));
+    EXPECT_EQ(Tell({"ping", "--json"}), ExitCode::failure);
+    EXPECT_THAT(out_.str(), HasSubstr(R"({"error":"failure","message":"ping: )"));
 }
 
 TEST_F(Driver, GetsTheRequestAndItsReplyIsPrinted) {

@@ -55,8 +55,14 @@ TEST(FullDisk, LeavesTheExitCodeOfAFailureAsItIs) {
     EXPECT_THAT(result.standardError, HasSubstr("no driver runs"));
 }
 
+// A closed descriptor's number must not go to a socket, which would then receive the output.
 TEST(ClosedOutput, IsAFailureAndNeverAnotherFile) {
-    const test_support::SessionFixture session;
+    Stage stage;
+    stage.StartDesktop(kScene);
+    stage.StartDriver();
+    for (const char* words : {"value 59", "desktop state", "dump"}) {
+        EXPECT_EQ(Shell(std::string("\"$0\" ") + words + " >&-").status, 1) << words;
+    }
     const auto result = Shell("\"$0\" --version >&-");
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.standardError, HasSubstr("the output cannot be written"));

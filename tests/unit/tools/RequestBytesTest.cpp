@@ -14,6 +14,7 @@ TEST(ElementVerbs, CarryTheElementsNumberLowByteFirst) {
     EXPECT_THAT(SentBy({"number", "59"}), ElementsAre("JESI 3b000000"));
     EXPECT_THAT(SentBy({"position", "128"}), ElementsAre("JElP 80000000"));
     EXPECT_THAT(SentBy({"parent-position", "989855744"}), ElementsAre("JEPp 0000003b"));
+    EXPECT_THAT(SentBy({"press", "0X3b"}), ElementsAre("JBtP 3b000000"));
     EXPECT_THAT(SentBy({"press", "0x3B"}), ElementsAre("JBtP 3b000000"));
     EXPECT_THAT(SentBy({"selected", "4294967295"}), ElementsAre("JGRV ffffffff"));
 }
@@ -129,6 +130,7 @@ TEST(Window, TitleIsUtf8AndTakenAsTyped) {
     EXPECT_THAT(SentBy({"window", "\xC3\x84"}), ElementsAre("JWiP 00000000c38400"));
     EXPECT_THAT(SentBy({"window", "[a,b]"}), ElementsAre("JWiP 000000005b612c625d00"));
     EXPECT_THAT(SentBy({"window", "{}"}), ElementsAre("JWiP 000000007b7d00"));
+    EXPECT_THAT(SentBy({"window", "\x1F[a]"}), ElementsAre("JWiP 000000001f5b615d00"));
     EXPECT_THAT(SentBy({"window", "press"}), ElementsAre("JWiP 00000000707265737300"));
     EXPECT_THAT(SentBy({"window", "--", "--json"}), ElementsAre("JWiP 000000002d2d6a736f6e00"));
     EXPECT_THAT(SentBy({"window", ""}), ElementsAre("JWiP 0000000000"));

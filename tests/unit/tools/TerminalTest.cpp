@@ -45,6 +45,8 @@ TEST(Wrapping, GoesOnUnderTheLastColumn) {
 TEST(Wrapping, LeavesAWordWholeThatFitsNowhere) {
     EXPECT_EQ(Wrapped("a indivisible b", 5), "a\nindivisible\nb");
     EXPECT_EQ(Wrapped("indivisible", 5), "indivisible");
+    EXPECT_EQ(Wrapped("    indivisible b", 5), "    indivisible\n    b");
+    EXPECT_EQ(Wrapped("ends with  ", 6), "ends\nwith  ");
 }
 
 TEST(Nearest, CountsLettersAddedLeftOutReplacedAndSwapped) {
@@ -82,6 +84,11 @@ TEST(Colour, IsForTerminalsThatCanShowIt) {
                 Not(HasSubstr("\x1B")));
 }
 
+TEST(Colour, IsNotForATerminalOfNoKind) {
+    EXPECT_THAT(OnTerminal({"/usr/bin/env", "-u", "TERM", kProgram, "juggle"}, 80, {}),
+                Not(HasSubstr("\x1B")));
+}
+
 TEST(Colour, IsNotForFilesAndPipes) {
     const auto result =
         test_support::RunProcess(kProgram, {"juggle"}, {{"TERM", "xterm"}, {"NO_COLOR", ""}});
@@ -102,6 +109,8 @@ TEST(Help, FitsTheTerminal) {
 
 TEST(Help, OfANarrowTerminalHasAtLeastFortyColumns) {
     EXPECT_EQ(OnTerminal({kProgram, "--help"}, 10, {}), OnTerminal({kProgram, "--help"}, 40, {}));
+    EXPECT_EQ(OnTerminal({kProgram, "--help"}, 0, {}), OnTerminal({kProgram, "--help"}, 80, {}))
+        << "of a terminal that does not tell";
 }
 
 // A driver whose run loop never looks: a request to it waits for its time-out.
@@ -116,6 +125,8 @@ TEST(Progress, AppearsOnATerminalWhenAWaitIsLongAndGoesAway) {
     EXPECT_THAT(
         shown, testing::MatchesRegex("\r\x1B\\[Kkrt9ctl: waiting for the driver \\(2 s\\)(.|\r|\n)*"
                                      "\r\x1B\\[Kkrt9ctl: 'JPth': (.|\r|\n)*"));
+    const auto two = OnTerminal({kProgram, "keystroke", "b", "--timeout", "1.3"}, 80, {});
+    EXPECT_THAT(two, HasSubstr("request 2 of 2 (2 s)"));
     const auto quick = OnTerminal({kProgram, "ping", "--timeout", "0.1"}, 80, {{"TERM", "dumb"}});
     EXPECT_THAT(quick, Not(HasSubstr("waiting")));
     const auto piped = test_support::RunProcess(kProgram, {"ping", "--timeout", "2.6"});

@@ -92,6 +92,17 @@ TEST_F(Watched, AnswersTheStatusQueryWithItsCounts) {
     EXPECT_THAT(out.str(), HasSubstr("Stus status query, answered: 2 units, 16 channels\n"));
 }
 
+TEST_F(Watched, AnswersButDoesNotPrintWhatComesAfterTheCount) {
+    Bytes reply;
+    const Soon soon([&reply] {
+        Send(kJFSC, {'A', 0});
+        reply = Send(kStus, {}, true);
+    });
+    EXPECT_EQ(Watch({"--count", "1", "--for", "10"}), ExitCode::ok);
+    EXPECT_EQ(reply.size(), 28U);
+    EXPECT_THAT(out.str(), testing::Not(HasSubstr("Stus")));
+}
+
 TEST_F(Watched, SurvivesEveryBody) {
     const Soon soon([] {
         Send(kJFSC, {});
