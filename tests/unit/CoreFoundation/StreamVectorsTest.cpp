@@ -156,6 +156,7 @@ TEST_F(ReadStream, KeepsTheErrorOfAFailedOpenWhenItIsClosed) {
     CFReadStreamClose(stream);
     EXPECT_EQ(CFReadStreamGetStatus(stream), kCFStreamStatusError);
     const CFErrorRef error = CFReadStreamCopyError(stream);
+    ASSERT_NE(error, nullptr);
     EXPECT_EQ(TaggedError(error), (json{{"domain", "NSPOSIXErrorDomain"}, {"code", ENOENT}}));
     CFRelease(error);
 }
