@@ -86,8 +86,8 @@ CVEK_UserSpaceDriver::~CVEK_UserSpaceDriver() {
     MIDISignOut();
 }
 
-// Deletes the object outright: the run loop lets the signal in only while it waits, so nothing
-// half-done is interrupted.
+// Deletes the object outright: the signal is let in only while the run loop waits, so nothing
+// half-done is interrupted (driver/Interrupts.h).
 void CVEK_UserSpaceDriver::SignalHandler(int) {
     delete sSelf;
     exit(0);

@@ -36,7 +36,9 @@ void CVEK_UserSpaceDriver::StopTimeoutCounter() {
 
 void CVEK_UserSpaceDriver::TimeoutCounterEntry(CFRunLoopTimerRef, void*) {
     if (sSelf != nullptr) {
-        sSelf->TimeoutCounter();
+        @autoreleasepool {
+            sSelf->TimeoutCounter();
+        }
     }
 }
 

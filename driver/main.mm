@@ -3,12 +3,14 @@
 #import <AppKit/AppKit.h>
 
 #include "driver/CVEK_UserSpaceDriver.h"
+#include "driver/Interrupts.h"
 #include "workspace/FrontApplication.h"
 
 int main(int, char**) {
     signal(SIGINT, CVEK_UserSpaceDriver::SignalHandler);
+    AllowInterruptsOnlyWhileWaiting();
     CVEK_UserSpaceDriver* driver = new CVEK_UserSpaceDriver;
-    @autoreleasepool {  // the run loop has not made its own yet
+    @autoreleasepool {
         CFWorkspace_StartObservingFrontApplication();
     }
     [[NSRunLoop currentRunLoop] run];

@@ -11,6 +11,7 @@
 #include <type_traits>
 
 #include "accessibility/ApplicationCall.h"
+#include "driver/AutoreleasePool.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "protocol/BoundedBytes.h"
 #include "protocol/MessageCodes.h"
@@ -129,6 +130,7 @@ void LogRefusedBody(const Request& request, std::size_t length, const BodyFault&
 
 CFDataRef CVEK_UserSpaceDriver::MessageCallbackEntry(CFMessagePortRef port, SInt32 msgid,
                                                      CFDataRef data, void* info) {
+    const AutoreleasePool pool;
     return sSelf == nullptr ? nullptr : sSelf->MessageCallback(port, msgid, data, info);
 }
 

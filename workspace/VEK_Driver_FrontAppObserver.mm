@@ -65,8 +65,10 @@ NSString* StringForKey(NSDictionary* dictionary, NSString* key) {
 }
 
 - (void)newFrontApp:(NSNotification*)notification {
-    self.frontAppChanged = YES;
-    [self collectFrontAppInfo:[[notification userInfo] objectForKey:NSWorkspaceApplicationKey]];
+    @autoreleasepool {
+        self.frontAppChanged = YES;
+        [self collectFrontAppInfo:[[notification userInfo] objectForKey:NSWorkspaceApplicationKey]];
+    }
 }
 
 - (void)collectFrontAppInfo:(NSRunningApplication*)app {

@@ -16,6 +16,7 @@ void FrontApplicationChanged();
 
 @interface NSWorkspace (Desktop)
 - (void)announceFrontApplication;
+- (NSRunningApplication*)currentFrontmostApplication;
 @end
 
 @implementation NSWorkspace
@@ -46,6 +47,11 @@ void FrontApplicationChanged();
 }
 
 - (NSRunningApplication*)frontmostApplication {
+    return [[[self currentFrontmostApplication] retain] autorelease];
+}
+
+// Borrowed.
+- (NSRunningApplication*)currentFrontmostApplication {
     const unsigned long revision = desktop_link::FrontApplicationRevision();
     if (revision != _frontRevision) {
         [_frontmostApplication release];
@@ -54,19 +60,23 @@ void FrontApplicationChanged();
             front ? [[NSRunningApplication alloc] initWithApplication:*front] : nil;
         _frontRevision = revision;
     }
-    return [[_frontmostApplication retain] autorelease];
+    return _frontmostApplication;
 }
 
-// Going to a state with nothing in front is no activation.
+// Going to a state with nothing in front is no activation. Nothing is autoreleased here: nobody may
+// drain it.
 - (void)announceFrontApplication {
-    NSRunningApplication* front = [self frontmostApplication];
-    if (front != nil) {
-        [_notificationCenter
-            postNotificationName:NSWorkspaceDidActivateApplicationNotification
-                          object:self
-                        userInfo:[NSDictionary dictionaryWithObject:front
-                                                             forKey:NSWorkspaceApplicationKey]];
+    NSRunningApplication* front = [self currentFrontmostApplication];
+    if (front == nil) {
+        return;
     }
+    NSDictionary* information = [[NSDictionary alloc] initWithObjects:&front
+                                                              forKeys:&NSWorkspaceApplicationKey
+                                                                count:1];
+    [_notificationCenter postNotificationName:NSWorkspaceDidActivateApplicationNotification
+                                       object:self
+                                     userInfo:information];
+    [information release];
 }
 
 @end
@@ -74,9 +84,7 @@ void FrontApplicationChanged();
 namespace {
 
 void FrontApplicationChanged() {
-    @autoreleasepool {
-        [[NSWorkspace sharedWorkspace] announceFrontApplication];
-    }
+    [[NSWorkspace sharedWorkspace] announceFrontApplication];
 }
 
 }  // namespace

@@ -3,11 +3,11 @@
 
 #include <cmath>
 
-#include "platform/CoreFoundation/InterruptHold.h"
 #include "platform/CoreFoundation/RunLoop.h"
 
 using core_foundation::Implementation;
 using core_foundation::Retained;
+using run_loop::Observer;
 using run_loop::RunLoop;
 using run_loop::SignalledSource;
 using run_loop::Source;
@@ -52,7 +52,6 @@ void CFRunLoopRun(void) {
 
 CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds,
                                       Boolean returnAfterSourceHandled) {
-    run_loop::HoldInterrupts();
     return RunLoop::Current().Run(mode, seconds, returnAfterSourceHandled != 0);
 }
 
@@ -79,16 +78,32 @@ Boolean CFRunLoopContainsSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRu
 }
 
 void CFRunLoopAddTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode) {
-    Implementation<RunLoop>(rl, __func__).AddTimer(Implementation<Timer>(timer, __func__), mode);
+    Implementation<RunLoop>(rl, __func__).AddItem(Implementation<Timer>(timer, __func__), mode);
 }
 
 void CFRunLoopRemoveTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode) {
-    Implementation<RunLoop>(rl, __func__).RemoveTimer(Implementation<Timer>(timer, __func__), mode);
+    Implementation<RunLoop>(rl, __func__).RemoveItem(Implementation<Timer>(timer, __func__), mode);
 }
 
 Boolean CFRunLoopContainsTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode) {
     return Implementation<RunLoop>(rl, __func__)
-        .ContainsTimer(Implementation<Timer>(timer, __func__), mode);
+        .ContainsItem(Implementation<Timer>(timer, __func__), mode);
+}
+
+void CFRunLoopAddObserver(CFRunLoopRef rl, CFRunLoopObserverRef observer, CFRunLoopMode mode) {
+    Implementation<RunLoop>(rl, __func__)
+        .AddItem(Implementation<Observer>(observer, __func__), mode);
+}
+
+void CFRunLoopRemoveObserver(CFRunLoopRef rl, CFRunLoopObserverRef observer, CFRunLoopMode mode) {
+    Implementation<RunLoop>(rl, __func__)
+        .RemoveItem(Implementation<Observer>(observer, __func__), mode);
+}
+
+Boolean CFRunLoopContainsObserver(CFRunLoopRef rl, CFRunLoopObserverRef observer,
+                                  CFRunLoopMode mode) {
+    return Implementation<RunLoop>(rl, __func__)
+        .ContainsItem(Implementation<Observer>(observer, __func__), mode);
 }
 
 CFTypeID CFRunLoopSourceGetTypeID(void) {
@@ -120,6 +135,31 @@ void CFRunLoopSourceInvalidate(CFRunLoopSourceRef source) {
 Boolean CFRunLoopSourceIsValid(CFRunLoopSourceRef source) {
     const std::lock_guard lock(run_loop::StructureMutex());
     return Implementation<Source>(source, __func__).IsValid();
+}
+
+CFTypeID CFRunLoopObserverGetTypeID(void) {
+    static const CFTypeID type = core_foundation::RegisterType("CFRunLoopObserver");
+    return type;
+}
+
+CFRunLoopObserverRef CFRunLoopObserverCreate(CFAllocatorRef, CFOptionFlags activities,
+                                             Boolean repeats, CFIndex order,
+                                             CFRunLoopObserverCallBack callout,
+                                             CFRunLoopObserverContext* context) {
+    return Retained<Observer>::Adopt(
+               new Observer(activities, repeats != 0, order, callout,
+                            context != nullptr ? *context : CFRunLoopObserverContext{}))
+        .HandOver()
+        ->Ref();
+}
+
+void CFRunLoopObserverInvalidate(CFRunLoopObserverRef observer) {
+    const Retained keep(&Implementation<Observer>(observer, __func__));
+    keep->Invalidate();
+}
+
+Boolean CFRunLoopObserverIsValid(CFRunLoopObserverRef observer) {
+    return Implementation<Observer>(observer, __func__).IsValid();
 }
 
 CFTypeID CFRunLoopTimerGetTypeID(void) {

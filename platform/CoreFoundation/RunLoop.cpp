@@ -7,8 +7,6 @@
 
 #include <algorithm>
 
-#include "platform/CoreFoundation/InterruptHold.h"
-
 namespace run_loop {
 namespace {
 
@@ -21,6 +19,11 @@ Retained<T> TakeOut(std::vector<Retained<T>>& items, const T& item) {
     Retained<T> taken = std::move(*found);
     items.erase(found);
     return taken;
+}
+
+bool OnMainThread() {
+    thread_local const bool isMain = getpid() == gettid();
+    return isMain;
 }
 
 template <typename T>
@@ -56,10 +59,7 @@ RunLoop::RunLoop(bool isMain, pid_t thread)
 RunLoop::~RunLoop() = default;
 
 RunLoop& RunLoop::Main() {
-    static RunLoop& loop = []() -> RunLoop& {
-        HoldInterrupts();
-        return *new RunLoop(true, getpid());
-    }();
+    static RunLoop& loop = *new RunLoop(true, getpid());
     return loop;
 }
 
@@ -81,7 +81,10 @@ void RunLoop::Finalize() {
             RemoveSource(*mode->sources.back(), mode->name);
         }
         while (!mode->timers.empty()) {
-            RemoveTimer(*mode->timers.back(), mode->name);
+            RemoveItem(*mode->timers.back(), mode->name);
+        }
+        while (!mode->observers.empty()) {
+            RemoveItem(*mode->observers.back(), mode->name);
         }
     }
 }
@@ -125,11 +128,25 @@ bool RunLoop::Insert(Source& source, Mode& mode) {
     return true;
 }
 
-void RunLoop::Insert(Timer& timer, Mode& mode) {
-    if (!Contains(mode.timers, timer)) {
-        mode.timers.emplace_back(&timer);
-        timer.loop = this;
-        timer.modes.push_back(&mode);
+void RunLoop::Place(Timer& timer, Mode& mode) {
+    mode.timers.emplace_back(&timer);
+}
+
+// The lower the order, the earlier it is told; of equal ones the earlier added.
+void RunLoop::Place(Observer& observer, Mode& mode) {
+    const auto place =
+        std::upper_bound(mode.observers.begin(), mode.observers.end(), observer.Order(),
+                         [](CFIndex order, const auto& other) { return order < other->Order(); });
+    mode.observers.emplace(place, &observer);
+}
+
+template <typename Item>
+void RunLoop::Insert(Item& item, Mode& mode) {
+    if (!Contains(mode.Items<Item>(), item)) {
+        Place(item, mode);
+        ++mode.revision;
+        item.loop = this;
+        item.modes.push_back(&mode);
     }
 }
 
@@ -155,17 +172,19 @@ void RunLoop::AddSource(Source& source, CFRunLoopMode modeName) {
     WakeUp();
 }
 
-void RunLoop::AddTimer(Timer& timer, CFRunLoopMode modeName) {
+template <typename Item>
+void RunLoop::AddItem(Item& item, CFRunLoopMode modeName) {
     {
         const std::lock_guard lock(StructureMutex());
-        if (!timer.IsValid() || (timer.loop != nullptr && timer.loop != this)) {
+        if (!item.IsValid() || (item.loop != nullptr && item.loop != this)) {
             return;
         }
-        if (IsCommonModes(modeName) && !Contains(commonTimers_, timer)) {
-            commonTimers_.emplace_back(&timer);
+        if (auto& common = CommonItems<Item>();
+            IsCommonModes(modeName) && !Contains(common, item)) {
+            common.emplace_back(&item);
         }
         for (Mode* mode : ModesFor(modeName)) {
-            Insert(timer, *mode);
+            Insert(item, *mode);
         }
     }
     WakeUp();
@@ -193,22 +212,23 @@ void RunLoop::RemoveSource(Source& source, CFRunLoopMode modeName) {
     }
 }
 
-void RunLoop::RemoveTimer(Timer& timer, CFRunLoopMode modeName) {
-    std::vector<Retained<Timer>> withdrawn;  // released after the mutex
+template <typename Item>
+void RunLoop::RemoveItem(Item& item, CFRunLoopMode modeName) {
+    std::vector<Retained<Item>> withdrawn;  // released after the mutex
     const std::lock_guard lock(StructureMutex());
-    if (timer.loop != this) {
+    if (item.loop != this) {
         return;
     }
     if (IsCommonModes(modeName)) {
-        withdrawn.push_back(WithdrawCommonItem(timer));
+        withdrawn.push_back(WithdrawCommonItem(item));
     }
     for (Mode* mode : ModesFor(modeName)) {
-        withdrawn.push_back(Withdraw(timer, *mode));
-        std::erase(timer.modes, mode);
+        withdrawn.push_back(Withdraw(item, *mode));
+        std::erase(item.modes, mode);
     }
-    if (timer.modes.empty()) {
-        withdrawn.push_back(WithdrawCommonItem(timer));
-        timer.loop = nullptr;
+    if (item.modes.empty()) {
+        withdrawn.push_back(WithdrawCommonItem(item));
+        item.loop = nullptr;
     }
 }
 
@@ -220,16 +240,22 @@ Retained<Source> RunLoop::Withdraw(Source& source, Mode& mode) {
     return taken;
 }
 
-Retained<Timer> RunLoop::Withdraw(Timer& timer, Mode& mode) {
-    return TakeOut(mode.timers, timer);
+template <typename Item>
+Retained<Item> RunLoop::Withdraw(Item& item, Mode& mode) {
+    auto taken = TakeOut(mode.Items<Item>(), item);
+    if (taken) {
+        ++mode.revision;
+    }
+    return taken;
 }
 
 Retained<Source> RunLoop::WithdrawCommonItem(Source& source) {
     return TakeOut(commonSources_, source);
 }
 
-Retained<Timer> RunLoop::WithdrawCommonItem(Timer& timer) {
-    return TakeOut(commonTimers_, timer);
+template <typename Item>
+Retained<Item> RunLoop::WithdrawCommonItem(Item& item) {
+    return TakeOut(CommonItems<Item>(), item);
 }
 
 bool RunLoop::ContainsSource(const Source& source, CFRunLoopMode modeName) {
@@ -241,13 +267,14 @@ bool RunLoop::ContainsSource(const Source& source, CFRunLoopMode modeName) {
     return mode != nullptr && Contains(mode->sources, source);
 }
 
-bool RunLoop::ContainsTimer(const Timer& timer, CFRunLoopMode modeName) {
+template <typename Item>
+bool RunLoop::ContainsItem(const Item& item, CFRunLoopMode modeName) {
     const std::lock_guard lock(StructureMutex());
     if (IsCommonModes(modeName)) {
-        return Contains(commonTimers_, timer);
+        return Contains(CommonItems<Item>(), item);
     }
-    const Mode* mode = FindMode(modeName);
-    return mode != nullptr && Contains(mode->timers, timer);
+    Mode* mode = FindMode(modeName);
+    return mode != nullptr && Contains(mode->Items<Item>(), item);
 }
 
 void RunLoop::AddCommonMode(CFRunLoopMode modeName) {
@@ -268,11 +295,25 @@ void RunLoop::AddCommonMode(CFRunLoopMode modeName) {
         for (const auto& timer : commonTimers_) {
             Insert(*timer, added);
         }
+        for (const auto& observer : commonObservers_) {
+            Insert(*observer, added);
+        }
     }
     for (const auto& source : entered) {
         source->Scheduled(*this, mode->name);
     }
     WakeUp();
 }
+
+template void RunLoop::AddItem(Timer&, CFRunLoopMode);
+template void RunLoop::AddItem(Observer&, CFRunLoopMode);
+template void RunLoop::RemoveItem(Timer&, CFRunLoopMode);
+template void RunLoop::RemoveItem(Observer&, CFRunLoopMode);
+template bool RunLoop::ContainsItem(const Timer&, CFRunLoopMode);
+template bool RunLoop::ContainsItem(const Observer&, CFRunLoopMode);
+template Retained<Timer> RunLoop::Withdraw(Timer&, Mode&);
+template Retained<Observer> RunLoop::Withdraw(Observer&, Mode&);
+template Retained<Timer> RunLoop::WithdrawCommonItem(Timer&);
+template Retained<Observer> RunLoop::WithdrawCommonItem(Observer&);
 
 }  // namespace run_loop

@@ -9,9 +9,11 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
+#include "platform/CoreFoundation/RunLoopObserver.h"
 #include "platform/CoreFoundation/RunLoopPoller.h"
 #include "platform/CoreFoundation/RunLoopSource.h"
 #include "platform/CoreFoundation/RunLoopTimer.h"
@@ -37,10 +39,21 @@ struct Mode {
     CFRunLoopMode name;  // owned copy
     bool common = false;
     std::vector<Retained<Timer>> timers;
+    std::vector<Retained<Observer>> observers;  // in the order in which they are told
     std::vector<Retained<Source>> sources;
     std::unordered_map<std::uint64_t, DescriptorSource*> watchers;  // by the token of the watch
     Poller poller;
     bool workedOffBacklog = false;
+    std::atomic<unsigned long> revision = 0;  // of timers and observers: counts every change
+
+    template <typename Item>
+    auto& Items() {
+        if constexpr (std::is_same_v<Item, Timer>) {
+            return timers;
+        } else {
+            return observers;
+        }
+    }
 };
 
 class RunLoop final : public core_foundation::Object {
@@ -69,16 +82,22 @@ class RunLoop final : public core_foundation::Object {
     void AddSource(Source& source, CFRunLoopMode modeName);
     void RemoveSource(Source& source, CFRunLoopMode modeName);
     bool ContainsSource(const Source& source, CFRunLoopMode modeName);
-    void AddTimer(Timer& timer, CFRunLoopMode modeName);
-    void RemoveTimer(Timer& timer, CFRunLoopMode modeName);
-    bool ContainsTimer(const Timer& timer, CFRunLoopMode modeName);
+    // An item is a Timer or an Observer; it belongs to one loop.
+    template <typename Item>
+    void AddItem(Item& item, CFRunLoopMode modeName);
+    template <typename Item>
+    void RemoveItem(Item& item, CFRunLoopMode modeName);
+    template <typename Item>
+    bool ContainsItem(const Item& item, CFRunLoopMode modeName);
 
-    // For a source or a timer that becomes invalid. The mutex is held; what the loop retained is
+    // For a source or an item that becomes invalid. The mutex is held; what the loop retained is
     // handed over, to be released without it.
     Retained<Source> Withdraw(Source& source, Mode& mode);
-    Retained<Timer> Withdraw(Timer& timer, Mode& mode);
     Retained<Source> WithdrawCommonItem(Source& source);
-    Retained<Timer> WithdrawCommonItem(Timer& timer);
+    template <typename Item>
+    Retained<Item> Withdraw(Item& item, Mode& mode);
+    template <typename Item>
+    Retained<Item> WithdrawCommonItem(Item& item);
 
   private:
     // One run that is under way. Runs nest.
@@ -98,8 +117,23 @@ class RunLoop final : public core_foundation::Object {
     Mode* FindMode(CFRunLoopMode name);
     bool IsEmpty(const Mode& mode) const;
     bool Insert(Source& source, Mode& mode);
-    void Insert(Timer& timer, Mode& mode);
+    template <typename Item>
+    void Insert(Item& item, Mode& mode);
+    static void Place(Timer& timer, Mode& mode);
+    static void Place(Observer& observer, Mode& mode);
+    template <typename Item>
+    auto& CommonItems() {
+        if constexpr (std::is_same_v<Item, Timer>) {
+            return commonTimers_;
+        } else {
+            return commonObservers_;
+        }
+    }
     std::vector<Mode*> ModesFor(CFRunLoopMode name);
+
+    // A run's passes until it is over.
+    CFRunLoopRunResult RunPasses(Mode& mode, const Activation& activation, CFTimeInterval seconds,
+                                 bool returnAfterSourceHandled);
 
     // One pass; the answer is whether a source was handled.
     bool Pass(Mode& mode, Instant deadline, bool poll, bool onlyOneSource);
@@ -110,7 +144,16 @@ class RunLoop final : public core_foundation::Object {
     void FireTimers(Mode& mode);
     bool PerformReady(Mode& mode, const Poller::Readiness& readiness);
     static bool PerformBacklog(DescriptorSource& source);
-    std::optional<Poller::Readiness> Wait(Mode& mode, Instant deadline, bool poll);
+    // Waits, and tells the observers before and afterwards.
+    std::optional<Poller::Readiness> Wait(Mode& mode, Instant deadline);
+    std::optional<Poller::Readiness> WaitUntil(Mode& mode, Instant until);
+
+    // The observers of the mode that are to be told, in their order. The mutex is not held.
+    using Observers = std::vector<Retained<Observer>>;
+    static Observers ObserversOf(const Mode& mode, CFRunLoopActivity activity);
+    static void Tell(const Observers& observers, CFRunLoopActivity activity);
+    static void TellObservers(const Mode& mode, CFRunLoopActivity activity);
+
     static Retained<DescriptorSource> SourceWithBacklog(const Mode& mode);
     static Instant NextTimer(const Mode& mode);
 
@@ -121,6 +164,7 @@ class RunLoop final : public core_foundation::Object {
     std::vector<std::unique_ptr<Mode>> modes_;
     std::vector<Retained<Source>> commonSources_;
     std::vector<Retained<Timer>> commonTimers_;
+    std::vector<Retained<Observer>> commonObservers_;
     std::vector<Activation*> activations_;
 };
 

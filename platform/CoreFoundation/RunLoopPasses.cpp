@@ -1,5 +1,6 @@
 // How a run loop runs. One pass performs the signalled sources, waits, fires the timers that became
-// due, performs what became ready, and then asks whether the run is over.
+// due, performs what became ready, and then asks whether the run is over. Observers are told before
+// each of these steps as Core Foundation tells them.
 #include <CoreFoundation/CFString.h>
 #include <sys/eventfd.h>
 
@@ -40,10 +41,19 @@ CFRunLoopRunResult RunLoop::Run(CFRunLoopMode modeName, CFTimeInterval seconds,
     const RunningGuard running(*this, activation);
     lock.unlock();
 
+    TellObservers(*mode, kCFRunLoopEntry);
+    const CFRunLoopRunResult result =
+        RunPasses(*mode, activation, seconds, returnAfterSourceHandled);
+    TellObservers(*mode, kCFRunLoopExit);
+    return result;
+}
+
+CFRunLoopRunResult RunLoop::RunPasses(Mode& mode, const Activation& activation,
+                                      CFTimeInterval seconds, bool returnAfterSourceHandled) {
     const bool once = !(seconds > 0);
     const Instant deadline = once ? Now() : Later(Now(), Nanoseconds(seconds));
     for (;;) {
-        const bool handled = Pass(*mode, deadline, once, returnAfterSourceHandled);
+        const bool handled = Pass(mode, deadline, once, returnAfterSourceHandled);
         if (handled && returnAfterSourceHandled) {
             return kCFRunLoopRunHandledSource;
         }
@@ -54,7 +64,7 @@ CFRunLoopRunResult RunLoop::Run(CFRunLoopMode modeName, CFTimeInterval seconds,
         if (activation.stopped) {
             return kCFRunLoopRunStopped;
         }
-        if (IsEmpty(*mode)) {
+        if (IsEmpty(mode)) {
             return kCFRunLoopRunFinished;
         }
     }
@@ -70,15 +80,21 @@ void RunLoop::RunUntil(CFRunLoopMode modeName, Instant deadline,
     Activation activation{&mode};
     const RunningGuard running(*this, activation);
     lock.unlock();
-    while (!done()) {
-        Pass(mode, deadline, deadline <= Now(), true);
-        if (deadline <= Now()) {
-            return;
+    bool over = done();
+    while (!over) {
+        TellObservers(mode, kCFRunLoopEntry);
+        bool handled = false;
+        while (!handled && !over) {
+            handled = Pass(mode, deadline, deadline <= Now(), true);
+            over = done() || deadline <= Now();
         }
+        TellObservers(mode, kCFRunLoopExit);
     }
 }
 
 bool RunLoop::Pass(Mode& mode, Instant deadline, bool poll, bool onlyOneSource) {
+    TellObservers(mode, kCFRunLoopBeforeTimers);
+    TellObservers(mode, kCFRunLoopBeforeSources);
     const bool signalled = PerformSignalledSources(mode, onlyOneSource);
     const bool ready = WaitAndPerform(mode, deadline, poll || signalled);
     return signalled || ready;
@@ -114,7 +130,7 @@ bool RunLoop::PerformSignalledSources(Mode& mode, bool onlyOne) {
                 continue;
             }
         }
-        core_foundation::WithAutoreleasePool([&] { source->Perform(); });
+        core_foundation::CallOut([&] { source->Perform(); });
         handled = true;
         if (onlyOne) {
             break;
@@ -123,28 +139,39 @@ bool RunLoop::PerformSignalledSources(Mode& mode, bool onlyOne) {
     return handled;
 }
 
-// A backlog and ready descriptors take turns, so that neither keeps the other waiting.
+// A backlog and ready descriptors take turns, so that neither keeps the other waiting. A pass with
+// a backlog goes to wait like any other, as it would for a message that lies in a Mach port.
 bool RunLoop::WaitAndPerform(Mode& mode, Instant deadline, bool poll) {
-    auto backlogged = SourceWithBacklog(mode);
-    if (backlogged && !mode.workedOffBacklog) {
-        mode.workedOffBacklog = true;
-        FireTimers(mode);
-        return PerformBacklog(*backlogged);
-    }
-    mode.workedOffBacklog = false;
-    const auto readiness = Wait(mode, deadline, poll || backlogged);
+    const auto backlogged = SourceWithBacklog(mode);
+    const Instant until = backlogged ? Now() : deadline;
+    mode.workedOffBacklog = backlogged && !mode.workedOffBacklog;
+    std::optional<Poller::Readiness> readiness = poll ? mode.poller.Wait(0) : Wait(mode, until);
     FireTimers(mode);
-    if (readiness) {
+    if (readiness && !mode.workedOffBacklog) {
         return PerformReady(mode, *readiness);
     }
     return backlogged && PerformBacklog(*backlogged);
 }
 
-std::optional<Poller::Readiness> RunLoop::Wait(Mode& mode, Instant deadline, bool poll) {
-    if (poll) {
-        return mode.poller.Wait(0);
+// From the return of the last observer before the wait to the call of the first one after it, this
+// takes no lock, no memory and gives none back: an observer may have let a signal in whose handler
+// uses the loop.
+std::optional<Poller::Readiness> RunLoop::Wait(Mode& mode, Instant deadline) {
+    const Observers before = ObserversOf(mode, kCFRunLoopBeforeWaiting);
+    Observers after = ObserversOf(mode, kCFRunLoopAfterWaiting);
+    Instant until = std::min(deadline, NextTimer(mode));
+    const unsigned long revision = mode.revision;
+    Tell(before, kCFRunLoopBeforeWaiting);
+    if (mode.revision != revision) {
+        after = ObserversOf(mode, kCFRunLoopAfterWaiting);
+        until = std::min(deadline, NextTimer(mode));
     }
-    const Instant until = std::min(deadline, NextTimer(mode));
+    const auto readiness = WaitUntil(mode, until);
+    Tell(after, kCFRunLoopAfterWaiting);
+    return readiness;
+}
+
+std::optional<Poller::Readiness> RunLoop::WaitUntil(Mode& mode, Instant until) {
     if (TestClockInstalled() && until != kNever) {
         const auto readiness = mode.poller.Wait(0);
         if (!readiness) {
@@ -156,6 +183,24 @@ std::optional<Poller::Readiness> RunLoop::Wait(Mode& mode, Instant deadline, boo
     const auto readiness = mode.poller.Wait(until == kNever ? kNever : until - Now());
     waiting_ = false;
     return readiness;
+}
+
+RunLoop::Observers RunLoop::ObserversOf(const Mode& mode, CFRunLoopActivity activity) {
+    Observers interested;
+    const std::lock_guard lock(StructureMutex());
+    std::copy_if(mode.observers.begin(), mode.observers.end(), std::back_inserter(interested),
+                 [activity](const auto& observer) { return observer->Wants(activity); });
+    return interested;
+}
+
+void RunLoop::Tell(const Observers& observers, CFRunLoopActivity activity) {
+    for (const auto& observer : observers) {
+        observer->Call(activity);
+    }
+}
+
+void RunLoop::TellObservers(const Mode& mode, CFRunLoopActivity activity) {
+    Tell(ObserversOf(mode, activity), activity);
 }
 
 Instant RunLoop::NextTimer(const Mode& mode) {
@@ -208,8 +253,7 @@ bool RunLoop::PerformReady(Mode& mode, const Poller::Readiness& readiness) {
         }
     }
     bool handled = false;
-    core_foundation::WithAutoreleasePool(
-        [&] { handled = source->Perform(descriptor, readiness.events); });
+    core_foundation::CallOut([&] { handled = source->Perform(descriptor, readiness.events); });
     return handled;
 }
 
@@ -234,7 +278,7 @@ bool RunLoop::PerformBacklog(DescriptorSource& source) {
         }
     }
     bool handled = false;
-    core_foundation::WithAutoreleasePool([&] { handled = source.Perform(-1, 0); });
+    core_foundation::CallOut([&] { handled = source.Perform(-1, 0); });
     return handled;
 }
 

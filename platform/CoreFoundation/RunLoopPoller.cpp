@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <ctime>
 
-#include "platform/CoreFoundation/InterruptHold.h"
-
 namespace run_loop {
 namespace {
 
@@ -48,18 +46,12 @@ std::optional<Poller::Readiness> Poller::Wait(std::int64_t longest) {
     const Span span(longest);
     if (!epoll_) {
         // The process had no descriptor left for this mode: its timers go on all the same.
-        ppoll(nullptr, 0, span.Get(), WaitMask());
+        ppoll(nullptr, 0, span.Get(), nullptr);
         return std::nullopt;
     }
     epoll_event event{};
-    if (epoll_pwait2(epoll_.get(), &event, 1, span.Get(), WaitMask()) == 1) {
-        LetInterruptsThroughIfStarved();
+    if (epoll_pwait2(epoll_.get(), &event, 1, span.Get(), nullptr) == 1) {
         return Readiness{event.data.u64, event.events};
-    }
-    if (longest > 0) {
-        InterruptsWereLetThrough();
-    } else {
-        LetInterruptsThroughIfStarved();
     }
     return std::nullopt;
 }
@@ -69,7 +61,7 @@ bool WaitUntilWritable(int socket, Instant deadline) {
         pollfd wanted{socket, POLLOUT, 0};
         const bool standsStill = TestClockInstalled() && deadline != kNever;
         const Span span(standsStill ? 0 : deadline == kNever ? kNever : deadline - Now());
-        if (ppoll(&wanted, 1, span.Get(), WaitMask()) == 1) {
+        if (ppoll(&wanted, 1, span.Get(), nullptr) == 1) {
             return true;
         }
         if (standsStill) {
@@ -79,6 +71,15 @@ bool WaitUntilWritable(int socket, Instant deadline) {
             return false;
         }
     }
+}
+
+void Sleep(Instant until, Instant last) {
+    if (TestClockInstalled() && last != kNever) {
+        AdvanceTestClockTo(last);
+        return;
+    }
+    const Span span(until - Now());
+    ppoll(nullptr, 0, span.Get(), nullptr);
 }
 
 }  // namespace run_loop

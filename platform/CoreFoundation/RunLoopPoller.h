@@ -26,7 +26,7 @@ class Poller {
 
     // Waits until a descriptor is ready, at most `longest` nanoseconds (kNever: for ever), and
     // answers the one that has been ready for longest. Nothing when the time is over or a signal
-    // arrived. On the main thread SIGINT is let through (see InterruptHold.h).
+    // arrived.
     std::optional<Readiness> Wait(std::int64_t longest);
 
   private:
@@ -36,5 +36,8 @@ class Poller {
 // Waits until the socket can be written to; false when it cannot at `deadline`. Runs nothing
 // meanwhile. With a test clock the time passes at once.
 bool WaitUntilWritable(int socket, Instant deadline);
+
+// Lets the time pass until `until`; with a test clock, until `last` at once.
+void Sleep(Instant until, Instant last);
 
 }  // namespace run_loop

@@ -4,6 +4,7 @@
 
 #include "platform/CoreFoundation/AutoreleasePool.h"
 #include "platform/CoreFoundation/RunLoop.h"
+#include "platform/Testing/Variants.h"
 
 namespace run_loop {
 
@@ -61,11 +62,12 @@ void Timer::FireIfDue(const Mode& mode, Instant now) {
     }
     const Firing firing(*this);
     lock.unlock();
-    core_foundation::WithAutoreleasePool([&] {
+    core_foundation::CallOut([&] {
         // The callback may invalidate the timer and still use what its info points to.
         if (context_.retain != nullptr) {
             context_.retain(context_.info);
         }
+        platform_testing::InterruptOnce(platform_testing::Variant::interruptInTick);
         callout_(Ref(), context_.info);
         if (context_.release != nullptr) {
             context_.release(context_.info);

@@ -4,9 +4,9 @@
 
 #include <utility>
 
-#include "platform/CoreFoundation/InterruptHold.h"
 #include "platform/CoreFoundation/MessagePort/MessageData.h"
 #include "platform/CoreFoundation/MessagePort/PortTable.h"
+#include "platform/Testing/Variants.h"
 
 namespace message_port {
 namespace {
@@ -52,8 +52,6 @@ Retained<LocalPort> LocalPort::Find(const std::string& name) {
 
 Retained<LocalPort> LocalPort::Create(std::string name, CFMessagePortCallBack callback,
                                       const CFMessagePortContext* context) {
-    // A handler that ends the program before a run loop serves the port would leave its socket.
-    run_loop::HoldInterrupts();
     std::optional<local_socket::Listener> listener;
     if (!name.empty()) {
         bool taken = false;
@@ -64,8 +62,10 @@ Retained<LocalPort> LocalPort::Create(std::string name, CFMessagePortCallBack ca
             return {};
         }
     }
-    return Retained<LocalPort>::Adopt(
+    auto port = Retained<LocalPort>::Adopt(
         new LocalPort(std::move(name), std::move(listener), callback, context));
+    platform_testing::InterruptOnce(platform_testing::Variant::interruptAfterPort);
+    return port;
 }
 
 LocalPort::LocalPort(std::string name, std::optional<local_socket::Listener> listener,

@@ -9,6 +9,7 @@ using CFRunLoopMode = CFStringRef;
 using CFRunLoopRef = struct __CFRunLoop*;
 using CFRunLoopSourceRef = struct __CFRunLoopSource*;
 using CFRunLoopTimerRef = struct __CFRunLoopTimer*;
+using CFRunLoopObserverRef = struct __CFRunLoopObserver*;
 
 enum CFRunLoopRunResult : SInt32 {
     kCFRunLoopRunFinished = 1,  // nothing to wait for in the mode
@@ -37,6 +38,28 @@ struct CFRunLoopTimerContext {
     void (*release)(const void* info);
     CFStringRef (*copyDescription)(const void* info);
 };
+
+struct CFRunLoopObserverContext {
+    CFIndex version;  // 0
+    void* info;
+    const void* (*retain)(const void* info);
+    void (*release)(const void* info);
+    CFStringRef (*copyDescription)(const void* info);
+};
+
+// What a run loop is about to do, or has just done.
+enum CFRunLoopActivity : CFOptionFlags {
+    kCFRunLoopEntry = 1UL << 0,
+    kCFRunLoopBeforeTimers = 1UL << 1,
+    kCFRunLoopBeforeSources = 1UL << 2,
+    kCFRunLoopBeforeWaiting = 1UL << 5,
+    kCFRunLoopAfterWaiting = 1UL << 6,
+    kCFRunLoopExit = 1UL << 7,
+    kCFRunLoopAllActivities = 0x0FFFFFFFU,
+};
+
+using CFRunLoopObserverCallBack = void (*)(CFRunLoopObserverRef observer,
+                                           CFRunLoopActivity activity, void* info);
 
 using CFRunLoopTimerCallBack = void (*)(CFRunLoopTimerRef timer, void* info);
 
@@ -74,6 +97,23 @@ Boolean CFRunLoopContainsSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRu
 void CFRunLoopAddTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode);
 void CFRunLoopRemoveTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode);
 Boolean CFRunLoopContainsTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode);
+// Like a timer, an observer belongs to one run loop.
+void CFRunLoopAddObserver(CFRunLoopRef rl, CFRunLoopObserverRef observer, CFRunLoopMode mode);
+void CFRunLoopRemoveObserver(CFRunLoopRef rl, CFRunLoopObserverRef observer, CFRunLoopMode mode);
+Boolean CFRunLoopContainsObserver(CFRunLoopRef rl, CFRunLoopObserverRef observer,
+                                  CFRunLoopMode mode);
+
+// Called for the activities whose bits are set, the lower its order the earlier; never inside its
+// own callback. One that does not repeat is invalid after its first call. A pass that only looks
+// (a run of 0 seconds, or one that has performed a signalled source) does not wait and tells
+// nobody of waiting. Observers alone do not keep a run going.
+CFTypeID CFRunLoopObserverGetTypeID(void);
+CFRunLoopObserverRef CFRunLoopObserverCreate(CFAllocatorRef allocator, CFOptionFlags activities,
+                                             Boolean repeats, CFIndex order,
+                                             CFRunLoopObserverCallBack callout,
+                                             CFRunLoopObserverContext* context);
+void CFRunLoopObserverInvalidate(CFRunLoopObserverRef observer);
+Boolean CFRunLoopObserverIsValid(CFRunLoopObserverRef observer);
 
 // A version-0 source: performed by the next pass of its loop after it is signalled. Signalling does
 // not wake the loop. The lower the order, the earlier among the signalled ones.

@@ -32,6 +32,24 @@ static_assert(
     kIs<decltype(CFRunLoopAddTimer), void(CFRunLoopRef, CFRunLoopTimerRef, CFRunLoopMode)>);
 static_assert(
     kIs<decltype(CFRunLoopRemoveTimer), void(CFRunLoopRef, CFRunLoopTimerRef, CFRunLoopMode)>);
+static_assert(
+    kIs<CFRunLoopObserverCallBack, void (*)(CFRunLoopObserverRef, CFRunLoopActivity, void*)>);
+static_assert(
+    kIs<decltype(CFRunLoopAddObserver), void(CFRunLoopRef, CFRunLoopObserverRef, CFRunLoopMode)>);
+static_assert(kIs<decltype(CFRunLoopRemoveObserver),
+                  void(CFRunLoopRef, CFRunLoopObserverRef, CFRunLoopMode)>);
+static_assert(kIs<decltype(CFRunLoopContainsObserver),
+                  Boolean(CFRunLoopRef, CFRunLoopObserverRef, CFRunLoopMode)>);
+static_assert(kIs<decltype(CFRunLoopObserverCreate),
+                  CFRunLoopObserverRef(CFAllocatorRef, CFOptionFlags, Boolean, CFIndex,
+                                       CFRunLoopObserverCallBack, CFRunLoopObserverContext*)>);
+static_assert(kIs<decltype(CFRunLoopObserverInvalidate), void(CFRunLoopObserverRef)>);
+static_assert(kIs<decltype(CFRunLoopObserverIsValid), Boolean(CFRunLoopObserverRef)>);
+static_assert(kIs<std::underlying_type_t<CFRunLoopActivity>, CFOptionFlags>);
+static_assert(kCFRunLoopEntry == 1 && kCFRunLoopBeforeTimers == 2 && kCFRunLoopBeforeSources == 4 &&
+              kCFRunLoopBeforeWaiting == 32 && kCFRunLoopAfterWaiting == 64 &&
+              kCFRunLoopExit == 128 && kCFRunLoopAllActivities == 0x0FFFFFFF);
+static_assert(sizeof(CFRunLoopObserverContext) == 40);
 static_assert(kIs<decltype(CFRunLoopSourceCreate),
                   CFRunLoopSourceRef(CFAllocatorRef, CFIndex, CFRunLoopSourceContext*)>);
 static_assert(kIs<decltype(CFRunLoopSourceSignal), void(CFRunLoopSourceRef)>);

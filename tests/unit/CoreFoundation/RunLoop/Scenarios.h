@@ -20,6 +20,7 @@ const Scenarios& StopScenarios();
 const Scenarios& TimerScenarios();
 const Scenarios& SourceScenarios();
 const Scenarios& NestingScenarios();
+const Scenarios& ObserverScenarios();
 
 std::string NameOf(CFRunLoopRunResult result);
 

@@ -39,6 +39,10 @@ Scene::~Scene() {
         CFRunLoopSourceInvalidate(source);
         CFRelease(source);
     }
+    for (const CFRunLoopObserverRef observer : observers_) {
+        CFRunLoopObserverInvalidate(observer);
+        CFRelease(observer);
+    }
     CFRelease(custom_);
 }
 
@@ -109,6 +113,25 @@ CFRunLoopSourceRef Scene::AddSource(Callback performed, CFRunLoopMode mode, CFIn
     const CFRunLoopSourceRef source = MakeSource(std::move(performed), order);
     CFRunLoopAddSource(loop_, source, mode);
     return source;
+}
+
+CFRunLoopObserverRef Scene::MakeObserver(CFOptionFlags activities, ActivityCallback told,
+                                         CFIndex order, bool repeats) {
+    CFRunLoopObserverContext context{};
+    context.info = &activityCallbacks_.emplace_back(std::move(told));
+    return observers_.emplace_back(CFRunLoopObserverCreate(
+        kCFAllocatorDefault, activities, repeats, order,
+        [](CFRunLoopObserverRef, CFRunLoopActivity activity, void* info) {
+            (*static_cast<ActivityCallback*>(info))(activity);
+        },
+        &context));
+}
+
+CFRunLoopObserverRef Scene::AddObserver(CFOptionFlags activities, ActivityCallback told,
+                                        CFIndex order, bool repeats) {
+    const CFRunLoopObserverRef observer = MakeObserver(activities, std::move(told), order, repeats);
+    CFRunLoopAddObserver(loop_, observer, kCFRunLoopDefaultMode);
+    return observer;
 }
 
 CFRunLoopSourceRef Scene::AddIdleSource(CFRunLoopMode mode) {

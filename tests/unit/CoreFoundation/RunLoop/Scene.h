@@ -42,11 +42,17 @@ class Scene {
     // A source that reports `schedule:MODE` and `cancel:MODE`.
     CFRunLoopSourceRef MakeReportingSource(std::function<void(std::string)> report);
 
+    using ActivityCallback = std::function<void(CFRunLoopActivity)>;
+    CFRunLoopObserverRef MakeObserver(CFOptionFlags activities, ActivityCallback told,
+                                      CFIndex order = 0, bool repeats = true);
+
     // The same, added to the mode.
     CFRunLoopTimerRef AddTimer(double after, double interval, Callback fired,
                                CFRunLoopMode mode = kCFRunLoopDefaultMode);
     CFRunLoopSourceRef AddSource(Callback performed, CFRunLoopMode mode = kCFRunLoopDefaultMode,
                                  CFIndex order = 0);
+    CFRunLoopObserverRef AddObserver(CFOptionFlags activities, ActivityCallback told,
+                                     CFIndex order = 0, bool repeats = true);
     CFRunLoopSourceRef AddIdleSource(CFRunLoopMode mode = kCFRunLoopDefaultMode);
 
     // Seconds since the scene began.
@@ -68,6 +74,8 @@ class Scene {
     std::deque<std::pair<const Scene*, std::function<void(std::string)>>> reports_;
     std::deque<CFRunLoopTimerRef> timers_;
     std::deque<CFRunLoopSourceRef> sources_;
+    std::deque<ActivityCallback> activityCallbacks_;
+    std::deque<CFRunLoopObserverRef> observers_;
 };
 
 }  // namespace run_loop_test

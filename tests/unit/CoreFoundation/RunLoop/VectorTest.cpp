@@ -27,16 +27,11 @@ std::string NameOf(CFRunLoopRunResult result) {
 
 namespace {
 
-constexpr char kNoObservers[] =
-    "run-loop observers are not part of this layer: no driver uses them";
 constexpr char kNoNewDate[] =
     "CFRunLoopTimerSetNextFireDate is not part of this layer: the driver's timer keeps its grid";
 
 // Scenarios that cannot be played, and why.
 const std::map<std::string, std::string> kLeftOut = {
-    {"observer-only-is-empty", kNoObservers},
-    {"observer-sequence", kNoObservers},
-    {"observer-sequence-source", kNoObservers},
     {"next-timer-date", "CFRunLoopGetNextTimerFireDate is not part of this layer"},
     {"set-next-fire-date", kNoNewDate},
     {"set-next-fire-date-oneshot", kNoNewDate},
@@ -66,8 +61,9 @@ std::string ScenarioName(const Result& vector) {
 }
 
 std::function<Result()> FindScenario(const std::string& name) {
-    for (const auto* scenarios : {&ModeScenarios(), &RunScenarios(), &StopScenarios(),
-                                  &TimerScenarios(), &SourceScenarios(), &NestingScenarios()}) {
+    for (const auto* scenarios :
+         {&ModeScenarios(), &RunScenarios(), &StopScenarios(), &TimerScenarios(),
+          &SourceScenarios(), &NestingScenarios(), &ObserverScenarios()}) {
         if (const auto found = scenarios->find(name); found != scenarios->end()) {
             return found->second;
         }

@@ -1,0 +1,60 @@
+#include "driver/Interrupts.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <climits>
+#include <csignal>
+
+#include "driver/OwnedReference.h"
+
+namespace {
+
+// Runs of the loop that are under way; a callback may begin another one.
+int runs = 0;
+
+void SetInterruptMask(int how) {
+    sigset_t interrupt;
+    sigemptyset(&interrupt);
+    sigaddset(&interrupt, SIGINT);
+    pthread_sigmask(how, &interrupt, nullptr);
+}
+
+// A signal that is pending is delivered before pthread_sigmask returns, while the run loop is
+// calling out and holds nothing. Between the return of this callout and the wait itself, and
+// between the wait and the next callout, the loop of macOS holds its own locks for a moment. The
+// thread may take them again, for they are recursive; neither allocates there nor calls anything
+// that does. So the handler may take the timer and the port out of the loop there, too.
+void LoopGoesOn(CFRunLoopObserverRef, CFRunLoopActivity activity, void*) {
+    switch (activity) {
+        case kCFRunLoopEntry:
+            ++runs;
+            break;
+        case kCFRunLoopExit:
+            --runs;
+            break;
+        default:
+            if (runs == 1) {
+                SetInterruptMask(SIG_UNBLOCK);
+            }
+    }
+}
+
+void LoopHasWaited(CFRunLoopObserverRef, CFRunLoopActivity, void*) {
+    SetInterruptMask(SIG_BLOCK);
+}
+
+void Observe(CFOptionFlags activities, CFIndex order, CFRunLoopObserverCallBack callback) {
+    const OwnedReference<CFRunLoopObserverRef> observer(
+        CFRunLoopObserverCreate(kCFAllocatorDefault, activities, true, order, callback, nullptr));
+    CFRunLoopAddObserver(CFRunLoopGetCurrent(), observer.get(), kCFRunLoopCommonModes);
+}
+
+}  // namespace
+
+// Ours is the last observer before the wait and the first one after it: what others do happens with
+// the signal blocked.
+void AllowInterruptsOnlyWhileWaiting() {
+    SetInterruptMask(SIG_BLOCK);
+    Observe(kCFRunLoopEntry | kCFRunLoopBeforeWaiting | kCFRunLoopExit, LONG_MAX, LoopGoesOn);
+    Observe(kCFRunLoopAfterWaiting, LONG_MIN, LoopHasWaited);
+}

@@ -1,0 +1,60 @@
+// An observer of a run loop: told of what the loop is about to do.
+#pragma once
+
+#include <CoreFoundation/CFRunLoop.h>
+
+#include <atomic>
+#include <vector>
+
+#include "platform/CoreFoundation/CFObject.h"
+
+namespace run_loop {
+
+using core_foundation::Retained;
+
+class RunLoop;
+struct Mode;
+
+class Observer final : public core_foundation::Object {
+  public:
+    static CFTypeID TypeID() { return CFRunLoopObserverGetTypeID(); }
+    CFTypeID Type() const override { return TypeID(); }
+    CFRunLoopObserverRef Ref() const {
+        return static_cast<CFRunLoopObserverRef>(const_cast<void*>(Reference()));
+    }
+
+    Observer(CFOptionFlags activities, bool repeats, CFIndex order,
+             CFRunLoopObserverCallBack callout, const CFRunLoopObserverContext& context);
+
+    CFIndex Order() const { return order_; }
+    bool IsValid() const { return valid_; }
+    // Whether it is to be told of the activity: valid, interested, and not being told already.
+    bool Wants(CFRunLoopActivity activity) const {
+        return valid_ && !calling_ && (activities_ & activity) != 0;
+    }
+
+    // Tells it of the activity, unless it has become invalid. One that does not repeat is invalid
+    // afterwards. Takes no lock and no memory but for that: a program's signal handler may run
+    // just before and just after the callout of an observer that repeats, and use the loop.
+    void Call(CFRunLoopActivity activity);
+
+    // Takes the observer out of its loop for good. The mutex is not held.
+    void Invalidate();
+
+    // Its one loop, and the modes of that loop it is in. Guarded by StructureMutex().
+    RunLoop* loop = nullptr;
+    std::vector<Mode*> modes;
+
+  private:
+    void Finalize() override { Invalidate(); }
+
+    const CFOptionFlags activities_;
+    const bool repeats_;
+    const CFIndex order_;
+    const CFRunLoopObserverCallBack callout_;
+    const CFRunLoopObserverContext context_;
+    std::atomic<bool> valid_ = true;
+    std::atomic<bool> calling_ = false;
+};
+
+}  // namespace run_loop

@@ -1,0 +1,59 @@
+// Nobody makes an autorelease pool around a callout of the run loop, so the driver's callbacks have
+// their own: whatever they leave is gone when they return.
+
+#include "tests/unit/driver/DriverTest.h"
+
+namespace {
+
+using platform_testing::Growth;
+using platform_testing::LiveObjects;
+using platform_testing::ObjectCounts;
+
+// Without a pool of the test around what it measures, what is autoreleased lives on.
+class Pools : public DriverTest {
+  protected:
+    Pools() : DriverTest(SceneWithController()) { ObserveBoth(); }
+
+    // What lives after many more of them than after a few.
+    static ObjectCounts GrowthOver(const std::function<void()>& callback) {
+        const auto call = [&](int times) {
+            for (int i = 0; i < times; ++i) {
+                callback();
+            }
+        };
+        call(5);
+        const ObjectCounts before = LiveObjects();
+        call(100);
+        return Growth(before, LiveObjects());
+    }
+};
+
+TEST_F(Pools, TicksOfTheTimerLeaveNothingWithoutOneAroundThem) {
+    EXPECT_EQ(GrowthOver([] { CVEK_UserSpaceDriver::TimeoutCounterEntry(nullptr, nullptr); }),
+              ObjectCounts());
+}
+
+TEST_F(Pools, RequestsLeaveNothingWithoutOneAroundThem) {
+    EXPECT_EQ(GrowthOver([] {
+                  const UInt8 number[] = {100, 0, 0, 0};
+                  const CFDataRef body = CFDataCreate(kCFAllocatorDefault, number, sizeof number);
+                  for (const SInt32 code : {kJESI, kJElV, kJAcF, kJGlM}) {
+                      if (const CFDataRef reply = CVEK_UserSpaceDriver::MessageCallbackEntry(
+                              nullptr, code, body, nullptr)) {
+                          CFRelease(reply);
+                      }
+                  }
+                  CFRelease(body);
+              }),
+              ObjectCounts());
+}
+
+TEST_F(Pools, ActivationsLeaveNothingWithoutOneAroundThem) {
+    EXPECT_EQ(GrowthOver([this] {
+                  Activate("com.example.player");
+                  Activate("com.apple.FinalCut");
+              }),
+              ObjectCounts());
+}
+
+}  // namespace
