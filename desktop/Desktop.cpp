@@ -70,6 +70,9 @@ std::optional<Reply> Desktop::Answer(const Request& request) {
             for (const desktop_link::Rect& screen : model_.screens) {
                 reply.values.push_back({screen});
             }
+            if (const std::size_t key = model_.KeyScreen(); key != 0) {
+                reply.values.push_back({static_cast<std::int64_t>(key)});
+            }
             return reply;
         case Operation::midiDevices:
             reply.text = ToText(model_.midi.Describe());

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "platform/Testing/Variants.h"
+
 namespace desktop {
 
 namespace {
@@ -18,6 +20,8 @@ constexpr ModifierKey kModifierKeys[] = {
     {58, 0x00080000, "option"},
     {59, 0x00040000, "control"},
 };
+
+constexpr std::int32_t kPrivateState = -1;
 
 constexpr std::uint32_t kKeyDown = 10;
 constexpr std::uint32_t kKeyUp = 11;
@@ -36,7 +40,11 @@ void EventTap::Post(desktop_link::Event event) {
     if (!event.flagsWereSet) {
         event.flags |= HeldFlags();
     }
-    FollowModifierKey(event);
+    // Whether such events change what others inherit is not documented.
+    const bool isPrivate = event.hasSource && event.sourceState == kPrivateState;
+    if (!isPrivate || !platform_testing::IsOn(platform_testing::Variant::privateModifiers)) {
+        FollowModifierKey(event);
+    }
     if (IsMouseEvent(event.type) && std::isfinite(event.position.x) &&
         std::isfinite(event.position.y)) {
         model_.pointer = event.position;

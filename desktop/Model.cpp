@@ -47,4 +47,31 @@ Element* Model::Find(const desktop_link::ElementReference& reference) {
     return element == nullptr || element->pid != reference.pid ? nullptr : element;
 }
 
+std::size_t Model::KeyScreen() const {
+    const Element* window = front != nullptr ? front->mainWindow : nullptr;
+    if (window == nullptr) {
+        return 0;
+    }
+    const Answer* position = window->Stored("AXPosition");
+    const Answer* size = window->Stored("AXSize");
+    if (position == nullptr || size == nullptr) {
+        return 0;
+    }
+    const auto* origin = std::get_if<desktop_link::Point>(&position->value.content);
+    const auto* extent = std::get_if<desktop_link::Size>(&size->value.content);
+    if (origin == nullptr || extent == nullptr) {
+        return 0;
+    }
+    const double x = origin->x + extent->width / 2;
+    const double y = origin->y + extent->height / 2;
+    for (std::size_t index = 0; index < screens.size(); ++index) {
+        const desktop_link::Rect& screen = screens[index];
+        if (x >= screen.origin.x && x < screen.origin.x + screen.size.width &&
+            y >= screen.origin.y && y < screen.origin.y + screen.size.height) {
+            return index;
+        }
+    }
+    return 0;
+}
+
 }  // namespace desktop

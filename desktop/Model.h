@@ -63,6 +63,8 @@ struct Model {
     std::string NameOf(const Application& application);
     // Null when it was destroyed, or its application died.
     Element* Find(const desktop_link::ElementReference& reference);
+    // Index of the screen that holds the middle of the main window in front; 0 without one.
+    std::size_t KeyScreen() const;
 };
 
 }  // namespace desktop

@@ -7,7 +7,7 @@
 // Without a screen the height to count from is 0, as for NSScreen's users.
 + (NSPoint)mouseLocation {
     const application_services::Pointer pointer = application_services::CurrentPointer();
-    const double height = pointer.mainScreen ? pointer.mainScreen->size.height : 0;
+    const double height = pointer.firstScreen ? pointer.firstScreen->size.height : 0;
     return NSMakePoint(pointer.location.x, height - pointer.location.y);
 }
 

@@ -20,14 +20,19 @@ std::vector<Value> Ask(Operation operation) {
 
 }  // namespace
 
-std::vector<Rect> Screens() {
-    std::vector<Rect> screens;
+Arrangement Screens() {
+    Arrangement arrangement;
     for (const Value& value : Ask(Operation::screens)) {
         if (const auto* frame = std::get_if<Rect>(&value.content)) {
-            screens.push_back(*frame);
+            arrangement.screens.push_back(*frame);
+        } else if (const auto* index = std::get_if<std::int64_t>(&value.content)) {
+            arrangement.keyScreen = static_cast<std::size_t>(*index);
         }
     }
-    return screens;
+    if (arrangement.keyScreen >= arrangement.screens.size()) {
+        arrangement.keyScreen = 0;
+    }
+    return arrangement;
 }
 
 Pointer CurrentPointer() {
@@ -36,7 +41,7 @@ Pointer CurrentPointer() {
         if (const auto* location = std::get_if<desktop_link::Point>(&value.content)) {
             pointer.location = *location;
         } else if (const auto* frame = std::get_if<Rect>(&value.content)) {
-            pointer.mainScreen = *frame;
+            pointer.firstScreen = *frame;
         }
     }
     return pointer;

@@ -1,5 +1,5 @@
 // Screens and pointer, asked of the desktop anew each time. Global display coordinates, origin at
-// the top left of the main screen.
+// the top left of the first screen.
 #pragma once
 
 #include <optional>
@@ -9,12 +9,17 @@
 
 namespace application_services {
 
-// The main screen first; empty when there is none.
-std::vector<desktop_link::Rect> Screens();
+struct Arrangement {
+    std::vector<desktop_link::Rect> screens;  // the one at the origin first; empty: none
+    std::size_t keyScreen = 0;                // index of the screen with the key window
+};
+
+// One exchange.
+Arrangement Screens();
 
 struct Pointer {
-    desktop_link::Point location;                  // 0, 0 when there is no desktop
-    std::optional<desktop_link::Rect> mainScreen;  // none when there is no screen
+    desktop_link::Point location;                   // 0, 0 when there is no desktop
+    std::optional<desktop_link::Rect> firstScreen;  // none when there is no screen
 };
 
 // One exchange.

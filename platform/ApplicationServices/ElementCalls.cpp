@@ -1,10 +1,12 @@
 #include <ApplicationServices/AXUIElement.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/ApplicationServices/Element.h"
 #include "platform/ApplicationServices/ValueConversion.h"
 #include "platform/DesktopLink/Transport.h"
+#include "platform/Testing/Variants.h"
 
 using application_services::CreateArray;
 using application_services::CreateObject;
@@ -36,9 +38,13 @@ Answer Ask(AXUIElementRef element, Request& request) {
         return {ErrorOfSystemWide(request.operation), {}};
     }
     request.element = application_services::ReferenceOf(element);
+    platform_testing::InterruptOnce(platform_testing::Variant::interruptInCall);
     desktop_link::Transport& transport = desktop_link::CurrentTransport();
-    std::optional<Reply> reply =
-        transport.Exchange(request, application_services::TimeoutOf(element));
+    double timeout = application_services::TimeoutOf(element);
+    if (platform_testing::IsOn(platform_testing::Variant::hangForASecond)) {
+        timeout = std::min(timeout, 1.0);
+    }
+    std::optional<Reply> reply = transport.Exchange(request, timeout);
     if (!reply) {
         return {transport.Unreachable() ? kAXErrorAPIDisabled : kAXErrorCannotComplete, {}};
     }
@@ -140,15 +146,22 @@ AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRe
     request.operation = Operation::copyAttributes;
     request.names = *std::move(names);
     request.flag = (options & kAXCopyMultipleAttributeOptionStopOnError) != 0;
-    const Answer answer = Ask(element, request);
+    Answer answer = Ask(element, request);
     if (answer.error != kAXErrorSuccess) {
         return answer.error;
     }
-    const std::vector<Value>& found = answer.reply.values;
+    std::vector<Value>& found = answer.reply.values;
     if (request.flag) {
         for (const Value& value : found) {
             if (const auto* error = std::get_if<ErrorValue>(&value.content)) {
                 return static_cast<AXError>(error->code);
+            }
+        }
+    }
+    if (platform_testing::IsOn(platform_testing::Variant::missingIsNull)) {
+        for (Value& value : found) {
+            if (std::holds_alternative<ErrorValue>(value.content)) {
+                value = Value{};
             }
         }
     }

@@ -6,6 +6,7 @@
 
 #include "platform/DesktopLink/Session.h"
 #include "platform/DesktopLink/Transport.h"
+#include "platform/Testing/Variants.h"
 
 namespace core_midi {
 
@@ -69,6 +70,16 @@ std::optional<Device> ReadDevice(const json& entry) {
     return Device{*object, ReadList(entry, "entities", ReadEntity)};
 }
 
+// As the system remembers it: with all it had when it was last there.
+Device OfflineDevice() {
+    constexpr MIDIObjectRef kFirst = 0x7FFFFF00;
+    const auto object = [](MIDIObjectRef number, const char* name) {
+        return Object{kFirst + number, name, 0};
+    };
+    return {object(0, "KRT-9 USB (offline)"),
+            {{object(1, "Private"), {object(2, "Private")}, {object(3, "Private")}}}};
+}
+
 const Object* FindIn(const std::vector<Object>& objects, MIDIObjectRef reference) {
     for (const Object& object : objects) {
         if (object.reference == reference) {
@@ -97,7 +108,11 @@ std::vector<Device> CurrentDevices() {
         return {};
     }
     const json bus = json::parse(reply->text, nullptr, false);
-    return bus.is_object() ? ReadList(bus, "devices", ReadDevice) : std::vector<Device>{};
+    auto devices = bus.is_object() ? ReadList(bus, "devices", ReadDevice) : std::vector<Device>{};
+    if (platform_testing::IsOn(platform_testing::Variant::offlineDevices)) {
+        devices.insert(devices.begin(), OfflineDevice());
+    }
+    return devices;
 }
 
 std::optional<Device> FindDevice(MIDIDeviceRef device) {

@@ -24,9 +24,10 @@ enum class Operation : std::uint8_t {
     setAttribute,       // element, names[0], value
     performAction,      // element, names[0]
     postEvent,          // event
-    pointerLocation,    // -> a Point, origin at the top left of the main screen, and, when there is
-                        //    a screen, the main one's Rect
-    screens,            // -> values, a Rect each, the main screen first, origin at the top left
+    pointerLocation,    // -> a Point, origin at the top left of the first screen, and, when there
+                        //    is one, that screen's Rect
+    screens,            // -> values, a Rect each, the screen at the origin first, its top left the
+                        //    origin; and the index of the screen with the key window
     midiDevices,        // -> Reply::text, the bus as JSON (see desktop/MidiBus.h)
     midiConnectSource,  // number: unique id of the source
     script,             // text: one JSON command -> Reply::text, JSON

@@ -10,6 +10,7 @@
 #include "BundleFile.h"
 #include "BundleLayout.h"
 #include "Languages.h"
+#include "platform/Testing/Variants.h"
 
 namespace {
 
@@ -38,6 +39,12 @@ NSString* StringForKey(NSDictionary* dictionary, NSString* key) {
     return [value isKindOfClass:[NSString class]] ? value : nil;
 }
 
+// Bundles by their paths: one for each, for the life of the process, and with it what was read.
+NSMutableDictionary* Remembered() {
+    static NSMutableDictionary* const bundles = [[NSMutableDictionary alloc] init];
+    return bundles;
+}
+
 }  // namespace
 
 @implementation MacBundle
@@ -54,8 +61,18 @@ NSString* StringForKey(NSDictionary* dictionary, NSString* key) {
         !isFolder) {
         return nil;
     }
-    return [[[self alloc]
-        initWithFolder:[[path stringByStandardizingPath] fileSystemRepresentation]] autorelease];
+    NSString* standardized = [path stringByStandardizingPath];
+    MacBundle* remembered = [Remembered() objectForKey:standardized];
+    const bool isFresh = platform_testing::IsOn(platform_testing::Variant::freshBundleInfo);
+    if (remembered != nil && !isFresh) {
+        return remembered;
+    }
+    MacBundle* made =
+        [[[self alloc] initWithFolder:[standardized fileSystemRepresentation]] autorelease];
+    if (!isFresh) {
+        [Remembered() setObject:made forKey:standardized];
+    }
+    return made;
 }
 
 - (instancetype)initWithFolder:(std::filesystem::path)folder {

@@ -177,18 +177,40 @@ SInt32 RemotePort::Queue(const MessageHeader& header, std::span<const std::uint8
         return kCFMessagePortIsInvalid;
     }
     const HeaderBytes bytes = EncodeHeader(header);
-    SendProgress progress = Begin(bytes, data);
+    SendProgress progress = SendProgress::notBegun;
     while (progress == SendProgress::notBegun) {
-        if (!run_loop::WaitUntilWritable(descriptor_.get(), deadline)) {
+        if (!WaitForRoom(deadline)) {
             return kCFMessagePortSendTimeout;
         }
         progress = Begin(bytes, data);
+        if (progress == SendProgress::notBegun &&
+            !run_loop::WaitUntilWritable(descriptor_.get(), deadline)) {
+            return kCFMessagePortSendTimeout;
+        }
     }
     if (progress == SendProgress::failed) {
         Invalidate();
         return kCFMessagePortTransportError;
     }
     return kCFMessagePortSuccess;
+}
+
+// Nothing tells when the peer has taken a message, so that this looks again and again.
+bool RemotePort::WaitForRoom(run_loop::Instant deadline) {
+    constexpr run_loop::Instant kLook = 500'000;  // 0.5 ms
+    for (;;) {
+        {
+            const std::lock_guard lock(mutex_);
+            if (!descriptor_ || queue_.HasRoom(descriptor_.get())) {
+                return true;
+            }
+        }
+        const run_loop::Instant now = run_loop::Now();
+        if (now >= deadline) {
+            return false;
+        }
+        run_loop::Sleep(std::min(deadline, now + kLook), deadline);
+    }
 }
 
 RemotePort::SendProgress RemotePort::Begin(std::span<const std::uint8_t> header,
@@ -207,6 +229,7 @@ RemotePort::SendProgress RemotePort::Begin(std::span<const std::uint8_t> header,
     if (status == Status::pending && writer_.TakeBack()) {
         return SendProgress::notBegun;
     }
+    queue_.Sent(descriptor_.get());
     return AfterSending(status);
 }
 

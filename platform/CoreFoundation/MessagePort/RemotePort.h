@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/CoreFoundation/MessagePort/MessageFrame.h"
+#include "platform/CoreFoundation/MessagePort/PeerQueue.h"
 #include "platform/CoreFoundation/MessagePort/Port.h"
 #include "platform/CoreFoundation/RunLoop.h"
 #include "platform/LocalSocket/Socket.h"
@@ -53,6 +54,8 @@ class RemotePort final : public Port {
     enum class SendProgress { notBegun, begun, sent, failed };
     SendProgress Begin(std::span<const std::uint8_t> header, std::span<const std::uint8_t> data);
     SendProgress Continue();
+    // Whether the peer's queue took another message before the deadline.
+    bool WaitForRoom(run_loop::Instant deadline);
     bool HasUnsent();
 
     // The mutex is held.
@@ -65,6 +68,7 @@ class RemotePort final : public Port {
     local_socket::Descriptor descriptor_;
     local_socket::FrameReader reader_;
     local_socket::FrameWriter writer_;
+    PeerQueue queue_;
     std::uint32_t watched_ = EPOLLIN;
     std::uint32_t lastSequence_ = 0;
     std::vector<Awaited*> awaited_;
