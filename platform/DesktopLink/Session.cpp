@@ -1,8 +1,14 @@
 #include "platform/DesktopLink/Session.h"
 
+#include <CoreFoundation/CFDate.h>
+#include <CoreFoundation/CFRunLoop.h>
+
 #include <cmath>
+#include <deque>
+#include <utility>
 
 #include "platform/DesktopLink/Transport.h"
+#include "platform/Testing/Variants.h"
 
 namespace desktop_link {
 
@@ -26,11 +32,40 @@ void SetFront(const std::optional<Application>& application) {
     ++Remembered().frontRevision;
 }
 
-void Deliver(const Notification& notification) {
+void DeliverNow(const Notification& notification) {
     SetFront(notification.activated);
     if (Remembered().handler != nullptr) {
         Remembered().handler();
     }
+}
+
+std::deque<Notification>& Late() {
+    static std::deque<Notification> late;
+    return late;
+}
+
+void DeliverLate(CFRunLoopTimerRef timer, void*) {
+    CFRelease(timer);
+    if (Late().empty()) {
+        return;  // the session was forgotten meanwhile
+    }
+    const Notification notification = std::move(Late().front());
+    Late().pop_front();
+    DeliverNow(notification);
+}
+
+void Deliver(const Notification& notification) {
+    if (!platform_testing::IsOn(platform_testing::Variant::lateActivation)) {
+        DeliverNow(notification);
+        return;
+    }
+    constexpr CFTimeInterval kLateness = 0.25;
+    Late().push_back(notification);
+    CFRunLoopAddTimer(
+        CFRunLoopGetMain(),
+        CFRunLoopTimerCreate(kCFAllocatorDefault, CFAbsoluteTimeGetCurrent() + kLateness, 0, 0, 0,
+                             DeliverLate, nullptr),
+        kCFRunLoopCommonModes);
 }
 
 void Ask() {
@@ -86,6 +121,7 @@ void ForgetSession() {
     memory.asked = false;
     memory.messagingTimeout = Session{}.messagingTimeout;
     SetFront(std::nullopt);
+    Late().clear();
 }
 
 }  // namespace desktop_link

@@ -29,7 +29,6 @@ constexpr std::array kNames = {
     std::pair{"private-modifiers", Variant::privateModifiers},
     std::pair{"offline-devices", Variant::offlineDevices},
     std::pair{"late-activation", Variant::lateActivation},
-    std::pair{"no-activation", Variant::noActivation},
 };
 
 std::array<std::atomic<bool>, kNames.size()> on;

@@ -32,8 +32,8 @@ enum class Variant {
     // Accessibility.
     missingIsNull,   // in the array of a read of several attributes what is missing is kCFNull;
                      // usually an AXValue with the error
-    hangAtOnce,      // a call to an application that hangs fails at once with -25204; usually
-    hangForASecond,  // after the messaging time-out. Here: after a second at most
+    hangAtOnce,      // a call to an application that hangs fails at once with -25204
+    hangForASecond,  // or after a second at most; usually after the messaging time-out
 
     // Events.
     privateModifiers,  // events of a private source leave alone what later events inherit
@@ -42,8 +42,8 @@ enum class Variant {
     offlineDevices,  // the enumeration begins with a device that is offline
 
     // Workspace.
-    lateActivation,  // the notification of an activation comes a while later
-    noActivation,    // activations while a request or a tick is under way are never announced
+    lateActivation,  // an activation is known, and its notification comes, a quarter of a second
+                     // late
 };
 
 bool IsOn(Variant variant);

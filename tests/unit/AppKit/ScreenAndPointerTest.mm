@@ -53,6 +53,22 @@ TEST_F(ScreenAndPointer, PointerOnAScreenBelowTheMainOneIsNegative) {
     EXPECT_EQ([NSEvent mouseLocation].y, -100);
 }
 
+// The desktop says which one that is, after the screens.
+TEST_F(ScreenAndPointer, MainScreenIsTheOneWithTheKeyWindow) {
+    for (const std::int64_t index : {1, 2, -1}) {
+        ScriptedTransport desktop([index](const Request&) {
+            Reply reply;
+            reply.values = {Value{Rect{{0, 0}, {1440, 900}}}, Value{Rect{{1440, 0}, {800, 600}}},
+                            Value{index}};
+            return reply;
+        });
+        const NSRect frame = [[NSScreen mainScreen] frame];
+        EXPECT_TRUE(NSEqualRects(
+            frame, index == 1 ? NSMakeRect(1440, 300, 800, 600) : NSMakeRect(0, 0, 1440, 900)))
+            << index << ": " << [NSStringFromRect(frame) UTF8String];
+    }
+}
+
 TEST_F(ScreenAndPointer, MainScreenIsTheFirstOneInOneExchange) {
     ScriptedTransport desktop(Session({{{0, 0}, {1440, 900}}, {{1440, 0}, {800, 600}}}, {}));
     const NSRect frame = [[NSScreen mainScreen] frame];

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/Testing/LiveObjects.h"
+#include "platform/Testing/Variants.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
@@ -90,6 +91,22 @@ TEST_F(PointerPosition, OnlyTheHeightOfTheMainScreenCountsAndNotItsOrigin) {
     PutPointer(400, 250);
     EXPECT_EQ(Position().x, 400);
     EXPECT_EQ(Position().y, 650);
+}
+
+TEST_F(PointerPosition, OnAScreenOfTheKeyWindowOnlyThatScreensHeightEntersAndNotItsOrigin) {
+    const platform_testing::UnderVariant elsewhere(
+        platform_testing::Variant::mainScreenElsewhere);  // 720 high, its bottom at 240
+    screens_ = {{{0, 0}, {1440, 900}}};
+    PutPointer(100, 40);
+    EXPECT_EQ(Position().x, 100);
+    EXPECT_EQ(Position().y, 680);
+}
+
+TEST_F(PointerPosition, WithoutMainScreenThoughThereAreScreensCountsFromAHeightOfZero) {
+    const platform_testing::UnderVariant none(platform_testing::Variant::noMainScreen);
+    screens_ = {{{0, 0}, {1440, 900}}};
+    PutPointer(100, 40);
+    EXPECT_EQ(Position().y, -40);
 }
 
 TEST_F(PointerPosition, WithoutMainScreenCountsFromAHeightOfZero) {

@@ -10,6 +10,7 @@
 #include "platform/LocalSocket/Socket.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/TestClock.h"
+#include "platform/Testing/Variants.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/CoreFoundation/MessagePort/Ports.h"
 
@@ -275,8 +276,10 @@ TEST_F(RequestTest, PortComesBackUnderANewRemotePort) {
     EXPECT_EQ(before.Tell("x"), kCFMessagePortIsInvalid) << "a port does not reconnect";
 }
 
-// A port of which the listener lives but does nothing.
+// A port of which the listener lives but does nothing, and whose queue has no limit but the
+// socket's.
 TEST_F(RequestTest, FullQueueIsASendTimeout) {
+    const platform_testing::UnderVariant longQueue(platform_testing::Variant::longPortQueue);
     const platform_testing::TestClock clock;
     const auto idle = local_socket::Listener::Create("port", nullptr, nullptr);
     ASSERT_TRUE(idle);

@@ -1,0 +1,95 @@
+// An interrupt at each of the moments at which something is half done: the driver interrupts itself
+// there, by a variant of the platform layer. It finishes what it is at, ends well, and leaves
+// nothing.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "tests/process/Stage.h"
+#include "tests/reliability/WaitUntil.h"
+#include "tests/support/Paths.h"
+
+namespace {
+
+using test_support::ChildProcess;
+using test_support::Stage;
+using test_support::WaitUntil;
+using Clock = std::chrono::steady_clock;
+
+constexpr char kScene[] = R"({
+    "front": "com.apple.FinalCut", "applications": [
+      {"bundleID": "com.apple.FinalCut", "windows": [
+        {"AXRole": "AXWindow", "AXTitle": "Only", "AXChildren": [
+          {"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59", "AXValue": 3}]}]}]})";
+
+class InterruptMoments : public testing::Test {
+  protected:
+    void Begin(const std::string& scene, const char* variant) {
+        stage.StartDesktop(scene);
+        filesBefore = stage.Session().Files();
+        stage.StartDriver({{"KRT9_PLATFORM_VARIANT", variant}});
+    }
+
+    void ExpectAGoodEnd() {
+        EXPECT_EQ(stage.Driver().WaitForExit(), 0) << stage.Driver().StandardError();
+        EXPECT_THAT(stage.Session().Files(), testing::UnorderedElementsAreArray(filesBefore));
+    }
+
+    Stage stage;
+    std::vector<std::string> filesBefore;
+};
+
+TEST_F(InterruptMoments, InAnAccessibilityCallTheRequestIsAnsweredFirst) {
+    Begin(kScene, "interrupt-in-call");
+    const auto value = stage.Companion({"value", "59"});
+    EXPECT_EQ(value.status, 0) << value.standardError;
+    EXPECT_EQ(value.standardOutput, "3\n");
+    ExpectAGoodEnd();
+}
+
+TEST_F(InterruptMoments, InAnAccessibilityCallTheTickIsFinishedFirst) {
+    ChildProcess companion(KRT9_BINARIES "/krt9ctl", {"watch"});
+    ASSERT_TRUE(WaitUntil([&] { return exists(stage.Session().Path() / "VEK_KRT9"); }));
+    Begin("editor-10.4.6.json", "interrupt-in-call");
+    EXPECT_EQ(stage.Companion({"observe", "timecode"}).status, 0);
+    EXPECT_TRUE(companion.WaitForOutput("JFTC timecode: ")) << companion.StandardOutput();
+    ExpectAGoodEnd();
+}
+
+// What the first tick does always: it tells the companion the language.
+TEST_F(InterruptMoments, InTheTimersCallbackTheTickIsDoneFirst) {
+    ChildProcess companion(KRT9_BINARIES "/krt9ctl", {"watch"});
+    ASSERT_TRUE(WaitUntil([&] { return exists(stage.Session().Path() / "VEK_KRT9"); }));
+    Begin(kScene, "interrupt-in-tick");
+    EXPECT_TRUE(companion.WaitForOutput("JSLg")) << companion.StandardOutput();
+    ExpectAGoodEnd();
+}
+
+// Stage waits for the last line that the constructor logs.
+TEST_F(InterruptMoments, OnceThePortIsMadeTheDriverIsConstructedFirst) {
+    Begin(kScene, "interrupt-after-port");
+    ExpectAGoodEnd();
+}
+
+// The signal is let in when the call to the application ends: here, after a second.
+TEST_F(InterruptMoments, WhileAnApplicationHangsTheCallToItEndsFirst) {
+    Begin(kScene, "interrupt-in-call,hang-for-a-second");
+    EXPECT_EQ(stage.Companion({"desktop", "hang", "com.apple.FinalCut"}).status, 0);
+    const auto asked = Clock::now();
+    EXPECT_EQ(stage.Companion({"value", "59"}).status, 4)
+        << "the request is answered, with nothing";
+    ExpectAGoodEnd();
+    EXPECT_GE(Clock::now() - asked, std::chrono::milliseconds(900)) << "the call was cut in half";
+}
+
+TEST(Variants, NameThatIsNoneEndsAProgramWithOneLine) {
+    const auto result = test_support::RunProcess(
+        KRT9_BINARIES "/krt9ctl", {"--help"}, {{"KRT9_PLATFORM_VARIANT", "callout-pools,no-such"}});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.standardOutput, "");
+    EXPECT_EQ(result.standardError, "KRT9_PLATFORM_VARIANT: no variant is named \"no-such\"\n");
+}
+
+}  // namespace

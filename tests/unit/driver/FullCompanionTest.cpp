@@ -1,0 +1,48 @@
+// A companion that is there and takes nothing: the queue of its port fills.
+
+#include "tests/unit/driver/DriverTest.h"
+
+namespace {
+
+class FullCompanion : public DriverTest {
+  protected:
+    SInt32 Send(bool wantReply = false) {
+        unsigned char body[] = {'x', 0};
+        CFDataRef reply = nullptr;
+        return driver_->SendMessage(kJFSC, body, sizeof body, wantReply, &reply);
+    }
+
+    // Five messages lie in the queue.
+    void FillQueue() {
+        for (int i = 0; i < 5; ++i) {
+            EXPECT_EQ(Send(), kCFMessagePortSuccess);
+        }
+    }
+};
+
+TEST_F(FullCompanion, TakesFiveMessagesAndThenEachSendGivesUpAfterAHundredthOfASecond) {
+    FillQueue();
+    for (const bool wantReply : {false, true}) {
+        const CFAbsoluteTime start = CFAbsoluteTimeGetCurrent();
+        EXPECT_EQ(Send(wantReply), kCFMessagePortSendTimeout);
+        EXPECT_NEAR(CFAbsoluteTimeGetCurrent() - start, 0.01, 0.0001);
+    }
+}
+
+TEST_F(FullCompanion, IsToldAgainOnceItHasTakenThem) {
+    FillQueue();
+    EXPECT_EQ(Send(), kCFMessagePortSendTimeout);
+    EXPECT_EQ(Sent().size(), 5U);
+    EXPECT_EQ(Send(), kCFMessagePortSuccess);
+}
+
+TEST_F(FullCompanion, DelaysATickByNoMoreThanAHundredthOfASecondForEachMessage) {
+    FillQueue();
+    ObserveBoth();
+    const CFAbsoluteTime start = CFAbsoluteTimeGetCurrent();
+    driver_->TimeoutCounter();
+    EXPECT_NEAR(CFAbsoluteTimeGetCurrent() - start, 0.03, 0.0001)
+        << "the language, the clip's name and the timecode";
+}
+
+}  // namespace
