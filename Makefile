@@ -1,6 +1,7 @@
 # The commands of the house. `make demo` and `make check` install what is missing, build, and run.
 
-.PHONY: demo check check-sanitize coverage mutants endurance fuzz fuzz-coverage build lint packages clean
+.PHONY: demo check check-sanitize check-variants check-variants-sanitize coverage mutants endurance fuzz \
+	fuzz-coverage build lint packages clean
 
 demo: packages
 	@cmake --preset linux >/dev/null
@@ -27,6 +28,15 @@ coverage: packages
 mutants: packages
 	@scripts/mutants --count 400 --seed 7
 	@scripts/mutants --count 200 --seed 7 platform desktop
+
+# What could notice a variant of the platform layer, under each of them (docs/platform.md).
+check-variants: build
+	@scripts/variants build
+
+check-variants-sanitize: packages
+	@cmake --preset sanitize >/dev/null
+	@cmake --build --preset sanitize
+	@scripts/variants build-sanitize
 
 # The long form of what the tests do in short: a million requests, a thousand interrupts, ten
 # thousand repetitions of each request; then a quarter of an hour for each fuzz target.

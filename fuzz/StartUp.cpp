@@ -6,6 +6,8 @@
 // of it when it runs with ASAN_OPTIONS=fast_unwind_on_malloc=0.
 #include "fuzz/StartUp.h"
 
+#include "platform/Testing/Variants.h"
+
 extern "C" {
 
 void __lsan_disable() __attribute__((weak));
@@ -41,6 +43,8 @@ __attribute__((section(".preinit_array"), used)) void (*const kBeginStart)() = B
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    // Each input writes its bundles where those of the last one lay.
+    static const platform_testing::UnderVariant fresh(platform_testing::Variant::freshBundleInfo);
     fuzz::PrepareTarget();
     if (__lsan_enable != nullptr) {
         __lsan_enable();

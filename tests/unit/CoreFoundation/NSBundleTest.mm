@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 
+#include "platform/Testing/Variants.h"
 #include "tests/support/Paths.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -38,6 +39,10 @@ class BundleOnDisk : public ::testing::Test {
   protected:
     void SetUp() override { pool_ = [[NSAutoreleasePool alloc] init]; }
     void TearDown() override { [pool_ release]; }
+
+    void WriteIdentifier(const std::string& identifier) {
+        folder_.Write("X.app/Contents/Info.plist", Info(Entry("CFBundleIdentifier", identifier)));
+    }
 
     NSBundle* WithURL(const char* name) {
         return [NSBundle bundleWithURL:FolderURL(folder_.Path() / name)];
@@ -129,15 +134,22 @@ TEST_F(BundleOnDisk, LocalizedInfoIsPreferred) {
     EXPECT_EQ(Utf8([[bundle infoDictionary] objectForKey:@"CFBundleName"]), "Plain");
 }
 
-TEST_F(BundleOnDisk, ChangedBundleIsReadAnew) {
-    folder_.Write("X.app/Contents/Info.plist",
-                  Info(Entry("CFBundleIdentifier", "com.example.one")));
+TEST_F(BundleOnDisk, IsRememberedForTheLifeOfTheProcess) {
+    WriteIdentifier("com.example.one");
     EXPECT_EQ(Utf8([WithURL("X.app") bundleIdentifier]), "com.example.one");
-    folder_.Write("X.app/Contents/Info.plist",
-                  Info(Entry("CFBundleIdentifier", "com.example.two")));
-    EXPECT_EQ(Utf8([WithURL("X.app") bundleIdentifier]), "com.example.two");
+    WriteIdentifier("com.example.two");
+    EXPECT_EQ(Utf8([WithURL("X.app") bundleIdentifier]), "com.example.one");
+    EXPECT_EQ(WithURL("X.app"), [NSBundle bundleWithPath:Path(folder_.Path() / "X.app/")]);
     std::filesystem::remove_all(folder_.Path() / "X.app");
     EXPECT_EQ(WithURL("X.app"), nil);
+}
+
+TEST_F(BundleOnDisk, IsReadAnewUnderTheVariant) {
+    const platform_testing::UnderVariant fresh(platform_testing::Variant::freshBundleInfo);
+    WriteIdentifier("com.example.one");
+    EXPECT_EQ(Utf8([WithURL("X.app") bundleIdentifier]), "com.example.one");
+    WriteIdentifier("com.example.two");
+    EXPECT_EQ(Utf8([WithURL("X.app") bundleIdentifier]), "com.example.two");
 }
 
 TEST_F(BundleOnDisk, LocalizedStringFallsBackToTheValueThenTheKey) {

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "platform/Testing/LiveObjects.h"
+#include "platform/Testing/TestClock.h"
+#include "platform/Testing/Variants.h"
 #include "tests/support/InProcessDesktop.h"
 #include "tests/support/TemporaryFolder.h"
 #include "workspace/FrontApplication.h"
@@ -456,6 +458,32 @@ TEST_F(FrontApplication, ActivationsLeaveNoObjectBehind) {
                   CurrentBundleID();
               }),
               "");
+}
+
+// Nothing is known before the notification comes; then all of it, in the order of the activations.
+TEST_F(FrontApplication, IsFollowedWhenTheNotificationsComeLate) {
+    CFWorkspace_StartObservingFrontApplication();
+    const platform_testing::UnderVariant late(platform_testing::Variant::lateActivation);
+    const platform_testing::TestClock clock;
+    Activate("com.example.unsigned");
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.1, false);
+    Activate("com.example.odd");
+    EXPECT_EQ(CurrentBundleID(), "com.apple.FinalCut");
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.2, false);
+    EXPECT_EQ(CurrentBundleID(), "com.example.unsigned");
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.1, false);
+    EXPECT_EQ(CurrentBundleID(), "com.example.odd");
+    EXPECT_EQ(CFWorkspace_CurrentFrontApplicationPID(), 504);
+}
+
+// Nor does it matter whether the bundle's information is remembered.
+TEST_F(FrontApplication, IsFollowedWithInformationReadAnew) {
+    const platform_testing::UnderVariant fresh(platform_testing::Variant::freshBundleInfo);
+    CFWorkspace_StartObservingFrontApplication();
+    Activate("com.example.unsigned");
+    CFStringRef version = nullptr;
+    EXPECT_TRUE(CFWorkspace_FrontApplicationShortVersion(&version));
+    EXPECT_EQ(Text((NSString*)version), "3.1");
 }
 
 }  // namespace
