@@ -45,6 +45,9 @@ TEST(KeyScreen, HoldsTheMiddleOfTheMainWindowInFront) {
 TEST(KeyScreen, IsTheFirstWithoutAWindowThatHasAPlace) {
     EXPECT_EQ(KeyScreen(Scene("")), std::nullopt);
     EXPECT_EQ(KeyScreen(Scene(R"({"AXRole": "AXWindow", "AXMain": true})")), std::nullopt);
+    EXPECT_EQ(KeyScreen(Scene(R"({"AXRole": "AXWindow", "AXPosition": [1500, 0]})")), std::nullopt);
+    EXPECT_EQ(KeyScreen(Scene(Window(R"({"error": -25204})", "[100, 100]"))), std::nullopt);
+    EXPECT_EQ(KeyScreen(Scene(Window("[1500, 0]", R"({"error": -25204})"))), std::nullopt);
     EXPECT_EQ(KeyScreen(R"({"front": null, "screens": [{"frame": [0, 0, 10, 10]},
                                                        {"frame": [10, 0, 10, 10]}]})"),
               std::nullopt);
