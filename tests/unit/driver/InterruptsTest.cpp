@@ -51,6 +51,14 @@ class InterruptsDeathTest : public testing::Test {
     }
 
     static void Run(double seconds) { CFRunLoopRunInMode(kCFRunLoopDefaultMode, seconds, false); }
+
+    // However slow the machine: the program has an alarm.
+    static void RunUntil(const std::function<bool()>& done) {
+        while (!done()) {
+            Run(0.01);
+        }
+    }
+    static bool Interrupted() { return interrupts != 0; }
 };
 
 TEST_F(InterruptsDeathTest, IsBlockedBeforeTheLoopRuns) {
@@ -63,8 +71,7 @@ TEST_F(InterruptsDeathTest, IsBlockedBeforeTheLoopRuns) {
 TEST_F(InterruptsDeathTest, ThatCameBeforeTheLoopRanIsDeliveredByItsFirstWait) {
     ExpectZeroFrom([] {
         raise(SIGINT);
-        AddTimer(1, 0, [](CFRunLoopTimerRef, void*) {});
-        Run(0.01);
+        RunUntil(Interrupted);
         return interrupts == 1 ? 0 : 1;
     });
 }
@@ -76,7 +83,7 @@ TEST_F(InterruptsDeathTest, DuringACallbackIsDeliveredOnceItHasReturned) {
             raise(SIGINT);
             held = interrupts == 0;
         });
-        Run(0.02);
+        RunUntil(Interrupted);
         return held && interrupts == 1 ? 0 : 1;
     });
 }
@@ -90,16 +97,20 @@ TEST_F(InterruptsDeathTest, IsNotDeliveredByARunInsideACallback) {
             Run(0.01);
             held = interrupts == 0 && IsBlocked();
         });
-        Run(0.05);
+        RunUntil(Interrupted);
         return held && interrupts == 1 ? 0 : 1;
     });
 }
 
 TEST_F(InterruptsDeathTest, IsBlockedAgainOnceTheLoopHasWaited) {
     ExpectZeroFrom([] {
-        static bool blocked = false;
-        AddTimer(0.001, 0, [](CFRunLoopTimerRef, void*) { blocked = IsBlocked(); });
-        Run(0.01);
+        static int fires = 0;
+        static bool blocked = true;
+        AddTimer(0.001, 0.001, [](CFRunLoopTimerRef, void*) {
+            ++fires;
+            blocked = blocked && IsBlocked();
+        });
+        RunUntil([] { return fires > 2; });
         return blocked && IsBlocked() ? 0 : 1;
     });
 }
@@ -107,6 +118,7 @@ TEST_F(InterruptsDeathTest, IsBlockedAgainOnceTheLoopHasWaited) {
 // Other observers may do what must not be cut in half.
 TEST_F(InterruptsDeathTest, IsBlockedWhileOtherObserversAreTold) {
     ExpectZeroFrom([] {
+        static int told = 0;
         static bool blocked = true;
         for (const CFIndex order : {-1000, 0, 1000}) {
             CFRunLoopAddObserver(CFRunLoopGetCurrent(),
@@ -119,7 +131,7 @@ TEST_F(InterruptsDeathTest, IsBlockedWhileOtherObserversAreTold) {
                                  kCFRunLoopCommonModes);
         }
         AddTimer(0.001, 0.001, [](CFRunLoopTimerRef, void*) {});
-        Run(0.01);
+        RunUntil([] { return told > 50; });
         return blocked ? 0 : 1;
     });
 }
@@ -129,7 +141,7 @@ TEST_F(InterruptsDeathTest, IsDeliveredToALoopThatIsNeverIdle) {
     ExpectZeroFrom([] {
         AddTimer(0.0001, 0.0001, [](CFRunLoopTimerRef, void*) { usleep(1000); });
         raise(SIGINT);
-        Run(0.1);
+        RunUntil(Interrupted);
         return interrupts == 1 ? 0 : 1;
     });
 }
@@ -153,7 +165,7 @@ TEST_F(InterruptsDeathTest, IsDeliveredToALoopThatIsNeverIdleForItsRequests) {
         client = CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR("served"));
         SendTheNext(nullptr, 0, nullptr, nullptr);
         raise(SIGINT);
-        Run(0.1);
+        RunUntil(Interrupted);
         return interrupts == 1 ? 0 : 1;
     });
 }
@@ -165,9 +177,8 @@ TEST_F(InterruptsDeathTest, ThatTheParentBlockedIsDeliveredAllTheSame) {
     sigaddset(&interrupt, SIGINT);
     pthread_sigmask(SIG_BLOCK, &interrupt, &before);
     ExpectZeroFrom([] {
-        AddTimer(1, 0, [](CFRunLoopTimerRef, void*) {});
         raise(SIGINT);
-        Run(0.01);
+        RunUntil(Interrupted);
         return interrupts == 1 ? 0 : 1;
     });
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
