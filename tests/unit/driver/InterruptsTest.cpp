@@ -125,6 +125,7 @@ TEST_F(InterruptsDeathTest, IsBlockedWhileOtherObserversAreTold) {
                                  CFRunLoopObserverCreate(
                                      kCFAllocatorDefault, kCFRunLoopAllActivities, true, order,
                                      [](CFRunLoopObserverRef, CFRunLoopActivity, void*) {
+                                         ++told;
                                          blocked = blocked && IsBlocked();
                                      },
                                      nullptr),
