@@ -11,6 +11,7 @@
 #include "platform/DesktopLink/Session.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
+#include "platform/Testing/Variants.h"
 #include "protocol/MessageCodes.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/adversary/HostileDocuments.h"
@@ -96,6 +97,8 @@ class FrontApplication : public testing::Test {
     }
 
     platform_testing::AutoreleasePool pool_;
+    // Several documents take their turns at one place.
+    const platform_testing::UnderVariant fresh_{platform_testing::Variant::freshBundleInfo};
     test_support::TemporaryFolder folder_;
     test_support::SessionFixture session_;
     test_support::ScriptedTransport desktop_{
