@@ -33,8 +33,9 @@ Result AloneIsEmpty() {
 
 // Writes down what the observer is told, and what the run returns.
 Result Sequence(Scene& scene, std::vector<std::string>& sequence, bool returnAfterSourceHandled) {
-    scene.AddObserver(kCFRunLoopAllActivities,
-                      [&](CFRunLoopActivity activity) { sequence.push_back(ActivityName(activity)); });
+    scene.AddObserver(kCFRunLoopAllActivities, [&](CFRunLoopActivity activity) {
+        sequence.push_back(ActivityName(activity));
+    });
     const auto result = scene.Run(0.5, returnAfterSourceHandled);
     return {{"return", NameOf(result)}, {"sequence", sequence}};
 }
