@@ -27,12 +27,12 @@ using MakePlan = Plan (*)(const Arguments&);
 using Act = ExitCode (*)(const Arguments&, Context&);
 
 struct Verb {
-    std::string_view name;      // the words as typed: "value", "mouse start"
-    std::string_view requests;  // the codes it sends, for the help; empty for none
-    std::string_view summary;   // one line
-    std::string_view detail;    // what else a user must know; may be empty
-    std::string_view example;   // one command line
-    std::vector<Parameter> parameters;
+    std::string_view name;           // the words as typed: "value", "mouse start"
+    std::string_view requests = {};  // the codes it sends, for the help; empty for none
+    std::string_view summary;        // one line
+    std::string_view detail = {};    // what else a user must know; may be empty
+    std::string_view example;        // one command line
+    std::vector<Parameter> parameters = {};
     std::variant<MakePlan, Act> work;
 };
 

@@ -31,7 +31,7 @@ struct Parameter {
     ValueKind kind = ValueKind::text;
     std::string_view help;
     Presence presence = Presence::required;  // of one given by its place; options are optional
-    std::string_view placeholder;            // of an option's value, in the help
+    std::string_view placeholder = {};       // of an option's value, in the help
     std::int64_t smallest = 0;               // of a number, or of each coordinate
     std::int64_t largest = kLargestUnsigned32;
 };
