@@ -7,14 +7,18 @@
 
 namespace test_support {
 
-// Counted from 0, the two destructors included. Nothing where a member pointer does not tell it:
-// this reads it as the C++ ABI that macOS and Linux share lays it out on x86-64.
+// Counted from 0, the two destructors included. Nothing where it is not known how a member pointer
+// is laid out: macOS and Linux share the C++ ABI, in which ARM keeps the mark of a virtual one
+// elsewhere.
 template <class Operation>
-std::optional<std::intptr_t> VirtualSlot(Operation operation) {
-#if defined(__x86_64__)
+std::optional<std::intptr_t> VirtualSlot([[maybe_unused]] Operation operation) {
+#if defined(__x86_64__) || defined(__aarch64__)
     std::intptr_t offset = 0;
     std::memcpy(&offset, &operation, sizeof offset);
-    return (offset - 1) / static_cast<std::intptr_t>(sizeof(void*));
+#if defined(__x86_64__)
+    --offset;
+#endif
+    return offset / static_cast<std::intptr_t>(sizeof(void*));
 #else
     return std::nullopt;
 #endif

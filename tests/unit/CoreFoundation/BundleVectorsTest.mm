@@ -21,7 +21,7 @@ const KnownDifferences kKnownDifferences{
       "a value that is no string came out as the text of its memory; here it counts as missing"}},
 };
 
-CFStringRef NewString(const json& text) {
+CFStringRef MakeString(const json& text) {
     if (text.is_null()) {
         return nullptr;
     }
@@ -66,9 +66,9 @@ class BundleVector : public ::testing::TestWithParam<json> {
 
     static json LocalizedString(NSBundle* bundle) {
         const json& input = GetParam()["input"];
-        const CFStringRef key = NewString(input["key"]);
-        const CFStringRef value = NewString(input["value"]);
-        const CFStringRef table = NewString(input["table"]);
+        const CFStringRef key = MakeString(input["key"]);
+        const CFStringRef value = MakeString(input["value"]);
+        const CFStringRef table = MakeString(input["table"]);
         const CFStringRef string =
             CFBundleCopyLocalizedString((CFBundleRef)bundle, key, value, table);
         json answer = TaggedTree(string);

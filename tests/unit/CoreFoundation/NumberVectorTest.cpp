@@ -55,7 +55,8 @@ std::string CheckGetValue(const Vector& vector) {
     if (buffer[expected.size()] != kFill) {
         return "wrote past the value";
     }
-    return ok == vector.result.at("ok").get<bool>() && hex == vector.result.at("bytes")
+    return ok == vector.result.at("ok").get<bool>() &&
+                   hex == vector.result.at("bytes").get<std::string>()
                ? ""
                : (ok ? "ok " : "not ok ") + hex;
 }

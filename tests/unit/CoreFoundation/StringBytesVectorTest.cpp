@@ -37,7 +37,8 @@ std::string CompareBuffer(bool ok, const GuardedBuffer& buffer, const json& resu
     if (!ok && buffer.size > 0 && buffer.bytes[0] != 0) {
         return "left no empty string after a failure";
     }
-    if (ok != result.at("ok").get<bool>() || (ok && buffer.hex() != result.at("buf"))) {
+    if (ok != result.at("ok").get<bool>() ||
+        (ok && buffer.hex() != result.at("buf").get<std::string>())) {
         return (ok ? "ok " : "not ok ") + buffer.hex();
     }
     return "";
@@ -87,7 +88,7 @@ std::string CheckRoundTrip(const Vector& vector) {
     char out[64];
     const bool ok = CFStringGetCString(text.get(), out, sizeof out, encoding);
     const std::string hex = vectors::Hex(reinterpret_cast<const UInt8*>(out), std::strlen(out) + 1);
-    return ok && hex == vector.result.at("out") ? "" : "back as " + hex;
+    return ok && hex == vector.result.at("out").get<std::string>() ? "" : "back as " + hex;
 }
 
 std::string CheckCreateWithBytes(const Vector& vector) {
@@ -110,7 +111,7 @@ std::string CheckGetBytes(const Vector& vector) {
         vector.input.at("loss_byte").get<UInt8>(), vector.input.at("is_external").get<bool>(),
         buffer.bytes.data(), static_cast<CFIndex>(buffer.size), &used);
     if (converted == vector.result.at("converted") && used == vector.result.at("used") &&
-        buffer.hex() == vector.result.at("buf") && buffer.guardUntouched()) {
+        buffer.hex() == vector.result.at("buf").get<std::string>() && buffer.guardUntouched()) {
         return "";
     }
     return "converted " + std::to_string(converted) + " used " + std::to_string(used) + " " +

@@ -8,7 +8,7 @@
 #include <bit>
 #include <vector>
 
-#import "platform/CoreFoundation/PropertyList/KeyedArchiverUID.h"
+#include "tests/unit/CoreFoundation/ArchiverUID.h"
 
 using nlohmann::json;
 
@@ -88,8 +88,8 @@ json Other(id object) {
     if ([object isKindOfClass:[NSDate class]]) {
         return {{"date", fmt::format("{:.17g}", [object timeIntervalSinceReferenceDate])}};
     }
-    if ([object isKindOfClass:[CFKeyedArchiverUID class]]) {
-        return {{"other", "CFKeyedArchiverUID"}, {"value", [(CFKeyedArchiverUID*)object value]}};
+    if (const auto value = ArchiverUIDValue((CFTypeRef)object)) {
+        return {{"other", "CFKeyedArchiverUID"}, {"value", *value}};
     }
     if ([object isKindOfClass:[NSSet class]]) {
         return {{"other", "CFSet"}};

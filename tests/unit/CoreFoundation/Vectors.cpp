@@ -6,6 +6,7 @@
 
 #include "tests/support/Paths.h"
 #include "tests/unit/CoreFoundation/Owned.h"
+#include "tests/unit/CoreFoundation/Unsettled.h"
 
 namespace vectors {
 
@@ -45,7 +46,9 @@ void Verify(const Vector& vector, const Checks& checks, const Deviations& deviat
     SCOPED_TRACE(vector.id + " " + vector.input.dump());
     const std::string difference = checks.at(vector.family)(vector);
     const auto deviation = deviations.find(vector.id);
-    if (deviation == deviations.end()) {
+    if (const auto reason = WhyUnsettledHere(vector.family, deviation != deviations.end())) {
+        ReportUnsettled(vector.id, difference, *reason);
+    } else if (deviation == deviations.end()) {
         EXPECT_EQ(difference, "") << "measured: " << vector.result.dump();
     } else {
         EXPECT_EQ(difference, deviation->second.got) << deviation->second.reason;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/Testing/LiveObjects.h"
+#include "platform/Testing/TestClock.h"
 #include "tests/unit/CoreFoundation/RunLoop/Scene.h"
 
 namespace run_loop_test {

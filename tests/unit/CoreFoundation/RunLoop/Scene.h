@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/Testing/TestClock.h"
+#include "tests/unit/CoreFoundation/RunLoop/SceneClock.h"
 
 namespace run_loop_test {
 
@@ -66,7 +66,7 @@ class Scene {
     }
 
   private:
-    std::optional<platform_testing::TestClock> clock_;
+    std::optional<SceneClock> clock_;
     CFAbsoluteTime start_;
     const CFRunLoopRef loop_ = CFRunLoopGetCurrent();
     const CFRunLoopMode custom_;
