@@ -42,6 +42,9 @@ function(krt9_compile_options target)
     if(APPLE)
         # Newer SDKs deprecate functions that the driver calls and that have no equal in C.
         target_compile_options(${target} PRIVATE -Wno-error=deprecated-declarations)
+        # Else the system's headers may define the words check, verify and require as macros.
+        target_compile_definitions(${target} PRIVATE
+            __ASSERT_MACROS_DEFINE_VERSIONS_WITHOUT_UNDERSCORES=0)
     else()
         target_compile_options(${target} PRIVATE "$<$<COMPILE_LANGUAGE:OBJCXX>:${krt9_objcxx_flags}>")
     endif()
