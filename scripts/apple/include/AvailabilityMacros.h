@@ -1,0 +1,2 @@
+// GoogleTest includes it, and needs nothing of it.
+#pragma once
