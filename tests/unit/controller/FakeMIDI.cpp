@@ -120,6 +120,7 @@ MIDIDeviceRef MIDIGetDevice(ItemCount index) {
 }
 
 ItemCount MIDIDeviceGetNumberOfEntities(MIDIDeviceRef device) {
+    TheBus().parents.push_back(device);
     const Device* const found = FindDevice(device);
     return found == nullptr ? 0 : found->entities.size();
 }
@@ -129,11 +130,13 @@ MIDIEntityRef MIDIDeviceGetEntity(MIDIDeviceRef device, ItemCount index) {
 }
 
 MIDIEndpointRef MIDIEntityGetSource(MIDIEntityRef entity, ItemCount index) {
+    TheBus().parents.push_back(entity);
     const Entity* const found = FindEntity(entity);
     return index == 0 && found != nullptr && found->hasSource ? SourceOf(entity) : 0;
 }
 
 MIDIEndpointRef MIDIEntityGetDestination(MIDIEntityRef entity, ItemCount index) {
+    TheBus().parents.push_back(entity);
     const Entity* const found = FindEntity(entity);
     return index == 0 && found != nullptr && found->hasDestination ? DestinationOf(entity) : 0;
 }

@@ -36,6 +36,7 @@ struct Bus {
 
     std::vector<std::string> calls;  // of clients and ports, in order, with their arguments
     std::vector<std::string> namesRead;
+    std::vector<MIDIObjectRef> parents;  // whose entities or endpoints were asked for
     MIDIReadProc readProc = nullptr;
     std::vector<std::pair<CFIndex, CFStringEncoding>> conversions;  // of names to C strings
     std::vector<const void*> contexts;  // of client, input port and connection

@@ -121,6 +121,17 @@ TEST_F(MIDIConnection, WithoutControllerTheDriverIsMadeAndNotConnected) {
     EXPECT_FALSE(ConnectedWith({{"Keyboard", {{"Private"}}}}));
 }
 
+TEST_F(MIDIConnection, NothingIsAskedOfWhatWasNotFound) {
+    ConnectedWith({{"Keyboard", {{"Private"}}}});
+    EXPECT_THAT(TheBus().parents, IsEmpty()) << "no device";
+    ConnectedWith({{"KRT-9 USB", {{"Echo"}}}});
+    EXPECT_THAT(TheBus().parents, ElementsAre(fake_midi::DeviceAt(0))) << "no entity";
+    TheBus() = Bus();
+    ConnectedWith({{"KRT-9 USB", {{"Private", false, true}}}});
+    EXPECT_THAT(TheBus().parents, ElementsAre(fake_midi::DeviceAt(0), fake_midi::EntityAt(0, 0)))
+        << "no source, so that the destination does not matter";
+}
+
 TEST_F(MIDIConnection, DeviceNameFollowedByABlankIsNotTheController) {
     EXPECT_FALSE(ConnectedWith({{"KRT-9 USB ", {{"Private"}}}}));
 }
