@@ -69,6 +69,20 @@ TEST_F(CircularBuffer, GivesBytesBackInOrder) {
     EXPECT_TRUE(buffer.IsEmpty());
 }
 
+TEST_F(CircularBuffer, TakesASingleByteAlsoAsTheRestBehindTheEndOfTheRing) {
+    Add({7});
+    EXPECT_EQ(Get(9), Bytes{7});
+    buffer.Reset(kCapacity - 2, kCapacity - 2);
+    Add({1, 2, 3});
+    EXPECT_EQ(Get(9), (Bytes{1, 2, 3}));
+}
+
+TEST_F(CircularBuffer, MarksStoredBeyondTheRingReadAcrossItsEndAllTheSame) {
+    Add(Counting(kCapacity));
+    buffer.Reset(2 * kCapacity + 3, 2 * kCapacity - 2);
+    EXPECT_EQ(Get(9), (Bytes{0xFE, 0xFF, 0, 1, 2}));
+}
+
 TEST_F(CircularBuffer, ReadsNoMoreThanAskedFor) {
     Add({1, 2, 3});
     EXPECT_EQ(Get(2), (Bytes{1, 2}));
