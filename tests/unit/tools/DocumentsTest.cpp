@@ -188,7 +188,7 @@ std::vector<std::string> InFish(const std::string& program, const std::string& l
 TEST(BashCompletion, OffersVerbsThenTheirWordsThenTheirOptions) {
     EXPECT_THAT(InBash("krt9ctl", {"krt9ctl", "pa"}), ElementsAre("parent-position"));
     EXPECT_THAT(InBash("krt9ctl", {"krt9ctl", ""}),
-                IsSupersetOf({"value", "mouse", "--json", "--version"}));
+                IsSupersetOf({"value", "mouse", "--json", "--help", "--version"}));
     EXPECT_THAT(InBash("krt9ctl", {"krt9ctl", "mouse", "s"}), ElementsAre("start"));
     EXPECT_THAT(
         InBash("krt9ctl", {"krt9ctl", "--json", "--timeout", "5", "mouse", "start", "1,2", "--no"}),

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <sstream>
 
 #include "OnTerminal.h"
@@ -73,6 +74,23 @@ TEST(Terminal, IsNeitherAFileNorNothing) {
     EXPECT_EQ(terminal::Columns(file), 80U);
     EXPECT_EQ(terminal::Columns(-1), 80U);
     close(file);
+}
+
+// The status of a process that closes the descriptor and fills it.
+void CloseAndFill(int descriptor) {
+    close(descriptor);
+    terminal::FillStandardDescriptors();
+    char byte = 0;
+    const bool isUsable = descriptor == STDIN_FILENO ? read(descriptor, &byte, 1) >= 0
+                                                     : write(descriptor, &byte, 1) >= 0;
+    const bool isFree = open("/dev/null", O_RDWR | O_CLOEXEC) <= STDERR_FILENO;
+    std::_Exit((isUsable ? 1 : 0) + (isFree ? 2 : 0));
+}
+
+TEST(TerminalDeathTest, ClosedStandardDescriptorsAreGivenToNothingElse) {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        EXPECT_EXIT(CloseAndFill(descriptor), testing::ExitedWithCode(0), "") << descriptor;
+    }
 }
 
 TEST(Colour, IsForTerminalsThatCanShowIt) {
