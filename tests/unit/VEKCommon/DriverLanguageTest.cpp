@@ -40,6 +40,16 @@ TEST_F(DriverLanguage, WithoutAnEntryInTheBundleTheTagIsTheKeyItself) {
     EXPECT_STREQ(DriverInspector::Language(*driver_), "VEKLanguage");
 }
 
+TEST_F(DriverLanguage, WhatIsBehindTheTagsTerminatorStays) {
+    const std::size_t size = sizeof "VEKLanguage";
+    auto& language = DriverInspector::Language(*driver_);
+    std::fill(std::begin(language), std::end(language), '#');
+    EXPECT_TRUE(driver_->GetLocale());
+    EXPECT_EQ(std::string(language, size), std::string("VEKLanguage", size));
+    EXPECT_EQ(std::string(language + size, std::end(language)),
+              std::string(sizeof language - size, '#'));
+}
+
 TEST_F(DriverLanguage, TagIsSentWithItsTerminator) {
     driver_->GetLocale();
     for (int pass = 0; pass < 100 && companion_.received.empty(); ++pass) {

@@ -28,6 +28,16 @@ CFStringRef CFBundleCopyLocalizedString(CFBundleRef bundle, CFStringRef key, CFS
                                                                                       value, table);
 }
 
+Boolean CFStringGetFileSystemRepresentation(CFStringRef string, char* buffer, CFIndex size) {
+    if (Failures::Current().representation) {
+        buffer[0] = '~';
+        buffer[1] = 0;
+        return false;
+    }
+    return Next<decltype(CFStringGetFileSystemRepresentation)>(
+        "CFStringGetFileSystemRepresentation")(string, buffer, size);
+}
+
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path,
                                        CFURLPathStyle style, Boolean isDirectory) {
     if (Failures::Current().url) {

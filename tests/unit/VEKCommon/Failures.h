@@ -4,6 +4,7 @@
 
 struct Failures {
     bool localizedString = false;  // CFBundleCopyLocalizedString
+    bool representation = false;   // CFStringGetFileSystemRepresentation, which writes "~" before
     bool url = false;              // CFURLCreateWithFileSystemPath
     bool readStream = false;       // CFReadStreamCreateWithFile
 

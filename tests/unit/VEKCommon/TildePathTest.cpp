@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -9,6 +10,7 @@
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/HomeFolder.h"
 #include "tests/support/OwnedObject.h"
+#include "tests/unit/VEKCommon/Failures.h"
 
 namespace {
 
@@ -85,9 +87,29 @@ TEST_F(TildePath, PathLongerThanTheFileSystemRepresentationIsNull) {
     EXPECT_EQ(ExpandedString(tooLong), "(null)");
 }
 
+TEST_F(TildePath, WhatAFailedRepresentationWroteIsNotExpanded) {
+    Failures::Current().representation = true;
+    EXPECT_EQ(ExpandedString(CFSTR("anything")), "(null)");
+    Failures::Current() = Failures();
+}
+
 TEST_F(TildePath, ExpansionLeavesNothingOver) {
     EXPECT_EQ(LeftOverBy([] { ExpandedString(CFSTR("~")); }), "");
     EXPECT_EQ(LeftOverBy([] { ExpandedString(CFSTR("~/absent")); }), "");
+}
+
+// Under a sanitizer the system's own count stays 0, and the sanitizer counts.
+TEST_F(TildePath, ExpansionLeavesNoBytesOfTheHeapOver) {
+    const auto expand = [] {
+        ExpandedString(CFSTR("~"));
+        Expanded("~");
+    };
+    expand();  // whatever is made once
+    const std::size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 1000; ++i) {
+        expand();
+    }
+    EXPECT_LT(mallinfo2().uordblks, before + 10000);
 }
 
 TEST(TildePathDeathTest, NullPathEndsTheProcessWithTheKnownAssertion) {

@@ -81,6 +81,10 @@ TEST_F(CircularBuffer, MarksStoredBeyondTheRingReadAcrossItsEndAllTheSame) {
     Add(Counting(kCapacity));
     buffer.Reset(2 * kCapacity + 3, 2 * kCapacity - 2);
     EXPECT_EQ(Get(9), (Bytes{0xFE, 0xFF, 0, 1, 2}));
+    buffer.Reset(kCapacity, 2 * kCapacity - 2);
+    unsigned char byte = 0;
+    EXPECT_TRUE(buffer.GetByte(&byte));
+    EXPECT_EQ(byte, 0xFE);
 }
 
 TEST_F(CircularBuffer, ReadsNoMoreThanAskedFor) {

@@ -232,6 +232,11 @@ TEST_F(MIDIConnection, FailedConnectionReadsTheSourcesNameAndStaysUnconnected) {
     EXPECT_THAT(TheBus().namesRead, ElementsAre("name of 1000", "name of 1010", "name of 1011"));
 }
 
+TEST_F(MIDIConnection, ConnectionThatSucceedsDoesNotReadTheSourcesName) {
+    EXPECT_TRUE(ConnectedWith({kController}));
+    EXPECT_THAT(TheBus().namesRead, ElementsAre("name of 1000", "name of 1010"));
+}
+
 TEST_F(MIDIConnection, NoFailureIsLogged) {
     const auto linesWith = [](const Bus& bus) {
         TheBus() = bus;
