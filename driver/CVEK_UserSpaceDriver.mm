@@ -37,10 +37,8 @@ CVEK_UserSpaceDriver::CVEK_UserSpaceDriver()
       localPort(CFSTR("KRT9Background"), MessageCallbackEntry, nullptr, nullptr),
       remotePort(nullptr),
       runLoopSource(nullptr),
-      axUtils(),
       sparePointer(nullptr),
-      fcpxProfile(kProfileForOtherVersions),
-      eventPoster() {
+      fcpxProfile(kProfileForOtherVersions) {
     @autoreleasepool {
         NSBundle* bundle = [NSBundle mainBundle];
         id version = [bundle objectForInfoDictionaryKey:@"CFBundleVersion"];

@@ -45,7 +45,7 @@ size_t SizeOf(AXValueType type) {
 }
 
 - (BOOL)isEqual:(id)other {
-    if (AXValueGetType((AXValueRef)other) != _type) {
+    if (other == nil || AXValueGetType((AXValueRef)other) != _type) {
         return NO;
     }
     return std::memcmp(_bytes, ((AXValueObject*)other)->_bytes, sizeof _bytes) == 0;
