@@ -6,7 +6,6 @@
 #include "desktop/Desktop.h"
 #include "desktop/SceneValue.h"
 #include "desktop/Script.h"
-#include "platform/Testing/Variants.h"
 
 namespace desktop {
 
@@ -52,14 +51,6 @@ RuleType* FindRule(std::vector<RuleType> Misbehaviour::*kind, Element& element,
     return nullptr;
 }
 
-// None at all, so that its caller waits; or the system sees at once that it would wait in vain.
-std::optional<Reply> AnswerOfHung() {
-    if (platform_testing::IsOn(platform_testing::Variant::hangAtOnce)) {
-        return ErrorReply(kCannotComplete);
-    }
-    return std::nullopt;
-}
-
 }  // namespace
 
 std::optional<Reply> Desktop::AnswerAccessibility(const Request& request) {
@@ -71,7 +62,7 @@ std::optional<Reply> Desktop::AnswerAccessibility(const Request& request) {
         return ErrorReply(kInvalidElement);
     }
     if (application->hung) {
-        return AnswerOfHung();
+        return std::nullopt;
     }
     Element* element = model_.Find(request.element);
     if (element == nullptr) {
@@ -81,7 +72,7 @@ std::optional<Reply> Desktop::AnswerAccessibility(const Request& request) {
     // What ran inside a read may have let the application hang.
     application = model_.ApplicationWithPid(request.element.pid);
     if (application != nullptr && application->hung) {
-        return AnswerOfHung();
+        return std::nullopt;
     }
     return reply;
 }

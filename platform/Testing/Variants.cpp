@@ -24,7 +24,6 @@ constexpr std::array kNames = {
     std::pair{"fresh-bundle-info", Variant::freshBundleInfo},
     std::pair{"long-port-queue", Variant::longPortQueue},
     std::pair{"missing-is-null", Variant::missingIsNull},
-    std::pair{"hang-at-once", Variant::hangAtOnce},
     std::pair{"hang-for-a-second", Variant::hangForASecond},
     std::pair{"private-modifiers", Variant::privateModifiers},
     std::pair{"offline-devices", Variant::offlineDevices},

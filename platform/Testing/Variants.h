@@ -32,8 +32,8 @@ enum class Variant {
     // Accessibility.
     missingIsNull,   // in the array of a read of several attributes what is missing is kCFNull;
                      // usually an AXValue with the error
-    hangAtOnce,      // a call to an application that hangs fails at once with -25204
-    hangForASecond,  // or after a second at most; usually after the messaging time-out
+    hangForASecond,  // a call to an application that hangs fails after a second at most; usually
+                     // after the messaging time-out
 
     // Events.
     privateModifiers,  // events of a private source leave alone what later events inherit
