@@ -121,9 +121,11 @@ TEST(RunLoopException, OfFoundationLeavesTheLoopInOrder) {
 TEST(RunLoopObjects, AreFoundationObjects) {
     Scene scene;
     const CFRunLoopTimerRef timer = scene.MakeTimer(1, 0, [] {});
-    NSMutableArray* array = [NSMutableArray arrayWithObject:(id)timer];
-    EXPECT_EQ(CFGetRetainCount(timer), 2);
-    [array removeAllObjects];
+    @autoreleasepool {
+        NSMutableArray* array = [NSMutableArray arrayWithObject:(id)timer];
+        EXPECT_EQ(CFGetRetainCount(timer), 2);
+        [array removeAllObjects];
+    }
     EXPECT_EQ(CFGetRetainCount(timer), 1);
     EXPECT_EQ(CFGetTypeID(timer), CFRunLoopTimerGetTypeID());
 }
