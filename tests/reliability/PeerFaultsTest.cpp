@@ -121,7 +121,8 @@ TEST_F(PeerFaults, FullSocketCostsTheOthersNothingAndIsServedOnOnceItIsRead) {
         }
         ASSERT_LT(sequence, 1'000'000u) << "the driver takes without end";
     }
-    EXPECT_GT(sequence, 1000u);
+    // One direction of a socket holds about 280 messages of this size when each is sent alone.
+    EXPECT_GT(sequence, 500u);
     EXPECT_LT(State().residentBytes, before.residentBytes + 2 * kMegabyte);
 
     for (std::uint32_t read = 1; read <= sequence; ++read) {
