@@ -18,10 +18,13 @@ configure_file(${CMAKE_SOURCE_DIR}/tests/support/Paths.h.in
 # Tests run once and briefly: what they cost is their compilation.
 set(krt9_test_options -O0 -g1)
 
-# What nearly every test includes is parsed once.
+# What nearly every test includes is parsed once. Parsed headers serve only code of the same kind, so
+# that they and the programs are compiled as the compiler does unless told otherwise, also in a build
+# whose archives have to fit into shared libraries.
 function(krt9_precompile_test_headers)
     file(WRITE ${CMAKE_BINARY_DIR}/test_headers.cpp "")
     add_library(krt9_test_headers STATIC ${CMAKE_BINARY_DIR}/test_headers.cpp)
+    set_target_properties(krt9_test_headers PROPERTIES POSITION_INDEPENDENT_CODE OFF)
     krt9_compile_options(krt9_test_headers)
     target_compile_options(krt9_test_headers PRIVATE ${krt9_test_options})
     target_link_libraries(krt9_test_headers PRIVATE GTest::gmock GTest::gtest)
@@ -47,6 +50,7 @@ function(krt9_add_test name)
         math(EXPR arg_TIMEOUT "3 * ${arg_TIMEOUT}")  # counting takes its time
     endif()
     add_executable(${name} ${sources})
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
     krt9_compile_options(${name})
     krt9_link_frameworks(${name})
     target_compile_options(${name} PRIVATE ${krt9_test_options})
