@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "VEKCommon/MessageCodes.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "protocol/MessageCodes.h"
 
 // Whether the companion received the tag does not matter to the answer.
 bool CVEK_UserSpaceDriver::GetLocale() {

@@ -1,10 +1,10 @@
 #include <iterator>
 #include <vector>
 
+#include "VEKCommon/ConsoleLog.h"
+#include "VEKCommon/OwnedReference.h"
 #include "accessibility/VEK_C_AXUtils.h"
-#include "driver/ConsoleLog.h"
-#include "driver/OwnedReference.h"
-#include "workspace/FrontApplication.h"
+#include "frontapplication/FrontApplication.h"
 
 CFArrayRef VEK_C_AXUtils::sMultipleAttributes = nullptr;
 

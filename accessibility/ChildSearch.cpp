@@ -4,13 +4,13 @@
 #include <cstddef>
 #include <utility>
 
-#include "accessibility/ApplicationCall.h"
+#include "VEKCommon/Autoreleased.h"
+#include "VEKCommon/ConsoleLog.h"
+#include "VEKCommon/OwnedReference.h"
 #include "accessibility/DepthFirstSearch.h"
-#include "accessibility/ElementAttributes.h"
-#include "driver/Autoreleased.h"
+#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/ElementAttributes.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "driver/ConsoleLog.h"
-#include "driver/OwnedReference.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 // Follows the name of the clip that is selected in the editing application.
 #include <cstring>
 
+#include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/OwnedReference.h"
 #include "accessibility/EditingApplication.h"
-#include "accessibility/ElementAttributes.h"
 #include "accessibility/VersionProfiles.h"
+#include "accessibility/calls/ElementAttributes.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "driver/OwnedReference.h"
-#include "protocol/MessageCodes.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 #include <span>
 #include <utility>
 
-#include "accessibility/ApplicationCall.h"
-#include "accessibility/ElementAttributes.h"
-#include "driver/Autoreleased.h"
+#include "VEKCommon/Autoreleased.h"
+#include "VEKCommon/OwnedReference.h"
+#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/ElementAttributes.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "driver/OwnedReference.h"
 
 namespace {
 

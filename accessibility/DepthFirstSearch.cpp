@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "accessibility/ElementAttributes.h"
+#include "accessibility/calls/ElementAttributes.h"
 
 namespace {
 

@@ -17,7 +17,7 @@
 #include <ApplicationServices/ApplicationServices.h>
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "driver/OwnedReference.h"
+#include "VEKCommon/OwnedReference.h"
 
 class DepthFirstSearch {
   public:

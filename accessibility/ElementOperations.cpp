@@ -1,10 +1,10 @@
 // What requests do to one control of the front application, named by its identifier.
-#include "accessibility/ApplicationCall.h"
-#include "accessibility/ElementAttributes.h"
+#include "VEKCommon/Autoreleased.h"
+#include "VEKCommon/OwnedReference.h"
 #include "accessibility/VersionProfiles.h"
-#include "driver/Autoreleased.h"
+#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/ElementAttributes.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "driver/OwnedReference.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 // The search from the front application's windows down to one element.
-#include "accessibility/ApplicationCall.h"
+#include "VEKCommon/ConsoleLog.h"
+#include "VEKCommon/OwnedReference.h"
 #include "accessibility/DepthFirstSearch.h"
-#include "accessibility/ElementAttributes.h"
 #include "accessibility/VEK_C_AXUtils.h"
-#include "driver/ConsoleLog.h"
-#include "driver/OwnedReference.h"
-#include "workspace/FrontApplication.h"
+#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/ElementAttributes.h"
+#include "frontapplication/FrontApplication.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Siblings in an array of elements, and the values of one element.
-#include "accessibility/ApplicationCall.h"
-#include "accessibility/ElementAttributes.h"
+#include "VEKCommon/OwnedReference.h"
 #include "accessibility/VEK_C_AXUtils.h"
-#include "driver/OwnedReference.h"
+#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/ElementAttributes.h"
 
 namespace {
 

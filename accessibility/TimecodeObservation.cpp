@@ -1,12 +1,12 @@
 // Follows the timecode under the playhead of the editing application's timeline.
 #include <cstring>
 
+#include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/OwnedReference.h"
 #include "accessibility/EditingApplication.h"
-#include "accessibility/ElementAttributes.h"
 #include "accessibility/VersionProfiles.h"
+#include "accessibility/calls/ElementAttributes.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "driver/OwnedReference.h"
-#include "protocol/MessageCodes.h"
 
 namespace {
 

@@ -3,9 +3,6 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-// The editing application, compared exactly.
-#define kVEK_FCPX_BundleID CFSTR("com.apple.FinalCut")
-
 // Handed along with look-ups of the timeline-index toggle; decides nothing.
 #define kVEK_FCPX_ToggleTimelineIndexButtonID CFSTR("_TTIB")
 

@@ -3,9 +3,9 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <syslog.h>
 
+#include "VEKCommon/ByteBuffers.h"
+#include "VEKCommon/MessageCodes.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "protocol/ByteBuffers.h"
-#include "protocol/MessageCodes.h"
 
 namespace {
 

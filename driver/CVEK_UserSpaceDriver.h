@@ -13,8 +13,8 @@
 #include "accessibility/VEK_C_AXUtils.h"
 #include "events/VEK_EventPoster.h"
 #include "protocol/CACFMessagePort.h"
-#include "workspace/TargetWindowList.h"
-#include "workspace/VEK_Driver_TargetWindowInfo.h"
+#include "windows/TargetWindowList.h"
+#include "windows/VEK_Driver_TargetWindowInfo.h"
 
 #ifdef __OBJC__
 @class NSArray;
@@ -33,7 +33,7 @@ class CVEK_UserSpaceDriver {
     CVEK_UserSpaceDriver(const CVEK_UserSpaceDriver&) = delete;
     CVEK_UserSpaceDriver& operator=(const CVEK_UserSpaceDriver&) = delete;
 
-    // --- workspace/: the two other virtual operations, in slot order -----------------------------
+    // --- windows/: the two other virtual operations, in slot order -----------------------------
 
     // True when `title` contains `name` (partial; an empty name never does) or equals it. Literal
     // and case-sensitive.
@@ -168,7 +168,7 @@ class CVEK_UserSpaceDriver {
     // Global display coordinates, origin at the top left of the main screen.
     void GetGlobalMouse(CGPoint* where);
 
-    // --- workspace/: window lookup ---------------------------------------------------------------
+    // --- windows/: window lookup ---------------------------------------------------------------
 
     NSArray* CopyApplicationWindowList(bool debug, NSString* label);  // autoreleased, or nil
     AXUIElementRef GetWindowElementWithTitle(NSString* title, bool partial);     // borrowed

@@ -1,5 +1,7 @@
 #include "driver/CVEK_UserSpaceDriver.h"
 
+#include "VEKCommon/Names.h"
+
 #include <cstdlib>
 #include <cstring>
 
@@ -34,7 +36,7 @@ CVEK_UserSpaceDriver::CVEK_UserSpaceDriver()
       connectState(false),
       midiClient(0),
       localeSent(false),
-      localPort(CFSTR("KRT9Background"), MessageCallbackEntry, nullptr, nullptr),
+      localPort(CFSTR(kDriverPortName), MessageCallbackEntry, nullptr, nullptr),
       remotePort(nullptr),
       runLoopSource(nullptr),
       sparePointer(nullptr),
@@ -65,7 +67,7 @@ CVEK_UserSpaceDriver::CVEK_UserSpaceDriver()
     CFRunLoopAddSource(CFRunLoopGetCurrent(), runLoopSource, kCFRunLoopCommonModes);
 
     MIDISignIn();
-    remotePort = new CACFRemoteMessagePort(CFSTR("VEK_KRT9"), nullptr);
+    remotePort = new CACFRemoteMessagePort(CFSTR(kCompanionPortName), nullptr);
     // Unreachable: a port that could not be made has no source either.
     if (!localPort.IsValid()) {
         syslog(LOG_EMERG, "local Port is not valid");

@@ -5,7 +5,7 @@
 #include <climits>
 #include <csignal>
 
-#include "driver/OwnedReference.h"
+#include "VEKCommon/OwnedReference.h"
 
 namespace {
 

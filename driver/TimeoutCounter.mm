@@ -2,17 +2,17 @@
 
 #import <AppKit/AppKit.h>
 
-#include "accessibility/ApplicationCall.h"
+#include "VEKCommon/Names.h"
+#include "accessibility/calls/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "workspace/FrontApplication.h"
+#include "frontapplication/FrontApplication.h"
 
 namespace {
 
 constexpr CFTimeInterval kTickInterval = 0.1;
 
-// Exact and case-sensitive: a longer identifier with this prefix is another application.
 bool IsEditor(NSString* bundleID) {
-    return [bundleID compare:@"com.apple.FinalCut" options:NSLiteralSearch] == NSOrderedSame;
+    return [bundleID compare:@kEditorBundleID options:NSLiteralSearch] == NSOrderedSame;
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "driver/Interrupts.h"
-#include "workspace/FrontApplication.h"
+#include "frontapplication/FrontApplication.h"
 
 int main(int, char**) {
     signal(SIGINT, CVEK_UserSpaceDriver::SignalHandler);

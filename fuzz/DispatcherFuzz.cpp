@@ -15,6 +15,8 @@
 #include <string>
 #include <system_error>
 
+#include "VEKCommon/MessageCodes.h"
+#include "frontapplication/FrontApplication.h"
 #include "fuzz/Answers.h"
 #include "fuzz/Check.h"
 #include "fuzz/ObjectLedger.h"
@@ -26,13 +28,11 @@
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/MidiFaults.h"
 #include "platform/Testing/TestClock.h"
-#include "protocol/MessageCodes.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/FrontApplicationState.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/ScriptedTransport.h"
-#include "workspace/FrontApplication.h"
 
 namespace {
 

@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
+#include "VEKCommon/ByteBuffers.h"
 #include "fuzz/Check.h"
 #include "fuzz/Choices.h"
 #include "fuzz/StartUp.h"
-#include "protocol/ByteBuffers.h"
 #include "protocol/RequestOperations.h"
 #include "protocol/ServerSpec.h"
 #include "protocol/SharedFamilyRecords.h"

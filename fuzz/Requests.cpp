@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 
 namespace fuzz {
 

@@ -3,8 +3,8 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <syslog.h>
 
+#include "VEKCommon/OwnedReference.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "driver/OwnedReference.h"
 
 namespace {
 

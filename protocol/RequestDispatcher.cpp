@@ -10,11 +10,11 @@
 #include <string>
 #include <type_traits>
 
-#include "accessibility/ApplicationCall.h"
-#include "driver/AutoreleasePool.h"
+#include "VEKCommon/AutoreleasePool.h"
+#include "VEKCommon/MessageCodes.h"
+#include "accessibility/calls/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "protocol/BoundedBytes.h"
-#include "protocol/MessageCodes.h"
 #include "protocol/RequestOperations.h"
 #include "protocol/ServerSpec.h"
 

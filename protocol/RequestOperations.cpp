@@ -2,10 +2,9 @@
 
 #include <cstring>
 
-#include "driver/ConsoleLog.h"
-#include "workspace/FrontApplication.h"
-
-#define kEditorBundleID CFSTR("com.apple.FinalCut")
+#include "VEKCommon/ConsoleLog.h"
+#include "VEKCommon/Names.h"
+#include "frontapplication/FrontApplication.h"
 
 namespace {
 
@@ -35,7 +34,7 @@ void ElementIdentifier::Deserialize(const unsigned char* src) {
 // --- Front application and observation -----------------------------------------------------------
 
 void CVEK_UserSpaceDriver::RefreshFrontApplication() {
-    axUtils.ResetCacheForApplication(kEditorBundleID);
+    axUtils.ResetCacheForApplication(CFSTR(kEditorBundleID));
     frontAppPID = CFWorkspace_CurrentFrontApplicationPID();
     CFStringRef shortVersion = nullptr;
     if (CFWorkspace_FrontApplicationShortVersion(&shortVersion)) {
@@ -68,12 +67,12 @@ void RequestOperations::StopObserving(Driver& driver, const NoBody&) {
     driver.lastClipName[0] = 0;
     driver.observeTimelineTimecode = false;
     driver.observeClipSelection = false;
-    driver.axUtils.ResetCacheForApplication(kEditorBundleID);
+    driver.axUtils.ResetCacheForApplication(CFSTR(kEditorBundleID));
 }
 
 // Observation goes on.
 void RequestOperations::ForgetElementsAndClipName(Driver& driver, const NoBody&) {
-    driver.axUtils.ResetCacheForApplication(kEditorBundleID);
+    driver.axUtils.ResetCacheForApplication(CFSTR(kEditorBundleID));
     driver.lastClipName[0] = 0;
 }
 

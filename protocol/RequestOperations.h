@@ -9,8 +9,8 @@
 #include <cstddef>
 #include <optional>
 
+#include "VEKCommon/OwnedReference.h"
 #include "driver/CVEK_UserSpaceDriver.h"
-#include "driver/OwnedReference.h"
 #include "protocol/BoundedBytes.h"
 #include "protocol/GeometryRecords.h"
 #include "protocol/InputRecords.h"

@@ -7,8 +7,8 @@
 
 #include "protocol/BoundedBytes.h"
 #include "protocol/MessageSpec.h"
-#include "workspace/TargetWindowList.h"
-#include "workspace/VEK_Driver_TargetWindowInfo.h"
+#include "windows/TargetWindowList.h"
+#include "windows/VEK_Driver_TargetWindowInfo.h"
 
 struct STargetWindowRequestSpec : SMessageSpec {
     static constexpr unsigned int kSmallestSize = 4;  // bytes: no candidate

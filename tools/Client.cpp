@@ -1,5 +1,6 @@
 #include "tools/Client.h"
 
+#include "VEKCommon/Names.h"
 #include "tools/Session.h"
 
 namespace krt9ctl {
@@ -11,7 +12,7 @@ CFStringRef ReplyMode() {
 Answer Client::Send(const Request& request) {
     if (!port_) {
         CheckSession();
-        port_.reset(CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR("KRT9Background")));
+        port_.reset(CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR(kDriverPortName)));
     }
     if (!port_) {
         return {kPortMissing, {}};

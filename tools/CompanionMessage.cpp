@@ -8,8 +8,8 @@
 #include <ctime>
 #include <optional>
 
-#include "protocol/ByteBuffers.h"
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/ByteBuffers.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {

@@ -5,7 +5,7 @@
 
 #include <optional>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tools/Reply.h"
 #include "tools/RequestBody.h"
 #include "tools/Session.h"

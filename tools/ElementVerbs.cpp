@@ -1,5 +1,5 @@
 // Verbs that read, set or press one control of the front application.
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
 #include "tools/RequestBody.h"

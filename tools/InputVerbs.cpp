@@ -1,8 +1,8 @@
 // Verbs that post keystrokes and mouse gestures, and the pointer's position.
 #include <cmath>
 
+#include "VEKCommon/MessageCodes.h"
 #include "protocol/InputRecords.h"
-#include "protocol/MessageCodes.h"
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
 #include "tools/Keys.h"

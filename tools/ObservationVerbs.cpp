@@ -1,5 +1,5 @@
 // Verbs that make the driver look at the editing application anew, follow it or stop following it.
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
 #include "tools/RequestBody.h"

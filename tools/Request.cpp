@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 
 namespace krt9ctl {
 

@@ -2,6 +2,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "VEKCommon/Names.h"
 #include "platform/DesktopLink/Framing.h"
 #include "platform/LocalSocket/SessionDirectory.h"
 #include "platform/LocalSocket/Socket.h"
@@ -12,8 +13,9 @@ namespace krt9ctl {
 void CheckSession() {
     std::string problem;
     local_socket::OpenSessionDirectory(local_socket::IfMissing::leave, &problem);
-    for (const std::string_view name : {std::string_view("KRT9Background"),
-                                        std::string_view("VEK_KRT9"), desktop_link::kSocketName}) {
+    for (const std::string_view name :
+         {std::string_view(kDriverPortName), std::string_view(kCompanionPortName),
+          desktop_link::kSocketName}) {
         if (problem.empty()) {
             problem = local_socket::NameProblem(name);
         }

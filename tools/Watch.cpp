@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/Names.h"
 #include "tools/Arguments.h"
 #include "tools/CompanionMessage.h"
 #include "tools/Grammar.h"
@@ -85,7 +86,7 @@ ExitCode Watch::Run(std::optional<double> seconds) {
     const Interruption interruption;
     CFMessagePortContext context{0, this, nullptr, nullptr, nullptr};
     const Reference<CFMessagePortRef> port(CFMessagePortCreateLocal(
-        kCFAllocatorDefault, CFSTR("VEK_KRT9"), ReceiveEntry, &context, nullptr));
+        kCFAllocatorDefault, CFSTR(kCompanionPortName), ReceiveEntry, &context, nullptr));
     if (!port) {
         output_.Problem(ExitCode::nameTaken,
                         "the port VEK_KRT9 is taken: the companion or another watch runs");

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "protocol/TargetWindowRequestSpec.h"
 #include "protocol/WindowRequestSpec.h"
 #include "tools/Arguments.h"

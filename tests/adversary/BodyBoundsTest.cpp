@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/DesktopLink/Transport.h"
-#include "protocol/MessageCodes.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/unit/protocol/DispatcherTest.h"

@@ -3,11 +3,11 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "driver/OwnedReference.h"
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/OwnedReference.h"
+#include "frontapplication/FrontApplication.h"
 #include "tests/support/FrontApplicationState.h"
 #include "tests/support/LeakAllowance.h"
-#include "workspace/FrontApplication.h"
 
 namespace adversary {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/EventFaults.h"
-#include "protocol/MessageCodes.h"
 #include "tests/unit/protocol/DispatcherTest.h"
 
 namespace adversary {

@@ -8,11 +8,12 @@
 #include <filesystem>
 #include <fstream>
 
+#include "VEKCommon/MessageCodes.h"
+#include "frontapplication/FrontApplication.h"
 #include "platform/DesktopLink/Session.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
 #include "platform/Testing/Variants.h"
-#include "protocol/MessageCodes.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/adversary/HostileDocuments.h"
 #include "tests/support/DriverInspector.h"
@@ -22,7 +23,6 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/protocol/Bytes.h"
-#include "workspace/FrontApplication.h"
 
 namespace adversary {
 

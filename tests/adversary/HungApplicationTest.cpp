@@ -11,8 +11,8 @@
 #include <algorithm>
 #include <thread>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/TestClock.h"
-#include "protocol/MessageCodes.h"
 #include "tests/adversary/DriverUnderAttack.h"
 #include "tests/adversary/Operations.h"
 #include "tests/support/CallClock.h"

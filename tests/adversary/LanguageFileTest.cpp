@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/adversary/HostileDocuments.h"
 #include "tests/unit/protocol/DispatcherTest.h"

@@ -11,8 +11,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/LiveObjects.h"
-#include "protocol/MessageCodes.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/adversary/CrowdedApplication.h"
 #include "tests/support/DriverInspector.h"

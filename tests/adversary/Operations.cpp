@@ -2,11 +2,11 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
-#include "accessibility/ElementAttributes.h"
-#include "driver/Autoreleased.h"
-#include "driver/OwnedReference.h"
+#include "VEKCommon/Autoreleased.h"
+#include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/OwnedReference.h"
+#include "accessibility/calls/ElementAttributes.h"
 #include "platform/ApplicationServices/Element.h"
-#include "protocol/MessageCodes.h"
 
 namespace adversary {
 

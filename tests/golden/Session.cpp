@@ -6,13 +6,13 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "VEKCommon/MessageCodes.h"
+#include "frontapplication/FrontApplication.h"
 #include "platform/Testing/LiveObjects.h"
-#include "protocol/MessageCodes.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/Paths.h"
-#include "workspace/FrontApplication.h"
 
 namespace golden {
 

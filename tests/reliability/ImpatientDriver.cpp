@@ -2,7 +2,7 @@
 // see hung applications again and again and are done the same day. Linked with the driver's own
 // main, of which this is set before the first line.
 
-#include "accessibility/ApplicationCall.h"
+#include "accessibility/calls/ApplicationCall.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // How calls to applications are measured, in the hands of a test.
 #pragma once
 
-#include "accessibility/ApplicationCall.h"
+#include "accessibility/calls/ApplicationCall.h"
 
 namespace test_support {
 

@@ -1,6 +1,6 @@
 #include "tests/support/FrontApplicationState.h"
 
-#import "workspace/VEK_Driver_FrontAppObserver.h"
+#import "frontapplication/VEK_Driver_FrontAppObserver.h"
 
 namespace test_support {
 

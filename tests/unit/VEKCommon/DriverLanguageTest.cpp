@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <string>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/LiveObjects.h"
-#include "protocol/MessageCodes.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"

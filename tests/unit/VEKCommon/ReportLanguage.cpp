@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <optional>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/LiveObjects.h"
-#include "protocol/MessageCodes.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/TestDriver.h"

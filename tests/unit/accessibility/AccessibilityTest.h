@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "driver/OwnedReference.h"
+#include "VEKCommon/OwnedReference.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/FrontApplicationState.h"
 #include "tests/unit/accessibility/FakeEditor.h"

@@ -1,6 +1,6 @@
 #include "tests/unit/accessibility/DriverTest.h"
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tests/support/LeakAllowance.h"
 
 namespace {

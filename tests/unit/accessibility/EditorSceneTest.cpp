@@ -11,18 +11,18 @@
 #include <string>
 #include <vector>
 
+#include "VEKCommon/MessageCodes.h"
 #include "desktop/Desktop.h"
 #include "desktop/InProcessTransport.h"
+#include "frontapplication/FrontApplication.h"
 #include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/LiveObjects.h"
-#include "protocol/MessageCodes.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/accessibility/DriverTest.h"
-#include "workspace/FrontApplication.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // What the tests of both observations share.
 #pragma once
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tests/unit/accessibility/DriverTest.h"
 
 class ObservationTest : public DriverTest {

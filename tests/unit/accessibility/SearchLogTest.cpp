@@ -1,8 +1,8 @@
 // The lines that a search writes to the console log when it is told to.
 #include "accessibility/VEK_C_AXUtils.h"
 #include "platform/Testing/LogCapture.h"
+#include "tests/support/FrameworkAnswers.h"
 #include "tests/unit/accessibility/AccessibilityTest.h"
-#include "tests/unit/workspace/FrameworkAnswers.h"
 
 namespace {
 

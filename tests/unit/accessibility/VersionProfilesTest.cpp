@@ -1,3 +1,4 @@
+#include "VEKCommon/Names.h"
 #include "accessibility/VersionProfiles.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "tests/unit/accessibility/AccessibilityTest.h"
@@ -67,7 +68,7 @@ TEST(VersionProfiles, ARowThatTheTableDoesNotHaveCountsAsTheLast) {
 
 TEST(VersionProfiles, ConstantsHaveTheirTexts) {
     EXPECT_EQ(TextOf(kVEK_FCPX_ToggleTimelineIndexButtonID), "_TTIB");
-    EXPECT_EQ(TextOf(kVEK_FCPX_BundleID), "com.apple.FinalCut");
+    EXPECT_EQ(TextOf(CFSTR(kEditorBundleID)), "com.apple.FinalCut");
     EXPECT_EQ(TextOf(kVEK_AXRole_AllValidRoles), "VEKAXAllRoles");
     EXPECT_EQ(TextOf(kVEK_CF_Key_Application_ID), "VEKAPPID");
 }

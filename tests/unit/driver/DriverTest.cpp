@@ -1,6 +1,6 @@
 #include "tests/unit/driver/DriverTest.h"
 
-#include "workspace/FrontApplication.h"
+#include "frontapplication/FrontApplication.h"
 
 namespace {
 

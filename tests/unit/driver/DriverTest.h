@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
 #include "platform/Testing/TestClock.h"
-#include "protocol/MessageCodes.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/InProcessDesktop.h"

@@ -6,7 +6,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"

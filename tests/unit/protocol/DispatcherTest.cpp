@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
+#include "frontapplication/FrontApplication.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
-#include "workspace/FrontApplication.h"
 
 namespace {
 

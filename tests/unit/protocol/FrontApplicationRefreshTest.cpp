@@ -1,6 +1,6 @@
 // Which row of the version profiles a refresh selects for the application in front.
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tests/support/FrontApplicationState.h"
 #include "tests/unit/protocol/DispatcherTest.h"
 

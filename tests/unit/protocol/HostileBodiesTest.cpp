@@ -4,8 +4,8 @@
 
 #include <ostream>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/DesktopLink/Transport.h"
-#include "protocol/MessageCodes.h"
 #include "tests/unit/protocol/DispatcherTest.h"
 
 namespace {

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/LiveObjects.h"
 #include "protocol/CACFMessagePort.h"
-#include "protocol/MessageCodes.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"

@@ -3,8 +3,8 @@
 
 #include <stdexcept>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/LiveObjects.h"
-#include "protocol/MessageCodes.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/LongForm.h"
 #include "tests/support/ScriptedTransport.h"

@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
+#include "VEKCommon/MessageCodes.h"
 #include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/Variants.h"
-#include "protocol/MessageCodes.h"
 #include "tests/unit/protocol/DispatcherTest.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "PlanOf.h"
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tools/Conversation.h"
 
 namespace krt9ctl {

@@ -5,7 +5,7 @@
 #include <csignal>
 #include <sstream>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tests/process/Stage.h"
 #include "tests/support/Paths.h"
 #include "tools/Interruption.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tools/Reply.h"
 
 namespace krt9ctl {

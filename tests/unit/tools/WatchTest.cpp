@@ -7,7 +7,7 @@
 #include <functional>
 #include <sstream>
 
-#include "protocol/MessageCodes.h"
+#include "VEKCommon/MessageCodes.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"

@@ -1,0 +1,9 @@
+#include "VEKCommon/AutoreleasePool.h"
+
+#import <Foundation/Foundation.h>
+
+AutoreleasePool::AutoreleasePool() : pool_([[NSAutoreleasePool alloc] init]) {}
+
+AutoreleasePool::~AutoreleasePool() {
+    [(NSAutoreleasePool*)pool_ drain];
+}

@@ -1,0 +1,9 @@
+// Names by which the driver and other programs know each other: string literals, for CFSTR.
+#pragma once
+
+// The driver's own message port, and the companion's.
+#define kDriverPortName "KRT9Background"
+#define kCompanionPortName "VEK_KRT9"
+
+// The editing application, compared exactly: an identifier that begins with it is another's.
+#define kEditorBundleID "com.apple.FinalCut"

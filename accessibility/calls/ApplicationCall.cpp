@@ -1,0 +1,65 @@
+#include "accessibility/calls/ApplicationCall.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "VEKCommon/OwnedReference.h"
+
+namespace {
+
+// The system measures the time-out itself, and not by this clock: it may end a little early here.
+constexpr double kNearlyAll = 0.9;
+
+constinit CallTiming timing;
+bool timeoutIsSet = false;
+
+int operations = 0;                // under way, one within the other
+std::vector<pid_t> hungProcesses;  // found by them; few, if any
+
+void SetTimeoutOfProcess() {
+    const OwnedReference<AXUIElementRef> systemWide(AXUIElementCreateSystemWide());
+    AXUIElementSetMessagingTimeout(systemWide.get(), timing.timeout);
+    timeoutIsSet = true;
+}
+
+bool IsHung(pid_t process) {
+    return std::find(hungProcesses.begin(), hungProcesses.end(), process) != hungProcesses.end();
+}
+
+}  // namespace
+
+OneWait::OneWait() {
+    ++operations;
+}
+
+OneWait::~OneWait() {
+    if (--operations == 0) {
+        hungProcesses.clear();
+    }
+}
+
+CallTiming SetCallTiming(const CallTiming& newTiming) {
+    timeoutIsSet = false;
+    return std::exchange(timing, newTiming);
+}
+
+MeasuredCall::MeasuredCall(AXUIElementRef element) {
+    if (!timeoutIsSet) {
+        SetTimeoutOfProcess();
+    }
+    AXUIElementGetPid(element, &process_);
+    start_ = timing.now();
+}
+
+bool MeasuredCall::IsInVain() const {
+    return IsHung(process_);
+}
+
+void MeasuredCall::Ended(AXError error) {
+    const std::chrono::duration<double> taken = timing.now() - start_;
+    if (operations > 0 && error == kAXErrorCannotComplete &&
+        taken.count() >= kNearlyAll * timing.timeout) {
+        hungProcesses.push_back(process_);
+    }
+}

@@ -1,7 +1,0 @@
-#include "driver/Autoreleased.h"
-
-#import <Foundation/Foundation.h>
-
-CFTypeRef AutoreleaseObject(CFTypeRef object) {
-    return (CFTypeRef)[(id)object autorelease];
-}

@@ -1,0 +1,8 @@
+#include "windows/VEK_Driver_TargetWindowInfo.h"
+
+// The records belong to whoever made the view.
+VEK_Driver_TargetWindowInfoArray::~VEK_Driver_TargetWindowInfoArray() = default;
+
+VEK_Driver_TargetWindowInfo* VEK_Driver_TargetWindowInfoArray::TargetAt(unsigned int index) const {
+    return index < count_ ? targets_ + index : nullptr;
+}
