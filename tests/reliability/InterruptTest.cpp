@@ -50,6 +50,17 @@ Clock::duration TimeToFirstReply(const Load& load) {
     return time;
 }
 
+// Waits for the time or for `done`. Full pipes that nobody reads would stop the desktop, and with
+// it the driver.
+template <typename ReadPipes, typename Done>
+void Await(Clock::time_point time, const ReadPipes& readPipes, const Done& done) {
+    while (!done() && Clock::now() < time) {
+        readPipes();
+        std::this_thread::sleep_for(
+            std::min<Clock::duration>(std::chrono::milliseconds(1), time - Clock::now()));
+    }
+}
+
 TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndLeavesNothing) {
     Stage stage;
     stage.StartDesktop(test_support::kMixScene);
@@ -62,20 +73,24 @@ TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndL
     std::mt19937 random(seed);
     std::uniform_int_distribution<std::int64_t> moment(
         0, duration_cast<std::chrono::microseconds>(2 * TimeToFirstReply(load)).count());
-    const int repetitions = test_support::Repetitions(40, 1000);
-    for (int i = 0; i < repetitions; ++i) {
-        // Full pipes that nobody reads would stop the desktop, and with it the driver.
+    const auto readPipes = [&] {
         stage.Desktop().ForgetOutput();
         companion.ForgetOutput();
+    };
+    const int repetitions = test_support::Repetitions(40, 1000);
+    for (int i = 0; i < repetitions; ++i) {
         ChildProcess driver(Stage::DriverPath(), {}, Stage::DriverEnvironment());
         ASSERT_TRUE(WaitForHandler(driver));
         const std::chrono::microseconds delay(moment(random));
-        std::this_thread::sleep_for(delay);
+        Await(Clock::now() + delay, readPipes, [] { return false; });
         const auto interrupted = Clock::now();
         driver.Signal(SIGINT);
-        ASSERT_EQ(driver.WaitForExit(), 0)
-            << "after " << delay.count() << " us, seed " << seed << ", repetition " << i << "\n"
-            << driver.StandardError();
+        int status = -1;
+        Await(interrupted + 10 * kAtOnce, readPipes,
+              [&] { return (status = driver.WaitForExit(0.01)) != -1; });
+        ASSERT_EQ(status, 0) << "after " << delay.count() << " us, seed " << seed << ", repetition "
+                             << i << "\n"
+                             << driver.StandardError();
         ASSERT_LT(Clock::now() - interrupted, kAtOnce);
         ASSERT_THAT(stage.Session().Files(), testing::UnorderedElementsAreArray(filesBefore))
             << "after " << delay.count() << " us, seed " << seed << ", repetition " << i;
