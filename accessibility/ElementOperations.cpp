@@ -2,7 +2,7 @@
 #include "VEKCommon/Autoreleased.h"
 #include "VEKCommon/OwnedReference.h"
 #include "accessibility/VersionProfiles.h"
-#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/AccessibilityCalls.h"
 #include "accessibility/calls/ElementAttributes.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 
@@ -17,9 +17,7 @@ OwnedReference<AXUIElementRef> FindElement(VEK_C_AXUtils& axUtils, CFStringRef i
 }
 
 bool Press(AXUIElementRef element) {
-    return CallApplication(element, [element] {
-               return AXUIElementPerformAction(element, kAXPressAction);
-           }) == kAXErrorSuccess;
+    return static_cast<bool>(PerformAction(element, kAXPressAction));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // Siblings in an array of elements, and the values of one element.
 #include "VEKCommon/OwnedReference.h"
 #include "accessibility/VEK_C_AXUtils.h"
-#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/AccessibilityCalls.h"
 #include "accessibility/calls/ElementAttributes.h"
 
 namespace {
@@ -46,11 +46,8 @@ CFStringRef VEK_C_AXUtils::CopyStringValueForElement(AXUIElementRef element) {
 
 // A text field takes over a new value only when it is confirmed.
 bool VEK_C_AXUtils::SetStringValueForElement(AXUIElementRef element, CFStringRef text) {
-    const AXError set = CallApplication(
-        element, [&] { return AXUIElementSetAttributeValue(element, kAXValueAttribute, text); });
-    return set == kAXErrorSuccess && CallApplication(element, [&] {
-                                         return AXUIElementPerformAction(element, kAXConfirmAction);
-                                     }) == kAXErrorSuccess;
+    return SetAttribute(element, kAXValueAttribute, text) &&
+           PerformAction(element, kAXConfirmAction);
 }
 
 CFStringRef VEK_C_AXUtils::CopyValueDescriptionForElement(AXUIElementRef element) {
@@ -63,8 +60,5 @@ CFStringRef VEK_C_AXUtils::CopyDescriptionForElement(AXUIElementRef element) {
 
 // The query fails for a destroyed element; whether the attribute is settable does not matter.
 bool VEK_C_AXUtils::ElementIsValid(AXUIElementRef element) {
-    Boolean settable = false;
-    return CallApplication(element, [&] {
-               return AXUIElementIsAttributeSettable(element, kAXIdentifierAttribute, &settable);
-           }) == kAXErrorSuccess;
+    return static_cast<bool>(IsAttributeSettable(element, kAXIdentifierAttribute));
 }

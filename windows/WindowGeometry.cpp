@@ -1,4 +1,4 @@
-#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/AccessibilityCalls.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "windows/WindowAttributes.h"
 
@@ -23,9 +23,7 @@ bool CVEK_UserSpaceDriver::GetPosAndSizeForWindowName(std::string& name, bool pa
     if (window == nullptr) {
         return false;
     }
-    if (CallApplication(window, [window] {
-            return AXUIElementSetAttributeValue(window, kAXMainAttribute, kCFBooleanTrue);
-        }) != kAXErrorSuccess) {
+    if (!SetAttribute(window, kAXMainAttribute, kCFBooleanTrue)) {
         return false;
     }
     return GetPosAndSizeForWindowElement(window, position, size);

@@ -1,6 +1,9 @@
 #import <AppKit/AppKit.h>
 
-#include "accessibility/calls/ApplicationCall.h"
+#include <utility>
+
+#include "VEKCommon/Autoreleased.h"
+#include "accessibility/calls/AccessibilityCalls.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "frontapplication/FrontApplication.h"
 
@@ -14,29 +17,20 @@ NSArray* CVEK_UserSpaceDriver::CopyApplicationWindowList(bool debug, NSString* l
     if (frontProcess == -1) {
         return nil;
     }
-    AXUIElementRef application = AXUIElementCreateApplication(frontProcess);
-    if (application == nullptr) {
+    const OwnedReference<AXUIElementRef> application = CreateApplicationElement(frontProcess);
+    if (!application) {
         return nil;
     }
     if (debug) {
         NSLog(@"CopyApplicationWindowList %@ retain count = %ld", label,
-              CFGetRetainCount(application));
+              CFGetRetainCount(application.get()));
     }
-    CFTypeRef windows = nullptr;
-    const AXError error = CallApplication(application, [&] {
-        return AXUIElementCopyAttributeValue(application, kAXWindowsAttribute, &windows);
-    });
-    CFRelease(application);
-    if (error != kAXErrorSuccess) {
-        if (debug) {
-            NSLog(@"CopyApplicationWindowList %@ AXUIElementCopyAttributeValue err = %.8x\n", label,
-                  static_cast<unsigned>(error));
-        }
-        return nil;
+    CallResult<OwnedReference<CFArrayRef>> windows = ReadWindows(application.get());
+    if (!windows && windows.Failure().error != kAXErrorSuccess && debug) {
+        NSLog(@"CopyApplicationWindowList %@ AXUIElementCopyAttributeValue err = %.8x\n", label,
+              static_cast<unsigned>(windows.Failure().error));
     }
-    // What an application calls its window list need not be one.
-    id list = [(id)windows autorelease];
-    return [list isKindOfClass:[NSArray class]] ? list : nil;
+    return (NSArray*)Autoreleased<CFArrayRef>(std::move(windows).ValueOrEmpty());
 }
 
 // Signatures are taken from the front-application observer, so this answers 0 whatever it is given.

@@ -1,6 +1,6 @@
 #include "accessibility/calls/ElementAttributes.h"
 
-#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/AccessibilityCalls.h"
 
 namespace {
 
@@ -27,13 +27,7 @@ Reference TypedValueAt(CFArrayRef values, CFIndex index, CFTypeID type) {
 }  // namespace
 
 OwnedReference<CFTypeRef> CopyAttribute(AXUIElementRef element, CFStringRef name) {
-    CFTypeRef value = nullptr;
-    if (element == nullptr || CallApplication(element, [&] {
-                                  return AXUIElementCopyAttributeValue(element, name, &value);
-                              }) != kAXErrorSuccess) {
-        return nullptr;
-    }
-    return OwnedReference<CFTypeRef>(value);
+    return ReadAttribute(element, name).ValueOrEmpty();
 }
 
 OwnedReference<CFStringRef> CopyStringAttribute(AXUIElementRef element, CFStringRef name) {
@@ -60,14 +54,7 @@ bool GetPointAttribute(AXUIElementRef element, CFStringRef name, CGPoint& point)
 }
 
 OwnedReference<CFArrayRef> CopyAttributes(AXUIElementRef element, CFArrayRef names) {
-    CFArrayRef values = nullptr;
-    if (element == nullptr || names == nullptr || CallApplication(element, [&] {
-                                                      return AXUIElementCopyMultipleAttributeValues(
-                                                          element, names, 0, &values);
-                                                  }) != kAXErrorSuccess) {
-        return nullptr;
-    }
-    return OwnedReference<CFArrayRef>(values);
+    return ReadAttributes(element, names).ValueOrEmpty();
 }
 
 CFTypeRef ValueAt(CFArrayRef values, CFIndex index) {

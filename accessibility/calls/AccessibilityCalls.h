@@ -1,0 +1,30 @@
+// Every accessibility call that the driver makes. Each is one exchange with the application that
+// the element belongs to, under the rule for applications that hang (ApplicationCall.h).
+//
+// A null element fails as gone, without an exchange. Main thread only.
+#pragma once
+
+#include <ApplicationServices/ApplicationServices.h>
+#include <CoreFoundation/CoreFoundation.h>
+#include <sys/types.h>
+
+#include "VEKCommon/OwnedReference.h"
+#include "accessibility/calls/CallResult.h"
+
+// The element that stands for a process, whether there is one or not: no exchange. Null when the
+// platform cannot make it.
+OwnedReference<AXUIElementRef> CreateApplicationElement(pid_t process);
+
+// The attribute's value, of any type and never null.
+CallResult<OwnedReference<CFTypeRef>> ReadAttribute(AXUIElementRef element, CFStringRef name);
+
+// One exchange for all of `names`: an array with a value, or what stands for a missing one, at the
+// index of each name.
+CallResult<OwnedReference<CFArrayRef>> ReadAttributes(AXUIElementRef element, CFArrayRef names);
+
+// The windows of an application, in its order. They may be anything that it lists.
+CallResult<OwnedReference<CFArrayRef>> ReadWindows(AXUIElementRef application);
+
+CallResult<Done> SetAttribute(AXUIElementRef element, CFStringRef name, CFTypeRef value);
+CallResult<Done> PerformAction(AXUIElementRef element, CFStringRef action);
+CallResult<bool> IsAttributeSettable(AXUIElementRef element, CFStringRef name);
