@@ -8,13 +8,6 @@
 
 namespace {
 
-struct Level {
-    OwnedReference<CFArrayRef> owner;  // the attributes that hold `children`; null at the top
-    CFArrayRef children;
-    CFIndex next;  // index of the child to visit
-    bool* onPath;  // whether the element whose children these are is on the path; null at the top
-};
-
 // Two objects for the same control are different pointers but equal, and hash alike.
 struct ElementHash {
     std::size_t operator()(const OwnedReference<AXUIElementRef>& element) const {
@@ -34,102 +27,133 @@ bool IsSearchedFurther(CFStringRef role) {
            SameText(role, kAXScrollAreaRole);
 }
 
-}  // namespace
+class Walk {
+  public:
+    Walk(const ElementQuery& query, SearchTrace* trace) : query_(query), trace_(trace) {}
 
-struct DepthFirstSearch::Walk {
-    std::vector<Level> path;
-
-    // The elements that were descended into, with whether they are on the path now. An application
-    // may answer children that are an ancestor: without this the walk would never end.
-    std::unordered_map<OwnedReference<AXUIElementRef>, bool, ElementHash, ElementEqual> descended;
-
-    int repeatedDescents = 0;
-
-    void Push(OwnedReference<CFArrayRef> owner, CFArrayRef children, bool* onPath) {
-        path.push_back(Level{std::move(owner), children, 0, onPath});
+    OwnedReference<AXUIElementRef> Find(CFArrayRef children) {
+        BeginLevel({nullptr, children, 0, nullptr});
+        while (!path_.empty()) {
+            Level& level = path_.back();
+            if (level.next >= CountOf(level.children)) {
+                EndLevel(false);
+                continue;
+            }
+            const CFIndex index = level.next++;
+            Tell(&SearchTrace::ChildBegins, index);
+            if (auto found = Visit(ElementAt(level.children, index), index)) {
+                Tell(&SearchTrace::Found, found.get(), index);
+                Unwind();
+                return found;
+            }
+        }
+        return nullptr;
     }
 
-    void Pop() {
-        if (bool* onPath = path.back().onPath) {
-            *onPath = false;
+  private:
+    struct Level {
+        OwnedReference<CFArrayRef> owner;  // the attributes that hold `children`; null at the top
+        CFArrayRef children;
+        CFIndex next;  // index of the child to visit
+        bool* onPath;  // of the element whose children these are, see Enter; null at the top
+    };
+
+    OwnedReference<AXUIElementRef> Visit(AXUIElementRef child, CFIndex index) {
+        OwnedReference<CFArrayRef> values = CopyAttributes(child, query_.attributes);
+        CFStringRef role = StringAt(values.get(), ElementQuery::kRoleIndex);
+        if (role == nullptr) {
+            return nullptr;
         }
-        path.pop_back();
+        if (IsSought(role, values.get(), index)) {
+            return Retained(child);
+        }
+        if (IsSearchedFurther(role)) {
+            Tell(&SearchTrace::DescentBegins, role);
+            Descend(child, std::move(values));
+        }
+        return nullptr;
+    }
+
+    bool IsSought(CFStringRef role, CFArrayRef values, CFIndex index) {
+        const bool taken = query_.TakesRole(role, values);
+        Tell(&SearchTrace::RoleChecked, role, taken, values);
+        if (!taken) {
+            return false;
+        }
+        CFStringRef identifier = StringAt(values, ElementQuery::kIdentifierIndex);
+        const bool same = SameText(identifier, query_.identifier);
+        Tell(&SearchTrace::IdentifierChecked, identifier, same, index);
+        return same;
+    }
+
+    void Descend(AXUIElementRef child, OwnedReference<CFArrayRef> values) {
+        CFArrayRef children = ArrayAt(values.get(), ElementQuery::kChildrenIndex);
+        if (children == nullptr) {
+            return;
+        }
+        Tell(&SearchTrace::ChildrenRead, CFArrayGetCount(children));
+        if (bool* onPath = Enter(child)) {
+            BeginLevel({std::move(values), children, 0, onPath});
+        }
     }
 
     // Takes note of the descent into the element: where to tell whether it is on the path; null
     // when it must not be descended into.
     bool* Enter(AXUIElementRef element) {
-        const auto [entry, first] = descended.try_emplace(Retained(element), true);
+        const auto [entry, first] = descended_.try_emplace(Retained(element), true);
         if (first) {
             return &entry->second;
         }
-        if (entry->second || repeatedDescents == kMostRepeatedDescents) {
+        if (entry->second || repeatedDescents_ == kMostRepeatedDescents) {
             return nullptr;
         }
-        ++repeatedDescents;
+        ++repeatedDescents_;
         entry->second = true;
         return &entry->second;
     }
+
+    void BeginLevel(Level level) {
+        path_.push_back(std::move(level));
+        Tell(&SearchTrace::LevelBegins);
+    }
+
+    void EndLevel(bool found) {
+        Tell(&SearchTrace::LevelEnds, found);
+        if (bool* onPath = path_.back().onPath) {
+            *onPath = false;
+        }
+        path_.pop_back();
+    }
+
+    void Unwind() {
+        EndLevel(true);
+        while (!path_.empty()) {
+            Tell(&SearchTrace::FoundBelow);
+            EndLevel(true);
+        }
+    }
+
+    template <typename... Parameters>
+    void Tell(void (SearchTrace::*step)(Parameters...), Parameters... parameters) {
+        if (trace_ != nullptr) {
+            (trace_->*step)(parameters...);
+        }
+    }
+
+    const ElementQuery& query_;
+    SearchTrace* trace_;
+    std::vector<Level> path_;
+
+    // The elements that were descended into, with whether they are on the path now. An application
+    // may answer children that are an ancestor: without this the walk would never end.
+    std::unordered_map<OwnedReference<AXUIElementRef>, bool, ElementHash, ElementEqual> descended_;
+
+    int repeatedDescents_ = 0;
 };
 
-OwnedReference<AXUIElementRef> DepthFirstSearch::Find(CFArrayRef children) {
-    Walk walk;
-    walk.Push(nullptr, children, nullptr);
-    BeginLevel();
-    while (!walk.path.empty()) {
-        Level& level = walk.path.back();
-        if (level.next >= CountOf(level.children)) {
-            EndLevel(false);
-            walk.Pop();
-            continue;
-        }
-        CFIndex index = level.next++;
-        BeginChild(index);
-        if (auto found = VisitChild(walk, ElementAt(level.children, index), index)) {
-            Found(found.get(), index);
-            Unwind(walk);
-            return found;
-        }
-    }
-    return nullptr;
-}
+}  // namespace
 
-OwnedReference<AXUIElementRef> DepthFirstSearch::VisitChild(Walk& walk, AXUIElementRef child,
-                                                            CFIndex index) {
-    OwnedReference<CFArrayRef> attributes = CopyAttributes(child, attributeNames_);
-    CFStringRef role = StringAt(attributes.get(), kRoleIndex);
-    if (role == nullptr) {
-        return nullptr;
-    }
-    if (IsSought(child, index, role, attributes.get())) {
-        return Retained(child);
-    }
-    if (IsSearchedFurther(role)) {
-        BeginDescent(role);
-        Descend(walk, child, std::move(attributes));
-    }
-    return nullptr;
-}
-
-void DepthFirstSearch::Descend(Walk& walk, AXUIElementRef child,
-                               OwnedReference<CFArrayRef> attributes) {
-    CFArrayRef children = ArrayAt(attributes.get(), kChildrenIndex);
-    if (children == nullptr) {
-        return;
-    }
-    ChildrenRead(CFArrayGetCount(children));
-    if (bool* onPath = walk.Enter(child)) {
-        walk.Push(std::move(attributes), children, onPath);
-        BeginLevel();
-    }
-}
-
-void DepthFirstSearch::Unwind(Walk& walk) {
-    EndLevel(true);
-    walk.path.pop_back();
-    while (!walk.path.empty()) {
-        FoundBelow();
-        EndLevel(true);
-        walk.path.pop_back();
-    }
+OwnedReference<AXUIElementRef> FindElement(const ElementQuery& query, CFArrayRef children,
+                                           SearchTrace* trace) {
+    return Walk(query, trace).Find(children);
 }

@@ -1,9 +1,11 @@
 // The search from the front application's windows down to one element.
+#include <utility>
+
 #include "VEKCommon/ConsoleLog.h"
 #include "VEKCommon/OwnedReference.h"
 #include "accessibility/DepthFirstSearch.h"
 #include "accessibility/VEK_C_AXUtils.h"
-#include "accessibility/calls/ApplicationCall.h"
+#include "accessibility/calls/AccessibilityCalls.h"
 #include "accessibility/calls/ElementAttributes.h"
 #include "frontapplication/FrontApplication.h"
 
@@ -11,117 +13,10 @@ namespace {
 
 constexpr pid_t kNoFrontProcess = -1;
 
-// Where sMultipleAttributes holds what DepthFirstSearch leaves to the search.
-constexpr CFIndex kIdentifierIndex = 2;
-constexpr CFIndex kSubroleIndex = 3;
-
 bool HasFrontBundleIdentifier() {
     CFStringRef identifier = nullptr;
     return CFWorkspace_FrontApplicationBundleID(&identifier);
 }
-
-bool IsRequestableControl(CFStringRef role) {
-    return SameText(role, kAXButtonRole) || SameText(role, kAXCheckBoxRole) ||
-           SameText(role, kAXTableRole) || SameText(role, kAXTextFieldRole) ||
-           SameText(role, kAXRadioGroupRole);
-}
-
-class SearchByIdentifierAndRole : public DepthFirstSearch {
-  public:
-    SearchByIdentifierAndRole(CFArrayRef attributeNames, CFStringRef identifier, CFStringRef role,
-                              unsigned int& level, bool debug)
-        : DepthFirstSearch(attributeNames),
-          identifier_(identifier),
-          role_(role),
-          anyValidRole_(SameText(role, kVEK_AXRole_AllValidRoles)),
-          level_(level),
-          debug_(debug) {}
-
-  private:
-    void BeginLevel() override {
-        if (debug_) {
-            ConsoleLog(CFSTR("CopyChild (%@, %@) level = %d"), identifier_, role_, level_);
-        }
-        ++level_;
-    }
-
-    void EndLevel(bool /*found*/) override { --level_; }
-
-    void BeginChild(CFIndex index) override {
-        if (debug_) {
-            ConsoleLog(CFSTR("  got Child %lu"), index);
-        }
-    }
-
-    bool IsSought(AXUIElementRef /*child*/, CFIndex index, CFStringRef role,
-                  CFArrayRef attributes) override {
-        if (!IsCandidate(role, attributes)) {
-            if (debug_) {
-                ConsoleLog(CFSTR("        role %@ is not valid"), role);
-            }
-            return false;
-        }
-        if (debug_) {
-            ConsoleLog(CFSTR("        role %@ is valid"), role);
-        }
-        return HasSoughtIdentifier(index, StringAt(attributes, kIdentifierIndex));
-    }
-
-    // A search field is never meant, whichever role is asked for.
-    bool IsCandidate(CFStringRef role, CFArrayRef attributes) const {
-        bool requested = anyValidRole_ ? IsRequestableControl(role) : SameText(role, role_);
-        return requested && !(SameText(role, kAXTextFieldRole) &&
-                              SameText(StringAt(attributes, kSubroleIndex), kAXSearchFieldSubrole));
-    }
-
-    bool HasSoughtIdentifier(CFIndex index, CFStringRef identifier) const {
-        if (identifier == nullptr) {
-            if (debug_) {
-                ConsoleLog(CFSTR("            child has no ID"));
-            }
-            return false;
-        }
-        if (debug_) {
-            ConsoleLog(CFSTR("          checking id %@"), identifier);
-        }
-        bool same = SameText(identifier, identifier_);
-        if (same && debug_) {
-            ConsoleLog(CFSTR("  returning element with id = %@ at index %ld"), identifier, index);
-        }
-        return same;
-    }
-
-    void Found(AXUIElementRef element, CFIndex index) override {
-        if (debug_) {
-            ConsoleLog(CFSTR("  returning element with id = %@ at index %ld retain count = %ld"),
-                       identifier_, index, CFGetRetainCount(element));
-        }
-    }
-
-    void BeginDescent(CFStringRef /*role*/) override {
-        if (debug_) {
-            ConsoleLog(CFSTR("            wrong element- checking children"));
-        }
-    }
-
-    void ChildrenRead(CFIndex count) override {
-        if (debug_) {
-            ConsoleLog(CFSTR("             there are %ld children"), count);
-        }
-    }
-
-    void FoundBelow() override {
-        if (debug_) {
-            ConsoleLog(CFSTR("   recursion found element with id %@"), identifier_);
-        }
-    }
-
-    CFStringRef identifier_;
-    CFStringRef role_;
-    bool anyValidRole_;
-    unsigned int& level_;
-    bool debug_;
-};
 
 }  // namespace
 
@@ -139,28 +34,19 @@ CFArrayRef VEK_C_AXUtils::copyFrontApplicationWindowList(bool debug, const char*
     if (process == kNoFrontProcess) {
         return nullptr;
     }
-    OwnedReference<AXUIElementRef> application(AXUIElementCreateApplication(process));
+    const OwnedReference<AXUIElementRef> application = CreateApplicationElement(process);
     if (!application) {
         if (debug) {
             ConsoleLog(CFSTR("CopyApplicationWindowList %s couldn't create application\n"), tag);
         }
         return nullptr;
     }
-    CFTypeRef value = nullptr;
-    AXError error = CallApplication(application.get(), [&] {
-        return AXUIElementCopyAttributeValue(application.get(), kAXWindowsAttribute, &value);
-    });
-    if (error != kAXErrorSuccess) {
-        if (debug) {
-            ConsoleLog(CFSTR("CopyApplicationWindowList %s AXUIElementCopyAttributeValue err = "
-                             "%.8x\n"),
-                       tag, error);
-        }
-        return nullptr;
+    CallResult<OwnedReference<CFArrayRef>> windows = ReadWindows(application.get());
+    if (!windows && windows.Failure().error != kAXErrorSuccess && debug) {
+        ConsoleLog(CFSTR("CopyApplicationWindowList %s AXUIElementCopyAttributeValue err = %.8x\n"),
+                   tag, windows.Failure().error);
     }
-    OwnedReference<CFTypeRef> windows(value);
-    bool isArray = windows && CFGetTypeID(windows.get()) == CFArrayGetTypeID();
-    return isArray ? static_cast<CFArrayRef>(windows.release()) : nullptr;
+    return std::move(windows).ValueOrEmpty().release();
 }
 
 AXUIElementRef VEK_C_AXUtils::CopyElement(CFStringRef identifier, CFStringRef role, bool debug,
@@ -216,8 +102,10 @@ AXUIElementRef VEK_C_AXUtils::CopyElement(CFStringRef, CFStringRef, CFStringRef,
 
 bool VEK_C_AXUtils::CopyChild(AXUIElementRef& out, CFStringRef identifier, CFStringRef role,
                               CFArrayRef children, bool /*passThrough*/, bool debug) {
-    SearchByIdentifierAndRole search(sMultipleAttributes, identifier, role, searchLevel_, debug);
-    OwnedReference<AXUIElementRef> found = search.Find(children);
+    TraceFromWindows trace(identifier, role, searchLevel_);
+    OwnedReference<AXUIElementRef> found =
+        FindElement(QueryFromWindows(identifier, role, sMultipleAttributes), children,
+                    debug ? &trace : nullptr);
     if (!found) {
         return false;
     }

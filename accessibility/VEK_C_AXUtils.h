@@ -8,8 +8,7 @@
 #include <ApplicationServices/ApplicationServices.h>
 #include <CoreFoundation/CoreFoundation.h>
 
-// Any role of the fixed set of controls that requests can name.
-#define kVEK_AXRole_AllValidRoles CFSTR("VEKAXAllRoles")
+#include "accessibility/ElementQuery.h"
 
 // The cache's entry for the bundle identifier of the application that the cache belongs to.
 #define kVEK_CF_Key_Application_ID CFSTR("VEKAPPID")

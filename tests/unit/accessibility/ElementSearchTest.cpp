@@ -510,7 +510,7 @@ TEST_F(ElementSearch, DiamondsNestedThirtyDeepCostNoMoreThanTheBoundAllows) {
     }
     editor_.ShowWindow({group, Group({Control("behind")})});
     constexpr unsigned kFirstDescents = 30;
-    constexpr unsigned kRepeated = DepthFirstSearch::kMostRepeatedDescents;
+    constexpr unsigned kRepeated = kMostRepeatedDescents;
     const unsigned long exchanges = ExchangesOf([&] { EXPECT_EQ(Find("_NS:1"), "behind"); });
     EXPECT_GT(exchanges, kRepeated);
     EXPECT_LE(exchanges, 2 + 2 * (kFirstDescents + kRepeated) + 2 + 1);

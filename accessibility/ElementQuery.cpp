@@ -1,0 +1,46 @@
+#include "accessibility/ElementQuery.h"
+
+#include <ApplicationServices/ApplicationServices.h>
+
+#include <algorithm>
+
+#include "accessibility/calls/ElementAttributes.h"
+
+namespace {
+
+const CFStringRef kRolesFromWindows[] = {kAXButtonRole, kAXCheckBoxRole, kAXTableRole,
+                                         kAXTextFieldRole, kAXRadioGroupRole};
+const CFStringRef kRolesInArray[] = {kAXButtonRole, kAXCheckBoxRole, kAXTableRole,
+                                     kAXRadioGroupRole};
+
+std::span<const CFStringRef> IfAny(CFStringRef role, std::span<const CFStringRef> roles) {
+    return SameText(role, kVEK_AXRole_AllValidRoles) ? roles : std::span<const CFStringRef>();
+}
+
+}  // namespace
+
+bool ElementQuery::TakesRole(CFStringRef elementRole, CFArrayRef values) const {
+    const bool requested =
+        rolesMeantByAny.empty()
+            ? SameText(elementRole, role)
+            : std::any_of(rolesMeantByAny.begin(), rolesMeantByAny.end(),
+                          [&](CFStringRef meant) { return SameText(elementRole, meant); });
+    return requested && !(skipsSearchFields && SameText(elementRole, kAXTextFieldRole) &&
+                          SameText(StringAt(values, kSubroleIndex), kAXSearchFieldSubrole));
+}
+
+ElementQuery QueryFromWindows(CFStringRef identifier, CFStringRef role, CFArrayRef attributes) {
+    return {.identifier = identifier,
+            .role = role,
+            .attributes = attributes,
+            .rolesMeantByAny = IfAny(role, kRolesFromWindows),
+            .skipsSearchFields = true};
+}
+
+ElementQuery QueryInArray(CFStringRef identifier, CFStringRef role, CFArrayRef attributes) {
+    return {.identifier = identifier,
+            .role = role,
+            .attributes = attributes,
+            .rolesMeantByAny = IfAny(role, kRolesInArray),
+            .skipsSearchFields = false};
+}

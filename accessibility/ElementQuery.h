@@ -1,0 +1,39 @@
+// What a search looks for. Searches differ in nothing else.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <span>
+
+// Any role of the fixed set of controls that requests can name.
+#define kVEK_AXRole_AllValidRoles CFSTR("VEKAXAllRoles")
+
+struct ElementQuery {
+    // Where `attributes` holds the names of these. The walk itself needs the first two.
+    static constexpr CFIndex kRoleIndex = 0;
+    static constexpr CFIndex kChildrenIndex = 1;
+    static constexpr CFIndex kIdentifierIndex = 2;
+    static constexpr CFIndex kSubroleIndex = 3;  // only if search fields are skipped
+
+    // All borrowed: they must outlive the search.
+    CFStringRef identifier;
+    CFStringRef role;
+    CFArrayRef attributes;  // names of what is read of every child, in one exchange
+
+    // Empty unless `role` is kVEK_AXRole_AllValidRoles.
+    std::span<const CFStringRef> rolesMeantByAny;
+
+    // A search field is a text field that is never meant, whichever role is asked for.
+    bool skipsSearchFields;
+
+    // Whether an element of that role, which is not null, can be the one sought; `values` are its
+    // attributes.
+    bool TakesRole(CFStringRef elementRole, CFArrayRef values) const;
+};
+
+// The search from the windows of the front application; `attributes` names four attributes.
+ElementQuery QueryFromWindows(CFStringRef identifier, CFStringRef role, CFArrayRef attributes);
+
+// The search in an array that the caller has; `attributes` names three attributes. Text fields are
+// not among its roles, unlike in the other: the sets differ on purpose.
+ElementQuery QueryInArray(CFStringRef identifier, CFStringRef role, CFArrayRef attributes);
