@@ -62,8 +62,10 @@ function(krt9_add_test name)
     add_test(NAME ${name} COMMAND ${name} --gtest_output=json:${KRT9_TEST_RESULTS}/${name}.json)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT})
     if(KRT9_COVERAGE)
-        # One file for each process and library, so that what a program reaches is known, too.
+        # One file for each process and library, so that what a program reaches is known, too. %c
+        # counts in the file itself: what a process did counts however it ended, by abort(), by
+        # _exit() after a fork(), or by a signal.
         set_tests_properties(${name} PROPERTIES
-            ENVIRONMENT "LLVM_PROFILE_FILE=${CMAKE_BINARY_DIR}/profiles/${name}/%p-%m.profraw")
+            ENVIRONMENT "LLVM_PROFILE_FILE=${CMAKE_BINARY_DIR}/profiles/${name}/%p-%m%c.profraw")
     endif()
 endfunction()
