@@ -8,7 +8,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <type_traits>
 
 #include "VEKCommon/AutoreleasePool.h"
 #include "VEKCommon/MessageCodes.h"
@@ -39,22 +38,29 @@ template <class Body, auto operation, class Reply>
 CFDataRef Serve(CVEK_UserSpaceDriver& driver, const unsigned char* completeBody) {
     Body body;
     body.Deserialize(completeBody);
-    if constexpr (std::is_void_v<Reply>) {
-        operation(driver, body);
-        return nullptr;
-    } else {
-        std::optional<Reply> reply = operation(driver, body);
-        return reply ? CFDataCreate(kCFAllocatorDefault, reply->Serialize(),
-                                    static_cast<CFIndex>(reply->SerialBufferSize()))
-                     : nullptr;
-    }
+    std::optional<Reply> reply = operation(driver, body);
+    return reply ? CFDataCreate(kCFAllocatorDefault, reply->Serialize(),
+                                static_cast<CFIndex>(reply->SerialBufferSize()))
+                 : nullptr;
 }
+
+template <class Body, auto operation>
+CFDataRef ServeWithoutReply(CVEK_UserSpaceDriver& driver, const unsigned char* completeBody) {
+    Body body;
+    body.Deserialize(completeBody);
+    operation(driver, body);
+    return nullptr;
+}
+
+using Do = RequestOperations;
+using NoReply = void;
 
 template <SInt32 code, Guard guard, class Body, auto operation, class Reply>
 constexpr Request Row = {code, guard, &Body::SkipOver, &Serve<Body, operation, Reply>};
 
-using Do = RequestOperations;
-using NoReply = void;
+template <SInt32 code, Guard guard, class Body, auto operation>
+constexpr Request Row<code, guard, Body, operation, NoReply> = {
+    code, guard, &Body::SkipOver, &ServeWithoutReply<Body, operation>};
 
 // The guard 'JGRV' lacks is not forgotten: of the requests that name an element it alone has none.
 // 'JSIS', 'JSRV', 'JTWP' and 'JWiP' have none either, so an empty body is one cut short.
