@@ -7,10 +7,9 @@
 namespace local_socket {
 
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-    if (this != &other) {
-        reset();
-        descriptor_ = other.release();
-    }
+    const int taken = other.release();  // before the reset: both may be the same
+    reset();
+    descriptor_ = taken;
     return *this;
 }
 

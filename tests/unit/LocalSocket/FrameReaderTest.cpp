@@ -56,6 +56,14 @@ TEST_F(FrameReaderTest, NothingThereLeavesItOpenAndEmpty) {
     EXPECT_FALSE(reader_.Take());
 }
 
+// The kernel says that the connection was reset, not that it has ended.
+TEST_F(FrameReaderTest, PeerThatLeavesWithoutReadingHasClosed) {
+    ASSERT_EQ(write(near_.get(), "unread", 6), 6);
+    far_.reset();
+    EXPECT_EQ(Read(), FrameReader::Status::closed);
+    EXPECT_FALSE(reader_.HasFrame());
+}
+
 TEST_F(FrameReaderTest, AnswersFramesInTheirOrder) {
     Arrive(Frame("one") + Frame("") + Frame("three"));
     EXPECT_EQ(Read(), FrameReader::Status::open);

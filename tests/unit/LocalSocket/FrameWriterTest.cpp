@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
 
 #include <csignal>
@@ -94,6 +95,46 @@ TEST_F(FrameWriterTest, PeerThatWentAwayIsAnErrorAndNoSignal) {
     std::signal(SIGPIPE, SIG_DFL);
     far_.reset();
     EXPECT_EQ(writer_.Write(near_.get(), Bytes("lost")), FrameWriter::Status::closed);
+}
+
+TEST_F(FrameWriterTest, PeerThatGoesAwayWithBytesQueuedIsAnErrorAndNoSignal) {
+    std::signal(SIGPIPE, SIG_DFL);
+    ASSERT_EQ(writer_.Write(near_.get(), Bytes(std::string(10'000'000, 'x'))),
+              FrameWriter::Status::pending);
+    far_.reset();
+    EXPECT_EQ(writer_.Flush(near_.get()), FrameWriter::Status::closed);
+}
+
+TEST_F(FrameWriterTest, FrameOfWhichNothingWasSentCanBeTakenBack) {
+    const std::string filling(1000, 'f');
+    while (send(near_.get(), filling.data(), filling.size(), MSG_DONTWAIT) > 0) {
+    }
+    ASSERT_EQ(writer_.Write(near_.get(), Bytes("back")), FrameWriter::Status::pending);
+    EXPECT_TRUE(writer_.TakeBack());
+    EXPECT_EQ(writer_.Queued(), 0U);
+    EXPECT_EQ(writer_.Flush(near_.get()), FrameWriter::Status::done);
+}
+
+TEST_F(FrameWriterTest, FrameOfWhichAPartWasSentCannotBeTakenBack) {
+    const std::string large(10'000'000, 'x');
+    ASSERT_EQ(writer_.Write(near_.get(), Bytes(large)), FrameWriter::Status::pending);
+    const std::size_t queued = writer_.Queued();
+    ASSERT_LT(queued, large.size());
+    EXPECT_FALSE(writer_.TakeBack());
+    EXPECT_EQ(writer_.Queued(), queued) << "the peer would never find the next frame";
+}
+
+// Only the addresses are there: whoever looked at the bytes would crash.
+TEST_F(FrameWriterTest, PayloadThatTheLengthCannotTellIsRefusedUnseen) {
+    constexpr std::size_t kSize = std::size_t{1} << 32;
+    void* const memory =
+        mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    const std::span payload(static_cast<const std::uint8_t*>(memory), kSize);
+    EXPECT_EQ(writer_.Write(near_.get(), payload), FrameWriter::Status::closed);
+    EXPECT_EQ(writer_.Queued(), 0U);
+    EXPECT_EQ(Received(), std::nullopt);
+    munmap(memory, kSize);
 }
 
 }  // namespace

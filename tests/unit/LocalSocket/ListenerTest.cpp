@@ -2,14 +2,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
+#include <cstring>
 #include <fstream>
 #include <functional>
+#include <thread>
 #include <vector>
 
 #include "platform/LocalSocket/Socket.h"
@@ -62,6 +66,18 @@ class ListenerTest : public testing::Test {
         int status = 0;
         waitpid(child, &status, 0);
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    // Takes all descriptors of this process but `left`.
+    static std::vector<Descriptor> TakeDescriptorsBut(std::size_t left) {
+        const rlimit limit{64, 64};
+        setrlimit(RLIMIT_NOFILE, &limit);
+        std::vector<Descriptor> taken;
+        while (Descriptor other{open("/dev/null", O_RDONLY)}) {
+            taken.push_back(std::move(other));
+        }
+        taken.resize(taken.size() - left);
+        return taken;
     }
 
     // A process that serves the name and then waits to be killed.
@@ -154,6 +170,22 @@ TEST_F(ListenerTest, AssigningWithdrawsTheOlderListener) {
     EXPECT_TRUE(Connect("newer"));
 }
 
+TEST_F(ListenerTest, AssigningAListenerToItselfLeavesItServing) {
+    auto listener = Serve("port");
+    Listener& same = *listener;
+    *listener = std::move(same);
+    EXPECT_TRUE(Connect("port"));
+}
+
+TEST_F(ListenerTest, ListenerWhoseFileIsGoneLeavesTheOthersAlone) {
+    const auto other = Serve("other");
+    {
+        const auto listener = Serve("port");
+        std::filesystem::remove(session_.Path() / "port");
+    }
+    EXPECT_THAT(session_.Files(), ElementsAre("other"));
+}
+
 TEST_F(ListenerTest, NameServedInThisProcessIsTaken) {
     const auto listener = Serve("port");
     EXPECT_TRUE(IsTaken("port"));
@@ -186,6 +218,16 @@ TEST_F(ListenerTest, NameWhoseBacklogIsFullIsTaken) {
     }
     EXPECT_FALSE(waiting.empty());
     EXPECT_TRUE(IsTaken("port"));
+}
+
+TEST_F(ListenerTest, NameOfASocketOfAnotherKindIsTaken) {
+    const Descriptor directory(open(session_.Path().c_str(), O_RDONLY | O_DIRECTORY));
+    const Descriptor socket(::socket(AF_UNIX, SOCK_DGRAM, 0));
+    const SocketAddress address = AddressInDirectory(directory.get(), "port");
+    ASSERT_EQ(bind(socket.get(), address.Get(), address.length), 0);
+    EXPECT_TRUE(IsTaken("port"));
+    EXPECT_FALSE(Connect("port"));
+    EXPECT_THAT(session_.Files(), ElementsAre("port"));
 }
 
 TEST_F(ListenerTest, SocketOfAKilledProcessIsReplaced) {
@@ -392,6 +434,97 @@ TEST_F(ListenerTest, ListenerOfAnotherUserIsNotTrusted) {
     Kill(child);
 }
 
+// The file is this user's, so that only the kernel's word for the other end is left.
+TEST_F(ListenerTest, ServerOfAnotherUserIsNotTrustedUnderAFileOfThisOne) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can act as another user";
+    }
+    const Descriptor directory(open(session_.Path().c_str(), O_RDONLY | O_DIRECTORY));
+    const Descriptor socket(::socket(AF_UNIX, SOCK_STREAM, 0));
+    const SocketAddress address = AddressInDirectory(directory.get(), "port");
+    ASSERT_EQ(bind(socket.get(), address.Get(), address.length), 0);
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool serves = setgid(kNobody) == 0 && setuid(kNobody) == 0 &&
+                            listen(socket.get(), 8) == 0;  // as whom, the kernel remembers
+        (void)!write(ready[1], serves ? "y" : "n", 1);
+        pause();
+    }
+    char answer = 0;
+    ASSERT_EQ(read(ready[0], &answer, 1), 1);
+    EXPECT_EQ(answer, 'y') << "the other user could not serve the name";
+    std::string problem;
+    EXPECT_FALSE(Connect("port", &problem));
+    EXPECT_EQ(problem, (session_.Path() / "port").string() + " is served by another user");
+    EXPECT_EQ(NameProblem("port"), "") << "the file itself is as it should be";
+    Kill(child);
+}
+
+TEST_F(ListenerTest, SignalDuringTheWaitForTheFolderIsNotTheEndOfIt) {
+    static std::atomic<bool> handled = false;
+    struct sigaction action {};
+    struct sigaction before {};
+    action.sa_handler = [](int) { handled = true; };  // without SA_RESTART
+    sigaction(SIGUSR1, &action, &before);
+    const Descriptor folder(open(session_.Path().c_str(), O_RDONLY | O_DIRECTORY));
+    ASSERT_EQ(flock(folder.get(), LOCK_EX), 0);
+    std::atomic<bool> released = false;
+    std::thread other([&, waiting = pthread_self()] {
+        constexpr useconds_t kMoment = 20'000;
+        usleep(kMoment);
+        pthread_kill(waiting, SIGUSR1);
+        usleep(kMoment);
+        released = true;
+        flock(folder.get(), LOCK_UN);
+    });
+    const auto listener = Serve("port");
+    EXPECT_TRUE(released) << "the folder was used while somebody else held it";
+    other.join();
+    EXPECT_TRUE(handled);
+    sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST_F(ListenerTest, WantOfDescriptorsIsReportedAndLeavesNothingBehind) {
+    const int result = InOtherProcess([] {
+        const std::string want = std::strerror(EMFILE);
+        const std::vector<Descriptor> none = TakeDescriptorsBut(0);
+        std::string problem;
+        if (Connect("port", &problem) || problem.find(want) == std::string::npos) {
+            return 1;  // not even the folder can be opened
+        }
+        bool taken = true;
+        if (Listener::Create("port", &taken, &problem) || taken ||
+            problem.find(want) == std::string::npos) {
+            return 2;
+        }
+        return 0;
+    });
+    EXPECT_EQ(result, 0);
+    const int withFolder = InOtherProcess([] {
+        const std::vector<Descriptor> all = TakeDescriptorsBut(1);  // for the folder
+        bool taken = true;
+        std::string problem;
+        if (Listener::Create("port", &taken, &problem) || taken ||
+            problem.find("port cannot be probed: Too many open files") == std::string::npos) {
+            return 1;
+        }
+        return Connect("port", &problem) || !problem.empty() ? 2 : 0;
+    });
+    EXPECT_EQ(withFolder, 0);
+    EXPECT_THAT(session_.Files(), IsEmpty());
+}
+
+TEST_F(ListenerTest, NameInARefusedOrMissingFolderHasNoProblemOfItsOwn) {
+    std::ofstream(session_.Path() / "port") << "text";
+    EXPECT_THAT(NameProblem("port"), testing::HasSubstr("is no socket"));
+    ASSERT_EQ(chmod(session_.Path().c_str(), 0755), 0);
+    EXPECT_EQ(NameProblem("port"), "");
+    setenv("KRT9_SESSION_DIR", (session_.Path() / "missing").c_str(), 1);
+    EXPECT_EQ(NameProblem("port"), "");
+}
+
 TEST_F(ListenerTest, ClientsAreClosedWhenNoDescriptorIsLeft) {
     const int result = InOtherProcess([] {
         auto listener = Listener::Create("port", nullptr, nullptr);
@@ -399,12 +532,7 @@ TEST_F(ListenerTest, ClientsAreClosedWhenNoDescriptorIsLeft) {
         for (int i = 0; i < 3; ++i) {
             clients.push_back(Connect("port"));
         }
-        const rlimit limit{64, 64};
-        setrlimit(RLIMIT_NOFILE, &limit);
-        std::vector<Descriptor> others;
-        while (Descriptor other{open("/dev/null", O_RDONLY)}) {
-            others.push_back(std::move(other));
-        }
+        std::vector<Descriptor> others = TakeDescriptorsBut(0);
         if (listener->Accept()) {
             return 1;
         }

@@ -130,6 +130,14 @@ TEST_F(SessionDirectoryTest, LiesInTheRuntimeFolderUnlessItIsNamed) {
     EXPECT_EQ(SessionDirectoryPath(), "/tmp/krt9-" + std::to_string(geteuid()));
 }
 
+TEST_F(SessionDirectoryTest, LosesTheSlashesBehindItsNameButNotThatOfTheRoot) {
+    const std::string path = Use("folder");
+    setenv("KRT9_SESSION_DIR", (path + "//").c_str(), 1);
+    EXPECT_EQ(SessionDirectoryPath(), path);
+    setenv("KRT9_SESSION_DIR", "///", 1);
+    EXPECT_EQ(SessionDirectoryPath(), "/");
+}
+
 TEST_F(SessionDirectoryTest, IgnoresEmptyVariables) {
     setenv("KRT9_SESSION_DIR", "", 1);
     setenv("XDG_RUNTIME_DIR", "", 1);

@@ -25,6 +25,10 @@ TEST(SocketFileName, EncodesWhatCouldLeaveTheFolder) {
     EXPECT_EQ(SocketFileName("=a%b"), "%3Da%25b");
 }
 
+TEST(SocketFileName, EncodesTheNeighboursOfLettersAndDigits) {
+    EXPECT_EQ(SocketFileName("@AZ[`az{/09:"), "%40AZ%5B%60az%7B%2F09%3A");
+}
+
 TEST(SocketFileName, HashesALongName) {
     EXPECT_EQ(SocketFileName(std::string(64, 'a')), std::string(64, 'a'));
     EXPECT_EQ(SocketFileName(std::string(65, 'a')),
