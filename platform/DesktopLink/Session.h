@@ -14,8 +14,8 @@ const std::optional<Application>& FrontApplication();
 // Grows whenever FrontApplication() may have changed.
 unsigned long FrontApplicationRevision();
 
-// From now on `handler` is called on the main run loop after each change of the front application.
-// There is one handler; it stays when the transport is replaced.
+// From now on `handler`, which is not null, is called on the main run loop after each change of the
+// front application. There is one handler; it stays when the transport is replaced.
 void ObserveFrontApplication(void (*handler)());
 
 // Seconds that an accessibility call waits unless it was told otherwise. Asks the desktop at first

@@ -92,17 +92,12 @@ void SocketTransport::Disconnect() {
 
 std::uint32_t SocketTransport::Send(const Request& request, Deadline deadline) {
     const std::uint32_t sequence = ++lastSequence_ != 0 ? lastSequence_ : ++lastSequence_;
-    switch (
-        connection_->Send(MakeHeader(FrameKind::request, sequence), Encode(request), deadline)) {
-        case Connection::Outcome::done:
-            return sequence;
-        case Connection::Outcome::late:
-            return 0;
-        case Connection::Outcome::closed:
-            Disconnect();
-            return 0;
+    const Connection::Outcome outcome =
+        connection_->Send(MakeHeader(FrameKind::request, sequence), Encode(request), deadline);
+    if (outcome == Connection::Outcome::closed) {
+        Disconnect();
     }
-    return 0;
+    return outcome == Connection::Outcome::done ? sequence : 0;
 }
 
 std::optional<Reply> SocketTransport::Await(std::uint32_t sequence, Deadline deadline) {

@@ -159,6 +159,130 @@ TEST_F(NotificationDelivery, DesktopThatSendsGarbageToTheRunLoopIsHungUpOn) {
     desktop.Finish();
 }
 
+TEST_F(NotificationDelivery, DesktopThatBreaksTheFramingTwiceAtOnceIsHungUpOnOnce) {
+    std::promise<void> observing;
+    FakeDesktop desktop([&](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        observing.get_future().wait();
+        // A frame of an unknown kind, and a length beyond all bounds.
+        const std::vector<std::uint8_t> garbage = {5, 0, 0,    0,    9,    2,   0,
+                                                   0, 0, 0xFF, 0xFF, 0xFF, 0xFF};
+        peer.SendBytes(garbage);
+        EXPECT_TRUE(peer.ClientHangsUp());
+    });
+    Observe();
+    observing.set_value();
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{std::nullopt}));
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, BeforeTheSessionIsKnownIsNone) {
+    std::promise<void> observing;
+    FakeDesktop desktop([&](FakeDesktop& peer) {
+        peer.Accept();
+        const auto hello = peer.Receive();
+        peer.Send(Notification{Player()});
+        observing.get_future().wait();
+        Reply reply;
+        reply.session = Session{Editor(), 6};
+        peer.Send(hello.sequence, reply);
+        peer.ClientHangsUp();
+    });
+    transport_->SetNotificationHandler(
+        [this](const Notification& notification) { delivered_.push_back(notification.activated); });
+    EXPECT_FALSE(transport_->Exchange(Request{}, 0.02));
+    observing.set_value();
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{Editor()})) << "what hello says counts";
+    transport_.reset();
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, GoesToTheLatestHandler) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        peer.Send(Notification{Player()});
+        peer.ClientHangsUp();
+    });
+    Observe();
+    std::vector<Front> toTheLatest;
+    transport_->SetNotificationHandler([&toTheLatest](const Notification& notification) {
+        toTheLatest.push_back(notification.activated);
+    });
+    RunForOne();
+    EXPECT_TRUE(delivered_.empty());
+    EXPECT_EQ(toTheLatest, (std::vector<Front>{Player()}));
+    transport_.reset();
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, OtherFilesOfTheSessionDoNotDisturbAConnection) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        peer.Send(peer.Receive().sequence, Reply{});
+        peer.ClientHangsUp();
+    });
+    Observe();
+    std::ofstream(session_.Path() / "something").put('x');
+    RunOnce();
+    EXPECT_TRUE(transport_->Exchange(Ask(), 5)) << "the connection was made anew";
+    EXPECT_TRUE(delivered_.empty());
+    transport_.reset();
+    desktop.Finish();
+}
+
+TEST_F(NotificationDelivery, FolderThatIsRefusedByThenLeavesTheConnectionObserved) {
+    std::promise<void> observing;
+    FakeDesktop desktop([&](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        observing.get_future().wait();
+        peer.Send(Notification{Player()});
+        peer.ClientHangsUp();
+    });
+    EXPECT_TRUE(transport_->Exchange(Request{}, 5));
+    std::filesystem::permissions(session_.Path(), std::filesystem::perms(0755));
+    Observe();
+    observing.set_value();
+    RunForOne();
+    EXPECT_EQ(delivered_, (std::vector<Front>{Player()}));
+    std::filesystem::permissions(session_.Path(), std::filesystem::perms(0700));
+    transport_.reset();
+    desktop.Finish();
+}
+
+// Sent in rounds, so that the kernel has room for each.
+TEST_F(NotificationDelivery, KeepsTheLatestThousandForAProcessThatNeverRunsItsLoop) {
+    constexpr int kRounds = 13;
+    constexpr int kInARound = 80;
+    constexpr int kSent = kRounds * kInARound;
+    constexpr int kKept = 1024;
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        for (int round = 0; round < kRounds; ++round) {
+            const auto request = peer.Receive();
+            for (int number = 1; number <= kInARound; ++number) {
+                peer.Send(
+                    Notification{Application{round * kInARound + number, "a", std::nullopt, "A"}});
+            }
+            peer.Send(request.sequence, Reply{});
+        }
+        peer.ClientHangsUp();
+    });
+    Observe();
+    for (int round = 0; round < kRounds; ++round) {
+        ASSERT_TRUE(transport_->Exchange(Ask(), 5));
+    }
+    for (int time = 0; time < kSent; ++time) {
+        RunOnce();
+    }
+    ASSERT_EQ(delivered_.size(), static_cast<std::size_t>(kKept));
+    EXPECT_EQ(delivered_.front()->pid, kSent - kKept + 1);
+    EXPECT_EQ(delivered_.back()->pid, kSent);
+    transport_.reset();
+    desktop.Finish();
+}
+
 TEST_F(NotificationDelivery, SessionThatCouldNotBeLearnedIsDeliveredWhenItCan) {
     std::promise<void> gaveUp;
     FakeDesktop desktop([&](FakeDesktop& peer) {

@@ -1,9 +1,12 @@
+#include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
 #include <limits>
 
 #include "platform/DesktopLink/Session.h"
 #include "platform/DesktopLink/Transport.h"
+#include "platform/Testing/Variants.h"
+#include "tests/support/ScriptedTransport.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/DesktopLink/FakeDesktop.h"
 
@@ -74,6 +77,56 @@ TEST_F(SessionTest, FrontApplicationStaysAsItWasUntilTheRunLoopDelivers) {
     EXPECT_TRUE(CurrentTransport().Exchange(Ask(), 5));
     EXPECT_EQ(FrontApplication(), Editor()) << "no run loop has run";
     desktop.Finish();
+}
+
+int changes = 0;
+
+void CountChange() {
+    ++changes;
+}
+
+TEST_F(SessionTest, ObserverThatComesAfterTheFirstUseIsToldOfEachChange) {
+    test_support::ScriptedTransport desktop([](const Request&) { return Reply{}; }, {Editor(), 6});
+    EXPECT_EQ(FrontApplication(), Editor());
+    const unsigned long revision = FrontApplicationRevision();
+    changes = 0;
+    ObserveFrontApplication(CountChange);
+    EXPECT_EQ(changes, 0);
+    desktop.Deliver(Notification{});
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(FrontApplication(), std::nullopt);
+    EXPECT_GT(FrontApplicationRevision(), revision);
+}
+
+TEST_F(SessionTest, LateNotificationOfASessionThatWasForgottenIsDropped) {
+    const platform_testing::UnderVariant late(platform_testing::Variant::lateActivation);
+    changes = 0;
+    {
+        test_support::ScriptedTransport desktop([](const Request&) { return Reply{}; });
+        ObserveFrontApplication(CountChange);
+        desktop.Deliver(Notification{Editor()});
+        EXPECT_EQ(changes, 0) << "not before its time";
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.3, false);
+        EXPECT_EQ(changes, 1);
+        EXPECT_EQ(FrontApplication(), Editor());
+        desktop.Deliver(Notification{});
+    }
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.3, false);
+    EXPECT_EQ(changes, 1);
+}
+
+// A transport that knows nothing of sessions.
+class Silent final : public Transport {
+  public:
+    std::optional<Reply> Exchange(const Request&, double) override { return Reply{}; }
+    bool Unreachable() const override { return false; }
+    void SetNotificationHandler(std::function<void(const Notification&)>) override {}
+};
+
+TEST_F(SessionTest, ReplyToHelloWithoutASessionTeachesNothing) {
+    SetTransport(std::make_unique<Silent>());
+    EXPECT_EQ(FrontApplication(), std::nullopt);
+    EXPECT_EQ(MessagingTimeout(), 6.0);
 }
 
 TEST_F(SessionTest, EveryExchangeButHelloIsCounted) {

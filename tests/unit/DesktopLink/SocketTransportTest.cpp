@@ -1,10 +1,15 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <cmath>
+#include <csignal>
+#include <fstream>
 #include <limits>
 
 #include "platform/DesktopLink/Session.h"
 #include "platform/DesktopLink/SocketTransport.h"
+#include "platform/Testing/LogCapture.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/DesktopLink/FakeDesktop.h"
 
@@ -271,6 +276,8 @@ INSTANTIATE_TEST_SUITE_P(
         std::pair{"ANotificationOfGarbage",
                   std::vector<std::uint8_t>{6, 0, 0, 0, 3, 0, 0, 0, 0, 0xC1}},
         std::pair{"AnOversizedFrame", std::vector<std::uint8_t>{0xFF, 0xFF, 0xFF, 0xFF}},
+        std::pair{"AnUnknownKindAndAnOversizedFrame",
+                  std::vector<std::uint8_t>{5, 0, 0, 0, 9, 2, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF}},
         std::pair{"AFrameOneByteTooLarge", std::vector<std::uint8_t>{0x01, 0x00, 0x00, 0x04}}),
     [](const auto& suite) { return suite.param.first; });
 
@@ -306,6 +313,80 @@ TEST_F(SocketTransportTest, DesktopThatDoesNotReadDelaysACallNoLongerThanItsTime
     EXPECT_FALSE(transport.Unreachable());
     gaveUp.set_value();
     EXPECT_EQ(transport.Exchange(Ask(2), kAmple).value_or(Reply{}).text, "reads again");
+    desktop.Finish();
+}
+
+TEST_F(SocketTransportTest, SignalDuringTheWaitForAReplyIsNotTheEndOfIt) {
+    static std::atomic<bool> handled = false;
+    struct sigaction action {};
+    struct sigaction before {};
+    action.sa_handler = [](int) { handled = true; };
+    sigaction(SIGUSR1, &action, &before);
+    FakeDesktop desktop([waiting = pthread_self()](FakeDesktop& peer) {
+        peer.Greet();
+        const auto request = peer.Receive();
+        constexpr useconds_t kMoment = 20'000;
+        usleep(kMoment);
+        pthread_kill(waiting, SIGUSR1);
+        usleep(kMoment);
+        peer.Send(request.sequence, Answer("reply"));
+    });
+    SocketTransport transport;
+    EXPECT_EQ(transport.Exchange(Ask(1), kAmple).value_or(Reply{}).text, "reply");
+    EXPECT_TRUE(handled);
+    desktop.Finish();
+    sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST_F(SocketTransportTest, WhatLiesInThePlaceOfTheDesktopIsLoggedUntilItIsSomethingElse) {
+    const std::string place = (session_.Path() / std::string(kSocketName)).string();
+    std::ofstream(place).put('x');
+    platform_testing::LogCapture log;
+    SocketTransport transport;
+    transport.Exchange(Ask(1), kAmple);
+    transport.Exchange(Ask(1), kAmple);
+    EXPECT_TRUE(transport.Unreachable());
+    EXPECT_EQ(log.SystemTexts(),
+              std::vector<std::string>{"no desktop: " + place + " is no socket"});
+    log.Clear();
+    std::filesystem::remove(place);
+    transport.Exchange(Ask(1), kAmple);
+    EXPECT_EQ(log.SystemTexts(), std::vector<std::string>{}) << "a missing desktop is normal";
+    std::filesystem::create_symlink("nowhere", place);
+    transport.Exchange(Ask(1), kAmple);
+    EXPECT_EQ(log.SystemTexts(),
+              std::vector<std::string>{"no desktop: " + place +
+                                       " is a symbolic link instead of a socket"});
+}
+
+TEST_F(SocketTransportTest, NothingIsInFrontAfterTheDeathOfADesktopThatNobodyObserved) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        peer.Receive();
+        peer.StopListening();
+        peer.HangUp();
+    });
+    SocketTransport transport;
+    EXPECT_EQ(transport.Exchange(Request{}, kAmple)->session->frontApplication, Editor());
+    EXPECT_FALSE(transport.Exchange(Ask(1), kAmple));
+    desktop.Finish();
+    EXPECT_FALSE(transport.Exchange(Request{}, kAmple)) << "the dead desktop's session was kept";
+}
+
+TEST_F(SocketTransportTest, NotificationWithoutAnObserverChangesWhatTheNextHelloAnswers) {
+    FakeDesktop desktop([](FakeDesktop& peer) {
+        peer.Greet({Editor(), 6});
+        const auto request = peer.Receive();
+        peer.Send(Notification{});
+        peer.Send(request.sequence, Answer("reply"));
+        peer.ClientHangsUp();
+    });
+    {
+        SocketTransport transport;
+        transport.Exchange(Request{}, kAmple);
+        EXPECT_TRUE(transport.Exchange(Ask(1), kAmple));
+        EXPECT_EQ(transport.Exchange(Request{}, kAmple)->session->frontApplication, std::nullopt);
+    }
     desktop.Finish();
 }
 
