@@ -44,10 +44,8 @@ void CFRunLoopAddCommonMode(CFRunLoopRef rl, CFRunLoopMode mode) {
 }
 
 void CFRunLoopRun(void) {
-    CFRunLoopRunResult result = kCFRunLoopRunTimedOut;
-    do {
-        result = CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1e10, false);
-    } while (result != kCFRunLoopRunStopped && result != kCFRunLoopRunFinished);
+    constexpr CFTimeInterval kForEver = 1e10;  // more than the clock counts
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, kForEver, false);
 }
 
 CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds,

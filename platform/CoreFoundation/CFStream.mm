@@ -73,10 +73,8 @@
     if (_status != kCFStreamStatusOpen) {
         return -1;
     }
-    ssize_t count = 0;
-    do {
-        count = ::read(_descriptor, buffer, static_cast<std::size_t>(length));
-    } while (count < 0 && errno == EINTR);
+    // Never waits, so that no signal interrupts it.
+    const ssize_t count = ::read(_descriptor, buffer, static_cast<std::size_t>(length));
     if (count < 0) {
         [self failWithErrorNumber:errno];
     } else if (count == 0) {

@@ -73,16 +73,6 @@ struct CallbackDictionaryStorage {
     return [self init];
 }
 
-- (id)initWithObjects:(const id[])objects
-              forKeys:(const id<NSCopying>[])keys
-                count:(NSUInteger)count {
-    self = [self init];
-    for (NSUInteger index = 0; index < count; ++index) {
-        [self setObject:objects[index] forKey:keys[index]];
-    }
-    return self;
-}
-
 - (void)dealloc {
     [self removeAllObjects];
     delete _storage;

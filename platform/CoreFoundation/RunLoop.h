@@ -9,7 +9,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
@@ -46,15 +45,20 @@ struct Mode {
     bool workedOffBacklog = false;
     std::atomic<unsigned long> revision = 0;  // of timers and observers: counts every change
 
+    // The timers or the observers.
     template <typename Item>
-    auto& Items() {
-        if constexpr (std::is_same_v<Item, Timer>) {
-            return timers;
-        } else {
-            return observers;
-        }
-    }
+    std::vector<Retained<Item>>& Items();
 };
+
+template <>
+inline std::vector<Retained<Timer>>& Mode::Items() {
+    return timers;
+}
+
+template <>
+inline std::vector<Retained<Observer>>& Mode::Items() {
+    return observers;
+}
 
 class RunLoop final : public core_foundation::Object {
   public:
@@ -122,13 +126,7 @@ class RunLoop final : public core_foundation::Object {
     static void Place(Timer& timer, Mode& mode);
     static void Place(Observer& observer, Mode& mode);
     template <typename Item>
-    auto& CommonItems() {
-        if constexpr (std::is_same_v<Item, Timer>) {
-            return commonTimers_;
-        } else {
-            return commonObservers_;
-        }
-    }
+    std::vector<Retained<Item>>& CommonItems();
     std::vector<Mode*> ModesFor(CFRunLoopMode name);
 
     // A run's passes until it is over.
@@ -167,5 +165,15 @@ class RunLoop final : public core_foundation::Object {
     std::vector<Retained<Observer>> commonObservers_;
     std::vector<Activation*> activations_;
 };
+
+template <>
+inline std::vector<Retained<Timer>>& RunLoop::CommonItems() {
+    return commonTimers_;
+}
+
+template <>
+inline std::vector<Retained<Observer>>& RunLoop::CommonItems() {
+    return commonObservers_;
+}
 
 }  // namespace run_loop

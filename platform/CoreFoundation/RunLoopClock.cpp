@@ -52,10 +52,7 @@ std::int64_t Nanoseconds(CFTimeInterval seconds) {
 }
 
 Instant Later(Instant start, std::int64_t interval) {
-    Instant sum = 0;
-    return start == kNever || interval == kNever || __builtin_add_overflow(start, interval, &sum)
-               ? kNever
-               : sum;
+    return interval >= kNever - start ? kNever : start + interval;
 }
 
 Instant InstantOf(CFAbsoluteTime date) {

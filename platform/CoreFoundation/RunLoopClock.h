@@ -17,7 +17,7 @@ Instant Now();
 // An interval in seconds as nanoseconds; what is too long to count is kNever, and NaN is 0.
 std::int64_t Nanoseconds(CFTimeInterval seconds);
 
-// start + interval, kNever when either is.
+// start + interval; kNever when that is too late to count. The start is not negative.
 Instant Later(Instant start, std::int64_t interval);
 
 // The instant of a date, which must not be NaN. Setting the system's clock later does not move it.

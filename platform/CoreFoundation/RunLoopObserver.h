@@ -28,9 +28,10 @@ class Observer final : public core_foundation::Object {
 
     CFIndex Order() const { return order_; }
     bool IsValid() const { return valid_; }
-    // Whether it is to be told of the activity: valid, interested, and not being told already.
+    // Whether it is to be told of the activity: interested, and not being told already. It is in a
+    // mode, and therefore valid.
     bool Wants(CFRunLoopActivity activity) const {
-        return valid_ && !calling_ && (activities_ & activity) != 0;
+        return !calling_ && (activities_ & activity) != 0;
     }
 
     // Tells it of the activity, unless it has become invalid. One that does not repeat is invalid

@@ -76,12 +76,8 @@ void Timer::FireIfDue(const Mode& mode, Instant now) {
 }
 
 Instant Timer::NextOnGrid(Instant date) const {
-    const Instant now = Now();
-    if (date > now) {
-        return date;
-    }
-    const std::int64_t steps = (now - date) / interval_ + 1;
-    return interval_ > kNever / steps ? kNever : Later(date, steps * interval_);
+    const std::int64_t steps = (Now() - date) / interval_ + 1;
+    return Later(date, steps * interval_);
 }
 
 CFAbsoluteTime Timer::NextFireDate() const {

@@ -51,7 +51,7 @@ class Timer final : public core_foundation::Object {
     class Firing;
 
     void Finalize() override { Invalidate(); }
-    // The first date of the grid that is not over yet.
+    // The first date of the grid that is not over yet, after one that is.
     Instant NextOnGrid(Instant date) const;
 
     bool Repeats() const { return interval_ > 0; }

@@ -19,8 +19,9 @@ BOOL GSToUnicode(unichar** dst, unsigned int* size, const unsigned char* src, un
     static const auto original =
         reinterpret_cast<decltype(&GSToUnicode)>(dlsym(RTLD_NEXT, "GSToUnicode"));
     const BOOL converted = original(dst, size, src, slen, enc, zone, options);
-    if (enc == NSMacOSRomanStringEncoding && converted && dst != nullptr && *dst != nullptr) {
-        for (unsigned int index = 0; index < slen && index < *size; ++index) {
+    // Without a place to go only the length was asked for. Each byte is one unit.
+    if (enc == NSMacOSRomanStringEncoding && converted && dst != nullptr) {
+        for (unsigned int index = 0; index < slen; ++index) {
             if (src[index] == kIncrementByte) {
                 (*dst)[index] = kIncrement;
             } else if (src[index] == kLogoByte) {

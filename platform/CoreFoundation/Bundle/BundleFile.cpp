@@ -4,8 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-
 #include "../PropertyList/PropertyListReader.h"
 
 namespace bundle {
@@ -28,20 +26,17 @@ class OpenFile {
     // The length that a regular file claims to have; nothing for what is none or is too long.
     std::optional<std::size_t> ClaimedLength() const {
         struct stat status {};
-        if (descriptor_ < 0 || fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode) ||
+        fstat(descriptor_, &status);  // leaves nothing there when the file could not be opened
+        if (!S_ISREG(status.st_mode) ||
             static_cast<std::uint64_t>(status.st_size) > property_list::kLongestDocument) {
             return std::nullopt;
         }
         return static_cast<std::size_t>(status.st_size);
     }
 
-    // As read(2), but for interruptions.
+    // As read(2), which no signal interrupts in a regular file.
     ssize_t Read(std::uint8_t* buffer, std::size_t size) const {
-        ssize_t count = 0;
-        do {
-            count = read(descriptor_, buffer, size);
-        } while (count < 0 && errno == EINTR);
-        return count;
+        return read(descriptor_, buffer, size);
     }
 
   private:

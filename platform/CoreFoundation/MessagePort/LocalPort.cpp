@@ -126,14 +126,14 @@ CFRunLoopSourceRef LocalPort::CreateSource(CFIndex order) {
     return source_;
 }
 
-bool LocalPort::Ready(int descriptor, std::uint32_t events) {
-    if (listener_ && descriptor == listener_->descriptor()) {
+bool LocalPort::Ready(int descriptor, std::uint32_t) {
+    if (descriptor == listener_->descriptor()) {
         AcceptPeers();
         return false;
     }
     if (const auto found = peers_.find(descriptor); found != peers_.end()) {
         const PeerPointer peer = found->second;
-        HandlePeer(peer, events);
+        HandlePeer(peer);
     }
     return ServeNext();
 }
@@ -151,14 +151,14 @@ void LocalPort::AcceptPeers() {
     }
 }
 
-void LocalPort::HandlePeer(const PeerPointer& peer, std::uint32_t events) {
+void LocalPort::HandlePeer(const PeerPointer& peer) {
     const int descriptor = peer->descriptor.get();
     if (peer->writer.Queued() > 0) {
         if (peer->writer.Flush(descriptor) == local_socket::FrameWriter::Status::closed) {
             Drop(peer);
             return;
         }
-    } else if ((events & (EPOLLIN | EPOLLHUP | EPOLLERR)) != 0) {
+    } else {
         peer->ended = peer->reader.ReadFrom(descriptor) != local_socket::FrameReader::Status::open;
     }
     Settle(peer);
@@ -262,9 +262,6 @@ void LocalPort::Watch(Peer& peer, std::uint32_t events) {
         return;
     }
     peer.watched = events;
-    if (source_ == nullptr) {
-        return;
-    }
     // A peer's hang-up would be reported even to one who asks for nothing.
     if (events == 0) {
         run_loop::Unwatch(source_, peer.descriptor.get());
@@ -274,9 +271,6 @@ void LocalPort::Watch(Peer& peer, std::uint32_t events) {
 }
 
 void LocalPort::Drop(const PeerPointer& peer) {
-    if (!peer->descriptor) {
-        return;
-    }
     Watch(*peer, 0);
     peers_.erase(peer->descriptor.get());
     peer->descriptor.reset();

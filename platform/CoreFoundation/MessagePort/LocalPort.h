@@ -59,7 +59,7 @@ class LocalPort final : public Port {
     bool Ready(int descriptor, std::uint32_t events) override;
 
     void AcceptPeers();
-    void HandlePeer(const PeerPointer& peer, std::uint32_t events);
+    void HandlePeer(const PeerPointer& peer);
     bool ServeNext();
     void Serve(const PeerPointer& peer, const local_socket::OwnedPayload& payload);
     void Answer(const PeerPointer& peer, const MessageHeader& request, CFDataRef reply);
@@ -67,7 +67,7 @@ class LocalPort final : public Port {
     void Settle(const PeerPointer& peer);
     static std::uint32_t EventsToWaitFor(const Peer& peer);
     void Watch(Peer& peer, std::uint32_t events);
-    void Drop(const PeerPointer& peer);
+    void Drop(const PeerPointer& peer);  // not twice
 
     std::optional<local_socket::Listener> listener_;
     const CFMessagePortCallBack callback_;

@@ -7,10 +7,9 @@ namespace {
 
 constexpr CFIndex kLongestName = 128;
 
-// A cut may not leave half a character behind.
+// A cut may not leave half a character of the UTF-8 text behind.
 CFIndex WholeCharacters(const std::string& text, CFIndex length) {
-    while (length > 0 &&
-           (static_cast<unsigned char>(text[static_cast<std::size_t>(length)]) & 0xC0) == 0x80) {
+    while ((static_cast<unsigned char>(text[static_cast<std::size_t>(length)]) & 0xC0) == 0x80) {
         --length;
     }
     return length;

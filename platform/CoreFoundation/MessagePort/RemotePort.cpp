@@ -103,7 +103,7 @@ bool RemotePort::IsValid() {
         char byte = 0;
         const ssize_t count =
             descriptor_ ? recv(descriptor_.get(), &byte, 1, MSG_PEEK | MSG_DONTWAIT) : 0;
-        peerIsGone = count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
+        peerIsGone = count == 0 || (count < 0 && errno != EAGAIN);
     }
     if (peerIsGone) {
         Invalidate();

@@ -240,6 +240,8 @@ TEST_F(LocalPortTest, CallbackSetOnAnInvalidPortIsCalledAtOnce) {
     CFMessagePortInvalidate(port);
     CFMessagePortSetInvalidationCallBack(port, [](CFMessagePortRef, void*) { ++calls; });
     EXPECT_EQ(calls, 1);
+    CFMessagePortSetInvalidationCallBack(port, nullptr);
+    EXPECT_EQ(calls, 1);
     CFRelease(port);
 }
 
@@ -260,6 +262,21 @@ TEST_F(LocalPortTest, InfoIsRetainedAroundTheCallback) {
     CFRelease(source);
     CFRelease(port);
     EXPECT_THAT(events.names, ElementsAre("retain", "retain", "request", "release", "release"));
+}
+
+TEST_F(LocalPortTest, ContextThatOnlyRetainsIsNeverReleased) {
+    Events events;
+    CFMessagePortContext context = ContextFor(events);
+    context.release = nullptr;
+    const CFMessagePortRef port =
+        CFMessagePortCreateLocal(nullptr, CFSTR("port"), Ignore, &context, nullptr);
+    const CFRunLoopSourceRef source = CFMessagePortCreateRunLoopSource(nullptr, port, 0);
+    CFRunLoopAddSource(CFRunLoopGetCurrent(), source, kCFRunLoopCommonModes);
+    EXPECT_EQ(Client("port").Ask("x").reply, "");
+    CFMessagePortInvalidate(port);
+    CFRelease(source);
+    CFRelease(port);
+    EXPECT_THAT(events.names, ElementsAre("retain", "retain"));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Requests between ports of one process: the sender's run loop serves them while it waits.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <thread>
@@ -9,6 +10,7 @@
 #include "platform/CoreFoundation/MessagePort/MessageFrame.h"
 #include "platform/LocalSocket/Socket.h"
 #include "platform/Testing/LiveObjects.h"
+#include "platform/Testing/LogCapture.h"
 #include "platform/Testing/TestClock.h"
 #include "platform/Testing/Variants.h"
 #include "tests/support/SessionFixture.h"
@@ -29,6 +31,30 @@ class RequestTest : public testing::Test {
 
 TEST_F(RequestTest, NobodyThereGivesNoRemotePort) {
     EXPECT_EQ(Client("port").Port(), nullptr);
+}
+
+TEST_F(RequestTest, RefusedFolderGivesNoRemotePortAndOneLine) {
+    ASSERT_EQ(chmod(session_.Path().c_str(), 0755), 0);
+    const platform_testing::LogCapture log;
+    EXPECT_EQ(Client("port").Port(), nullptr);
+    EXPECT_THAT(log.ConsoleTexts(),
+                ElementsAre(testing::HasSubstr("has mode 0755 instead of 0700")));
+}
+
+TEST_F(RequestTest, EmptyNameGivesNoRemotePort) {
+    EXPECT_EQ(CFMessagePortCreateRemote(nullptr, CFSTR("")), nullptr);
+    EXPECT_EQ(CFMessagePortCreateRemote(nullptr, nullptr), nullptr);
+}
+
+TEST_F(RequestTest, PortWithoutACallbackAnswersWithEmptyData) {
+    const CFMessagePortRef port =
+        CFMessagePortCreateLocal(nullptr, CFSTR("port"), nullptr, nullptr, nullptr);
+    const CFRunLoopSourceRef source = CFMessagePortCreateRunLoopSource(nullptr, port, 0);
+    CFRunLoopAddSource(CFRunLoopGetCurrent(), source, kCFRunLoopCommonModes);
+    EXPECT_EQ(Client("port").Ask("x"), (Outcome{kCFMessagePortSuccess, ""}));
+    CFMessagePortInvalidate(port);
+    CFRelease(source);
+    CFRelease(port);
 }
 
 TEST_F(RequestTest, RemotePortHasTheName) {
@@ -210,6 +236,7 @@ TEST_F(RequestTest, InvalidPortSendsNothing) {
     const Server server("port", Echo);
     const Client client("port");
     CFMessagePortInvalidate(client.Port());
+    EXPECT_FALSE(CFMessagePortIsValid(client.Port()));
     EXPECT_EQ(client.Ask("x"), (Outcome{kCFMessagePortIsInvalid, std::nullopt}));
     EXPECT_EQ(client.Tell("x"), kCFMessagePortIsInvalid);
 }
@@ -365,6 +392,12 @@ TEST_F(RequestTest, LeavesNoObjectBehind) {
                   itsClient.Ask("x");
               }),
               "");
+}
+
+TEST_F(RequestTest, RequestThroughALocalPortStopsTheProcess) {
+    const Server server("port", Echo);
+    EXPECT_DEATH(CFMessagePortSendRequest(server.Port(), 1, nullptr, 1, 1, nullptr, nullptr),
+                 "CFMessagePortSendRequest: the port is not remote");
 }
 
 #if __has_feature(address_sanitizer)

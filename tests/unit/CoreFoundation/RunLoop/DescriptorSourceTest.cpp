@@ -115,6 +115,42 @@ TEST_F(DescriptorSourceTest, SourceThatATimerEndsInTheSamePassIsNotPerformed) {
     EXPECT_THAT(calls_, IsEmpty());
 }
 
+TEST_F(DescriptorSourceTest, DescriptorThatATimerUnwatchesInTheSamePassIsNotReported) {
+    const auto source = Add("a", first_.get());
+    eventfd_write(first_.get(), 1);
+    scene_.AddTimer(0, 0, [&] { run_loop::Unwatch(source, first_.get()); });
+    scene_.Run(0.1);
+    EXPECT_THAT(calls_, IsEmpty());
+}
+
+TEST_F(DescriptorSourceTest, BacklogThatATimerWorksOffInTheSamePassIsNotPerformed) {
+    const auto source = Add("a", first_.get());
+    run_loop::SetBacklog(source, true);
+    scene_.AddTimer(0, 0, [&] { run_loop::SetBacklog(source, false); });
+    scene_.Run(0.1);
+    EXPECT_THAT(calls_, IsEmpty());
+}
+
+TEST_F(DescriptorSourceTest, WatchingAgainForTheSameAndUnwatchingAStrangerChangeNothing) {
+    const auto source = Add("a", first_.get());
+    run_loop::Watch(source, first_.get(), EPOLLIN);
+    run_loop::Unwatch(source, second_.get());
+    eventfd_write(first_.get(), 1);
+    scene_.Run(0.1);
+    EXPECT_THAT(calls_, ElementsAre("a"));
+    run_loop::Unwatch(source, first_.get());
+    eventfd_write(first_.get(), 1);
+    scene_.Run(0.1);
+    EXPECT_THAT(calls_, ElementsAre("a")) << "it was watched twice";
+}
+
+TEST_F(DescriptorSourceTest, CannotBeSignalled) {
+    const auto source = Add("a", first_.get());
+    CFRunLoopSourceSignal(source);
+    EXPECT_EQ(scene_.Run(0.1, true), kCFRunLoopRunTimedOut);
+    EXPECT_THAT(calls_, IsEmpty());
+}
+
 TEST_F(DescriptorSourceTest, UnnoticedSourceLeavesItsModeEmpty) {
     const auto source = run_loop::CreateDescriptorSource(0, Presence::unnoticed,
                                                          [](int, std::uint32_t) { return true; });
