@@ -142,7 +142,7 @@ char16_t NextStepCharacter(std::uint8_t byte) {
     NSString* text = [[NSString alloc] initWithBytes:&byte
                                               length:1
                                             encoding:NSNEXTSTEPStringEncoding];
-    const char16_t character = [text length] == 1 ? [text characterAtIndex:0] : u'\uFFFD';
+    const char16_t character = [text characterAtIndex:0];  // every byte has one
     [text release];
     return character;
 }

@@ -116,6 +116,7 @@ TEST_F(BridgedContainers, AnIndexOutsideAStringOfAnyUnitsRaisesAnException) {
     EXPECT_EQ([string characterAtIndex:1], 'a');
     unichar buffer[4];
     EXPECT_TRUE(RaisesRangeException([&] { [string characterAtIndex:2]; }));
+    EXPECT_TRUE(RaisesRangeException([&] { [string characterAtIndex:3]; }));
     EXPECT_TRUE(
         RaisesRangeException([&] { [string getCharacters:buffer range:NSMakeRange(1, 2)]; }));
 }

@@ -1,12 +1,14 @@
 // The bytes of a bundle's files, which may be anything.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <fstream>
 #include <iterator>
 #include <string>
 
 #include "platform/CoreFoundation/Bundle/BundleFile.h"
+#include "platform/CoreFoundation/PropertyList/PropertyListReader.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
@@ -31,6 +33,30 @@ TEST(BundleFile, OfUnknownLengthIsReadToItsEnd) {
     ASSERT_FALSE(text.empty());
     EXPECT_EQ(std::filesystem::file_size("/proc/self/limits"), 0U);
     EXPECT_EQ(Read("/proc/self/limits"), text);
+}
+
+TEST(BundleFile, IsOnlyARegularOne) {
+    const test_support::TemporaryFolder folder;
+    EXPECT_EQ(Read(folder.Path()), std::nullopt);
+    EXPECT_EQ(Read(folder.Path() / "missing"), std::nullopt);
+    const auto pipe = folder.Path() / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(Read(pipe), std::nullopt) << "and nobody waits for its writer";
+}
+
+TEST(BundleFile, IsAtMostAsLongAsADocument) {
+    const test_support::TemporaryFolder folder;
+    const auto file = folder.Write("file", "x");
+    std::filesystem::resize_file(file, property_list::kLongestDocument);
+    EXPECT_EQ(Read(file).value_or("").size(), property_list::kLongestDocument);
+    std::filesystem::resize_file(file, property_list::kLongestDocument + 1);
+    EXPECT_EQ(Read(file), std::nullopt);
+}
+
+// Files of the kernel's: one claims to have no byte, and the other cannot be read at its beginning.
+TEST(BundleFile, IsGivenUpWhenItHasNoEndOrFails) {
+    EXPECT_EQ(Read("/proc/self/pagemap"), std::nullopt);
+    EXPECT_EQ(Read("/proc/self/mem"), std::nullopt);
 }
 
 TEST(BundleFile, MayBeReachedThroughALink) {

@@ -1,5 +1,6 @@
 #import <Foundation/Foundation.h>
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -152,6 +153,29 @@ TEST_F(BundleOnDisk, IsReadAnewUnderTheVariant) {
     EXPECT_EQ(Utf8([WithURL("X.app") bundleIdentifier]), "com.example.two");
 }
 
+TEST_F(BundleOnDisk, VariantForgetsWhatWasRememberedBefore) {
+    WriteIdentifier("com.example.one");
+    NSBundle* remembered = WithURL("X.app");
+    WriteIdentifier("com.example.two");
+    const platform_testing::UnderVariant fresh(platform_testing::Variant::freshBundleInfo);
+    EXPECT_NE(WithURL("X.app"), remembered);
+    EXPECT_EQ(Utf8([WithURL("X.app") bundleIdentifier]), "com.example.two");
+}
+
+TEST_F(BundleOnDisk, FileThatIsNamedLikeALanguageFolderIsNone) {
+    folder_.Write("X.app/Contents/Info.plist", Info(Entry("CFBundleDevelopmentRegion", "de")));
+    folder_.Write("X.app/Contents/Resources/en.lproj", "a file");
+    folder_.Write("X.app/Contents/Resources/de.lproj/Localizable.strings", "k = german;");
+    EXPECT_EQ(Utf8([WithURL("X.app") localizedStringForKey:@"k" value:nil table:nil]), "german");
+}
+
+TEST_F(BundleOnDisk, LocalizedStringOfNoKeyIsTheValueOrEmpty) {
+    folder_.Write("X.app/Contents/Resources/Localizable.strings", "k = v;");
+    NSBundle* bundle = WithURL("X.app");
+    EXPECT_EQ(Utf8([bundle localizedStringForKey:nil value:@"given" table:nil]), "given");
+    EXPECT_EQ(Utf8([bundle localizedStringForKey:nil value:nil table:nil]), "");
+}
+
 TEST_F(BundleOnDisk, LocalizedStringFallsBackToTheValueThenTheKey) {
     folder_.Write("X.app/Contents/Resources/Localizable.strings", "\"k\" = \"v\";");
     NSBundle* bundle = WithURL("X.app");
@@ -185,6 +209,16 @@ TEST_F(BundleOnDisk, ProgramInABundleHasThatBundleAsMainBundle) {
     folder_.Write("X.app/Contents/Resources/en.lproj/Localizable.strings", "VEKLanguage = en;");
     EXPECT_EQ(PrintedFrom("X.app/Contents/MacOS"),
               (folder_.Path() / "X.app").string() + "\ncom.example.x\n1.0.2\nen\n");
+}
+
+TEST_F(BundleOnDisk, ProgramInAFolderNamedLikeABundlesHasThatFolderAsMainBundle) {
+    EXPECT_EQ(PrintedFrom("tools/MacOS"),
+              (folder_.Path() / "tools/MacOS").string() + "\n(null)\n(null)\nVEKLanguage\n");
+}
+
+TEST_F(BundleOnDisk, ReadStreamOfAURLWithoutAPathIsNone) {
+    NSURL* url = [NSURL URLWithString:@"mailto:nobody"];
+    EXPECT_EQ(CFReadStreamCreateWithFile(kCFAllocatorDefault, (CFURLRef)url), nullptr);
 }
 
 TEST(MainBundle, IsTheSameObjectEveryTime) {

@@ -1,5 +1,6 @@
 // References, types, and what a programming error meets.
 #include <CoreFoundation/CoreFoundation.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>
@@ -73,6 +74,24 @@ TEST(References, AreCounted) {
     EXPECT_EQ(CFGetRetainCount(number.get()), 2);
     CFRelease(number.get());
     EXPECT_EQ(CFGetRetainCount(number.get()), 1);
+}
+
+TEST(Descriptions, AreThoseOfTheContentsUnlessThatAreBarePointers) {
+    const void* text = CFSTR("text");
+    const Owned<CFArrayRef> objects(
+        CFArrayCreate(kCFAllocatorDefault, &text, 1, &kCFTypeArrayCallBacks));
+    EXPECT_EQ(vectors::Shown(Owned<CFStringRef>(CFCopyDescription(objects.get())).get()),
+              "\"(text)\"");
+    const CFDictionaryKeyCallBacks* const noKeys = nullptr;
+    const CFDictionaryValueCallBacks* const noValues = nullptr;
+    for (const bool bareKeys : {false, true}) {
+        const Owned<CFDictionaryRef> dictionary(
+            CFDictionaryCreate(kCFAllocatorDefault, &text, &text, 1,
+                               bareKeys ? noKeys : &kCFTypeDictionaryKeyCallBacks,
+                               bareKeys ? &kCFTypeDictionaryValueCallBacks : noValues));
+        EXPECT_THAT(vectors::Shown(Owned<CFStringRef>(CFCopyDescription(dictionary.get())).get()),
+                    testing::StartsWith("\"{ 0x"));
+    }
 }
 
 // Every function that answers a new object, and every one that keeps an object.

@@ -83,6 +83,10 @@ TEST(BinaryCorners, UIDsAreEqualByTheirValue) {
     EXPECT_TRUE(CFEqual(made("\x80\x05").get(), made("\x81\0\x05"s).get()));
     EXPECT_EQ(CFHash(made("\x80\x05").get()), CFHash(made("\x81\0\x05"s).get()));
     EXPECT_FALSE(CFEqual(made("\x80\x05").get(), made("\x80\x06").get()));
+    EXPECT_FALSE(CFEqual(made("\x80\x05").get(), made("\x10\x05").get())) << "a number";
+    const Owned<CFURLRef> url(
+        CFURLCreateWithFileSystemPath(nullptr, CFSTR("/"), kCFURLPOSIXPathStyle, true));
+    EXPECT_FALSE(CFEqual(made("\x80\x05").get(), url.get()));
 }
 
 TEST(BinaryCorners, OffsetsThatCannotReachTheTableAreRefused) {

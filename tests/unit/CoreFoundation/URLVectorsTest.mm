@@ -56,6 +56,17 @@ TEST(FileSystemPath, RelativeOneIsRelativeToTheCurrentFolder) {
     [pool release];
 }
 
+TEST(FileSystemPath, RootIsASlashWhetherOrNotItIsCalledAFolder) {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    for (const bool isFolder : {false, true}) {
+        const CFURLRef url = CFURLCreateWithFileSystemPath(kCFAllocatorDefault, CFSTR("/"),
+                                                           kCFURLPOSIXPathStyle, isFolder);
+        EXPECT_STREQ([[(NSURL*)url absoluteString] UTF8String], "file:///");
+        CFRelease(url);
+    }
+    [pool release];
+}
+
 TEST(FileSystemPath, OtherStylesThanPosixAreNotUnderstood) {
     EXPECT_EQ(
         CFURLCreateWithFileSystemPath(kCFAllocatorDefault, CFSTR("a:b"), kCFURLHFSPathStyle, false),

@@ -1,7 +1,14 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/time.h>
 #include <syslog.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <thread>
+#include <vector>
 
 #include "platform/Testing/LogCapture.h"
 #include "tests/unit/Testing/ConsoleLine.h"
@@ -84,6 +91,92 @@ TEST(ConsoleLog, WritesDateProcessAndTextInUTF8) {
     EXPECT_THAT(GetCapturedStderr(),
                 testing::MatchesRegex("[0-9]+-[0-9]+-[0-9]+ [0-9]+:[0-9]+:[0-9]+[.][0-9]+ "
                                       "unit_testing\\[[0-9]+:[0-9]+\\] Caf\xC3\xA9\n"));
+}
+
+TEST(ConsoleLog, ShowsHalfACharacterAsAReplacement) {
+    const LogCapture capture;
+    const UniChar units[] = {'a', 0xD83C, 'b'};
+    const CFStringRef text = CFStringCreateWithCharacters(nullptr, units, 3);
+    WriteConsoleObject(text);
+    CFRelease(text);
+    EXPECT_THAT(capture.ConsoleTexts(), ElementsAre("a\xEF\xBF\xBD"
+                                                    "b"));
+}
+
+TEST(SystemLog, LeavesOutWhatTheLocaleCannotWrite) {
+    const LogCapture capture;
+    syslog(LOG_EMERG, "%ls", L"\x65E5");
+    EXPECT_THAT(capture.SystemTexts(), ElementsAre(""));
+}
+
+// Standard error is another file while this lives.
+class OtherStandardError {
+  public:
+    explicit OtherStandardError(int descriptor) { dup2(descriptor, STDERR_FILENO); }
+    OtherStandardError(const OtherStandardError&) = delete;
+    OtherStandardError& operator=(const OtherStandardError&) = delete;
+    ~OtherStandardError() {
+        dup2(before_, STDERR_FILENO);
+        close(before_);
+    }
+
+  private:
+    const int before_ = dup(STDERR_FILENO);
+};
+
+TEST(SystemLog, LosesALineForWhichThereIsNoRoomAndGoesOn) {
+    const LogCapture capture;
+    const int full = open("/dev/full", O_WRONLY);
+    {
+        const OtherStandardError other(full);
+        errno = ENOENT;
+        syslog(LOG_EMERG, "line");
+        EXPECT_EQ(errno, ENOENT);
+    }
+    close(full);
+    EXPECT_THAT(capture.SystemTexts(), ElementsAre("line"));
+}
+
+volatile std::sig_atomic_t alarms = 0;
+
+// A pipe that is full until some alarms have come, read by a thread that gets none itself.
+TEST(SystemLog, WritesALineWholeThoughSignalsInterruptIt) {
+    constexpr std::size_t kMoreThanAPipeHolds = 300'000;
+    struct sigaction action {};
+    action.sa_handler = [](int) { alarms = alarms + 1; };
+    struct sigaction before {};
+    sigaction(SIGALRM, &action, &before);
+    sigset_t alarm;
+    sigemptyset(&alarm);
+    sigaddset(&alarm, SIGALRM);
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    std::size_t came = 0;
+    pthread_sigmask(SIG_BLOCK, &alarm, nullptr);
+    std::thread reader([&] {
+        while (alarms < 5) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        std::vector<char> bytes(100'000);
+        ssize_t count = 0;
+        while ((count = read(ends[0], bytes.data(), bytes.size())) > 0) {
+            came += static_cast<std::size_t>(count);
+        }
+    });
+    pthread_sigmask(SIG_UNBLOCK, &alarm, nullptr);
+    const itimerval often{{0, 2'000}, {0, 2'000}};
+    const itimerval never{};
+    {
+        const OtherStandardError other(ends[1]);
+        setitimer(ITIMER_REAL, &often, nullptr);
+        syslog(LOG_EMERG, "%s", std::string(kMoreThanAPipeHolds, 'x').c_str());
+        setitimer(ITIMER_REAL, &never, nullptr);
+    }
+    close(ends[1]);
+    reader.join();
+    close(ends[0]);
+    sigaction(SIGALRM, &before, nullptr);
+    EXPECT_EQ(came, kMoreThanAPipeHolds + sizeof "<0> \n" - 1);
 }
 
 }  // namespace

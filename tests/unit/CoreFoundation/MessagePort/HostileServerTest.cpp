@@ -93,7 +93,7 @@ TEST_F(HostileServerTest, SlowReaderGetsTheWholeOfAMessageWithinTheSendTimeout) 
 
 TEST_F(HostileServerTest, PeerThatLeavesInTheMiddleOfAMessageFailsItsSender) {
     std::thread leaving([this] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        peer_->WaitUntilFull();
         peer_->Close();
     });
     EXPECT_EQ(client_->Tell(kTooMuchAtOnce, 30), kCFMessagePortTransportError);
@@ -118,7 +118,7 @@ TEST_F(HostileServerTest, PeerThatLeavesInTheMiddleOfAMessageIsNoticedByTheRunLo
 
 TEST_F(HostileServerTest, PeerThatLeavesInTheMiddleOfARequestEndsTheWaitForItsReply) {
     std::thread leaving([this] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        peer_->WaitUntilFull();
         peer_->Close();
     });
     EXPECT_EQ(client_->Ask(kTooMuchAtOnce, 1, 30, kCFRunLoopDefaultMode, 30),

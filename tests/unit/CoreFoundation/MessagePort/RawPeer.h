@@ -1,11 +1,14 @@
 // Frames and connections that keep to no rules, for tests of both ends of a port.
 #pragma once
 
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <string>
+#include <thread>
 
 #include "platform/CoreFoundation/MessagePort/MessageFrame.h"
 #include "platform/LocalSocket/Socket.h"
@@ -58,6 +61,18 @@ class RawPeer {
         }
         ended_ = count == 0 || errno != EAGAIN;
         return bytes;
+    }
+
+    // Until bytes have come and no more are coming: whoever sends them waits for room.
+    void WaitUntilFull() const {
+        int before = 0;
+        for (int same = 0; same < 20;) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            int waiting = 0;
+            ioctl(socket_.get(), FIONREAD, &waiting);
+            same = waiting > 0 && waiting == before ? same + 1 : 0;
+            before = waiting;
+        }
     }
 
     bool IsDisconnected() {
