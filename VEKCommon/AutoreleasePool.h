@@ -1,5 +1,5 @@
-// An autorelease pool for code that is not Objective-C++. Every callback that the run loop calls
-// has one of its own: in a process without an NSApplication nobody else need have made one.
+// An autorelease pool for code that is not Objective-C++. Every callback of the run loop makes its
+// own: in a process without an NSApplication, nothing else is guaranteed to make one.
 #pragma once
 
 class AutoreleasePool {

@@ -22,7 +22,7 @@ CFStringRef CreateTranslationPath(const char* language) {
     return path;
 }
 
-// Null when the file is missing or no property list.
+// Null when the file is missing or is not a property list.
 CFPropertyListRef CreatePropertyListFromFile(CFStringRef path) {
     CFURLRef url =
         CFURLCreateWithFileSystemPath(kCFAllocatorDefault, path, kCFURLPOSIXPathStyle, false);
@@ -34,7 +34,7 @@ CFPropertyListRef CreatePropertyListFromFile(CFStringRef path) {
     if (stream == nullptr) {
         return nullptr;
     }
-    CFReadStreamOpen(stream);  // reading from one that did not open fails
+    CFReadStreamOpen(stream);  // if this fails, so does reading
     CFPropertyListRef propertyList = CFPropertyListCreateWithStream(
         kCFAllocatorDefault, stream, 0, kCFPropertyListImmutable, nullptr, nullptr);
     CFReadStreamClose(stream);

@@ -1,13 +1,13 @@
-// The translations of one language: a property list in the maker's folder of the user's Application
-// Support, read anew by each instance.
+// The translations of one language: a property list in the vendor's folder of the user's
+// Application Support, read anew by each instance.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 
 class CLanguageSupport {
   public:
-    // Loads "<language>.plist". A missing folder or file, a file that is no property list, and one
-    // whose root is no dictionary all leave the instance without a dictionary.
+    // Loads "<language>.plist". A missing folder or file, a file that is not a property list, and
+    // one whose root is not a dictionary all leave the instance without a dictionary.
     explicit CLanguageSupport(const char* language);
     virtual ~CLanguageSupport();
     CLanguageSupport(const CLanguageSupport&) = delete;
@@ -24,7 +24,7 @@ class CLanguageSupport {
     // The same; the caller frees. A null path is a programming error and ends the process.
     static char* CreatePathByExpandingTildePath(const char* path);
 
-    static CLanguageSupport* sSelf;  // the instance made last, null when it is gone
+    static CLanguageSupport* sSelf;  // the latest instance; null after any is destroyed
 
   private:
     CFDictionaryRef dictionary_ = nullptr;  // owned

@@ -3,6 +3,6 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-// NSLog: `format` takes printf's conversions and %@ for objects; every conversion has its argument.
-// Null is a legal argument of %@ and %s.
+// As NSLog: `format` takes printf's conversions, and %@ for objects. %@ and %s accept null.
+// Not checked: each conversion must have an argument of its type.
 void ConsoleLog(CFStringRef format, ...);

@@ -5,7 +5,7 @@
 #include "VEKCommon/MessageCodes.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 
-// Whether the companion received the tag does not matter to the answer.
+// The result does not depend on whether the companion received the tag.
 bool CVEK_UserSpaceDriver::GetLocale() {
     CFStringRef tag = CFBundleCopyLocalizedString(CFBundleGetMainBundle(), CFSTR("VEKLanguage"),
                                                   CFSTR("VEKLanguage"), nullptr);

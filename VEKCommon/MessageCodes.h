@@ -4,7 +4,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-// Compilers warn of 'abcd' and leave its value to themselves; this says which one is meant.
+// The value of a literal like 'abcd' is up to the compiler, which warns of it; this one is fixed.
 constexpr SInt32 FourCharacterCode(const char (&characters)[5]) {
     SInt32 code = 0;
     for (int i = 0; i < 4; ++i) {
@@ -13,7 +13,7 @@ constexpr SInt32 FourCharacterCode(const char (&characters)[5]) {
     return code;
 }
 
-// Requests of the companion to the local port.
+// Requests, which the companion sends to the driver's port.
 constexpr SInt32 kJAcF = FourCharacterCode("JAcF");  // refresh the front application, observe
 constexpr SInt32 kJBtP = FourCharacterCode("JBtP");  // press a button
 constexpr SInt32 kJCPK = FourCharacterCode("JCPK");  // post a keystroke
@@ -36,7 +36,7 @@ constexpr SInt32 kJTWP = FourCharacterCode("JTWP");  // frame of the first open 
 constexpr SInt32 kJWiP = FourCharacterCode("JWiP");  // frame of a window
 constexpr SInt32 kJXRs = FourCharacterCode("JXRs");  // forget cached elements and the clip name
 
-// Messages of the driver to the companion's port.
+// Messages that the driver sends to the companion's port.
 constexpr SInt32 kStus = FourCharacterCode("Stus");  // asks for the controller's status
 constexpr SInt32 kJSLg = FourCharacterCode("JSLg");  // language tag
 constexpr SInt32 kJFSC = FourCharacterCode("JFSC");  // name of the selected clip

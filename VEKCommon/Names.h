@@ -5,5 +5,5 @@
 #define kDriverPortName "KRT9Background"
 #define kCompanionPortName "VEK_KRT9"
 
-// The editing application, compared exactly: an identifier that begins with it is another's.
+// The editing application. Compared exactly: an identifier that begins with it is not the editor's.
 #define kEditorBundleID "com.apple.FinalCut"

@@ -2,7 +2,7 @@
 
 #include <glob.h>
 
-// The assertion below is part of what this does: it holds in every build.
+// The assertion below is part of the behaviour: it stays in every build.
 #undef NDEBUG
 #include <cassert>
 #include <cstdlib>
@@ -33,7 +33,7 @@ CFStringRef CLanguageSupport::CreateCFStringByExpandingTildePath(CFStringRef pat
 
 // glob finds only what exists, so a missing folder expands to nothing.
 char* CLanguageSupport::CreatePathByExpandingTildePath(const char* path) {
-// The text of this assertion is known to those who read crash reports.
+// The assertion's text, file and line appear in crash reports and are kept as they are.
 #line 150 "VEKCommon/CLanguageSupport"
     assert(path != NULL);  // NOLINT(modernize-use-nullptr)
 #line 40 "VEKCommon/TildePath.cpp"
@@ -43,7 +43,7 @@ char* CLanguageSupport::CreatePathByExpandingTildePath(const char* path) {
     }
     const size_t length = strlen(matches.gl_pathv[0]);
     char* expanded = static_cast<char*>(calloc(length + 1, 1));
-    // Unreachable: calloc that has no room for the few bytes of a path.
+    // Unreachable: null. calloc does not fail for the few bytes of a path.
     if (expanded != nullptr) {
         memcpy(expanded, matches.gl_pathv[0], length);
     }

@@ -12,8 +12,8 @@ namespace {
 
 constexpr CFIndex kCacheCapacity = 20;
 
-// A dictionary that holds one entry holds its key at most: it counts as keyed, and takes elements,
-// only beyond that.
+// One entry is at most the application's: only a dictionary with more counts as keyed and accepts
+// elements.
 constexpr CFIndex kKeyedThreshold = 1;
 
 CFArrayRef CreateSearchAttributes() {
@@ -30,7 +30,7 @@ CFStringRef FrontBundleIdentifier() {
 
 }  // namespace
 
-// Keys are compared by address and nothing is retained: no callbacks.
+// Without callbacks: keys are compared by address, and nothing is retained.
 VEK_C_AXUtils::VEK_C_AXUtils()
     : cache_(CFDictionaryCreateMutable(kCFAllocatorDefault, kCacheCapacity, nullptr, nullptr)) {
     if (sMultipleAttributes == nullptr) {
@@ -72,7 +72,7 @@ void VEK_C_AXUtils::KeepApplicationIdentifier(CFStringRef identifier) {
     applicationIdentifier_ = identifier;
 }
 
-// A cache that was just keyed holds its key only and so stores nothing. That is deliberate.
+// A cache that has just been keyed holds one entry and so stores nothing. That is deliberate.
 void VEK_C_AXUtils::CacheElement(AXUIElementRef element, CFStringRef identifier) {
     CFStringRef application = FrontBundleIdentifier();
     if (application == nullptr) {
@@ -103,7 +103,7 @@ void VEK_C_AXUtils::ResetCacheForApplication(CFStringRef bundleIdentifier) {
     KeepApplicationIdentifier(nullptr);
 }
 
-// The keys are not the dictionary's own: whoever passes it answers for their being alive.
+// The dictionary does not own its keys: the caller makes sure that they are alive.
 void VEK_C_AXUtils::DebugCache(CFDictionaryRef cache, const char* tag) {
     std::vector<const void*> keys(static_cast<std::size_t>(CFDictionaryGetCount(cache)));
     CFDictionaryGetKeysAndValues(cache, keys.data(), nullptr);

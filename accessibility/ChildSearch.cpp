@@ -32,7 +32,7 @@ bool CVEK_UserSpaceDriver::CopyChildWithID(CFArrayRef children, CFStringRef iden
     if (!found) {
         return false;
     }
-    // The arrays that held the element are gone with the walk.
+    // The arrays that held the element were released with the walk.
     element = Autoreleased<AXUIElementRef>(std::move(found));
     return true;
 }
@@ -68,7 +68,7 @@ AXUIElementRef CVEK_UserSpaceDriver::CopyChildWithRoleAndDescription(CFArrayRef 
             return Retained(child).release();
         }
     }
-    // Written for every miss, that in an empty array included.
+    // Logged for every miss, also in an empty array.
     if (debug) {
         ConsoleLog(CFSTR("     something went horribly wrong"));
     }

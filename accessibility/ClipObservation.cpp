@@ -18,7 +18,7 @@ enum ClipNameSource : unsigned int {
     kFromClipTable = 2,
 };
 
-// The first cell of a row holds the name; in 10.3 it does so in a text field of its own.
+// The first cell of a row holds the name; in 10.3 the cell's text field does.
 OwnedReference<CFStringRef> CopyClipNameOfRow(VEK_C_AXUtils& axUtils, AXUIElementRef row,
                                               int profile) {
     OwnedReference<CFArrayRef> cells = CopyArrayAttribute(row, kAXChildrenAttribute);
@@ -39,11 +39,11 @@ void CVEK_UserSpaceDriver::ObserveFCPXClipSelectionChange() {
     lastClipRow = kNoRow;
 }
 
-// A source that works is kept; one that fails makes room for the next at the following tick. The
-// clip table is tried for a single tick.
+// A source that works is kept; after one that fails, the next tick tries the next one. The clip
+// table is tried for a single tick.
 void CVEK_UserSpaceDriver::ObserveFCPXClipSelectionTask() {
     static unsigned int clipNameSource = kFromFirstStaticText;
-    // Unreachable: a source that is none of these, since only what follows sets it.
+    // Unreachable: any other value, since only the cases below set it.
     switch (clipNameSource) {
         case kFromFirstStaticText:
             if (!FollowStaticText(kFirstClipName)) {
@@ -120,7 +120,7 @@ void CVEK_UserSpaceDriver::SetClipNameFromClipTableElement(AXUIElementRef table)
     if (!rowIndex || SInt32Value(rowIndex.get()) == lastClipRow) {
         return;
     }
-    // Before the name is read: a row whose name cannot be had is not tried again.
+    // Stored before the name is read: a row whose name cannot be read is not tried again.
     lastClipRow = SInt32Value(rowIndex.get());
     char name[sizeof lastClipName];
     OwnedReference<CFStringRef> value = CopyClipNameOfRow(axUtils, row, fcpxProfile);

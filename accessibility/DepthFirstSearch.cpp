@@ -97,8 +97,8 @@ class Walk {
         }
     }
 
-    // Takes note of the descent into the element: where to tell whether it is on the path; null
-    // when it must not be descended into.
+    // Records the descent into the element and returns the flag that says whether it is on the
+    // path; null when the walk must not descend into it.
     bool* Enter(AXUIElementRef element) {
         const auto [entry, first] = descended_.try_emplace(Retained(element), true);
         if (first) {
@@ -145,7 +145,7 @@ class Walk {
     std::vector<Level> path_;
 
     // The elements that were descended into, with whether they are on the path now. An application
-    // may answer children that are an ancestor: without this the walk would never end.
+    // may list an ancestor among the children: without this the walk would never end.
     std::unordered_map<OwnedReference<AXUIElementRef>, bool, ElementHash, ElementEqual> descended_;
 
     int repeatedDescents_ = 0;

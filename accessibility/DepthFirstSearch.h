@@ -1,12 +1,12 @@
 // The walk that every search by identifier shares: depth-first, pre-order, first match in array
-// order, to any depth. Its path is on the heap, so depth costs no stack.
+// order, to any depth. Its path is on the heap, so that depth does not use the stack.
 //
 // An element that is listed several times is searched each time it is met, since its children may
-// have changed meanwhile. Only one that is on the way down to where it is met again, its own
-// ancestor or its own child, is not searched there. An application whose groups list each other
-// could make such a walk take time that grows exponentially with their number; therefore a search
-// descends at most kMostRepeatedDescents times into elements that it has been in before, and from
-// then on into those only that are new to it.
+// have changed meanwhile. Only an element that is met again below itself, as its own descendant, is
+// not searched there. An application whose groups list each other could make such a walk take time
+// that grows exponentially with their number. Therefore a search descends at most
+// kMostRepeatedDescents times into elements that it has been in before, and from then on only into
+// elements that are new to it.
 #pragma once
 
 #include <ApplicationServices/ApplicationServices.h>
@@ -18,7 +18,7 @@
 
 constexpr int kMostRepeatedDescents = 1000;
 
-// The element that was sought, or null. `children` may be null and may hold anything. One exchange
-// for each child visited. `trace` is told each step; null for none.
+// The element sought, or null. `children` may be null and may hold objects of any type. Costs one
+// exchange for each child visited. `trace` is told each step; it may be null.
 OwnedReference<AXUIElementRef> FindElement(const ElementQuery& query, CFArrayRef children,
                                            SearchTrace* trace);

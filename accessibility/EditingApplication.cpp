@@ -4,8 +4,8 @@
 #include "accessibility/VersionProfiles.h"
 #include "frontapplication/FrontApplication.h"
 
-// An absent identifier compares as equal: the comparison began as a message to it, and a message to
-// nil answers 0, which means "same". Observation has always been switched on by that; keep it so.
+// An absent identifier deliberately compares as equal and switches observation on: the comparison
+// stands for a message to the identifier, and a message to nil returns 0, which means "same".
 bool FrontApplicationPassesAsEditor() {
     CFStringRef identifier = nullptr;
     if (!CFWorkspace_FrontApplicationBundleID(&identifier)) {

@@ -1,4 +1,4 @@
-// Recognising the editing application, and texts on their way from it to the companion.
+// Recognising the editing application, and converting its texts for the companion.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -31,7 +31,7 @@ CFStringRef CVEK_UserSpaceDriver::GetStringValueOfElementWithID(CFStringRef iden
         OwnedReference<CFStringRef>(axUtils.CopyStringValueForElement(element.get())));
 }
 
-// The result of setting the value is discarded on purpose: false says nothing about it.
+// The result of setting the value is deliberately discarded: false does not mean failure.
 bool CVEK_UserSpaceDriver::SetIntValueAsStringOfElementWithID(CFStringRef identifier, int value) {
     auto element = FindElement(axUtils, identifier, kAXTextFieldRole);
     if (element) {
@@ -87,7 +87,7 @@ bool CVEK_UserSpaceDriver::GetValueOfAXRadioGroupWithID(CFStringRef identifier, 
     return false;
 }
 
-// Releases neither the radio group nor its children, on any path. That is kept as it is.
+// Deliberately releases neither the radio group nor its children, on any path.
 bool CVEK_UserSpaceDriver::SetValueOfAXRadioGroupWithID(CFStringRef identifier, unsigned index) {
     AXUIElementRef group = FindElement(axUtils, identifier, kAXRadioGroupRole).release();
     CFArrayRef children = CopyArrayAttribute(group, kAXChildrenAttribute).release();

@@ -9,7 +9,7 @@
 #define kVEK_AXRole_AllValidRoles CFSTR("VEKAXAllRoles")
 
 struct ElementQuery {
-    // Where `attributes` holds the names of these. The walk itself needs the first two.
+    // Indexes of these attributes in `attributes`. The walk itself needs the first two.
     static constexpr CFIndex kRoleIndex = 0;
     static constexpr CFIndex kChildrenIndex = 1;
     static constexpr CFIndex kIdentifierIndex = 2;
@@ -23,7 +23,7 @@ struct ElementQuery {
     // Empty unless `role` is kVEK_AXRole_AllValidRoles.
     std::span<const CFStringRef> rolesMeantByAny;
 
-    // A search field is a text field that is never meant, whichever role is asked for.
+    // Search fields have the role of text fields; with this they never match.
     bool skipsSearchFields;
 
     // Whether an element of that role, which is not null, can be the one sought; `values` are its
@@ -34,6 +34,6 @@ struct ElementQuery {
 // The search from the windows of the front application; `attributes` names four attributes.
 ElementQuery QueryFromWindows(CFStringRef identifier, CFStringRef role, CFArrayRef attributes);
 
-// The search in an array that the caller has; `attributes` names three attributes. Text fields are
-// not among its roles, unlike in the other: the sets differ on purpose.
+// The search in an array of the caller's; `attributes` names three attributes. Text fields are not
+// among the roles meant by "any", unlike above: the sets differ on purpose.
 ElementQuery QueryInArray(CFStringRef identifier, CFStringRef role, CFArrayRef attributes);

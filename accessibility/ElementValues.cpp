@@ -34,7 +34,7 @@ AXUIElementRef VEK_C_AXUtils::CopySibling(CFArrayRef children, CFStringRef role)
     return nullptr;
 }
 
-// Only numeric values count: a text is not converted, even one that consists of digits.
+// Only numbers count: a text is not converted, even if it consists of digits.
 SInt32 VEK_C_AXUtils::IntegerValueForElement(AXUIElementRef element, CFStringRef /*tag*/) {
     OwnedReference<CFNumberRef> value = CopyNumberAttribute(element, kAXValueAttribute);
     return value ? SInt32Value(value.get()) : 0;
@@ -44,7 +44,7 @@ CFStringRef VEK_C_AXUtils::CopyStringValueForElement(AXUIElementRef element) {
     return CopyStringAttribute(element, kAXValueAttribute).release();
 }
 
-// A text field takes over a new value only when it is confirmed.
+// A text field accepts a new value only when it is confirmed.
 bool VEK_C_AXUtils::SetStringValueForElement(AXUIElementRef element, CFStringRef text) {
     return SetAttribute(element, kAXValueAttribute, text) &&
            PerformAction(element, kAXConfirmAction);

@@ -1,11 +1,11 @@
-// Tells, line by line, what a search does: for diagnosis, and only if somebody asks for it.
+// Logs what a search does, line by line: for diagnosis, when a caller asks for it.
 #pragma once
 
 #include <ApplicationServices/ApplicationServices.h>
 #include <CoreFoundation/CoreFoundation.h>
 
 // Every step corresponds to a moment of a recursive search in which one level handles one array of
-// children. A trace says what it has a line for, and nothing at the other steps.
+// children. A trace overrides the steps that it has a line for.
 class SearchTrace {
   public:
     SearchTrace() = default;
@@ -20,17 +20,17 @@ class SearchTrace {
     // Before the attributes of the child at `index` are read.
     virtual void ChildBegins(CFIndex /*index*/) {}
 
-    // Whether the child can be the element sought, by its role; `values` are its attributes.
+    // Whether the child's role is one of those sought; `values` are its attributes.
     virtual void RoleChecked(CFStringRef /*role*/, bool /*taken*/, CFArrayRef /*values*/) {}
 
-    // Whether it is, by its identifier, which may be null.
+    // Whether its identifier, which may be null, is the one sought.
     virtual void IdentifierChecked(CFStringRef /*identifier*/, bool /*same*/, CFIndex /*index*/) {}
 
-    // `element` is the result and retained as such; it stood at `index` of its level.
+    // `element` is the result, already retained; it was found at `index` of its level.
     virtual void Found(AXUIElementRef /*element*/, CFIndex /*index*/) {}
 
-    // The children of an element of that role are searched; then how many there are, if they could
-    // be read.
+    // The search goes on to the children of an element of that role; then, if they could be read,
+    // how many there are.
     virtual void DescentBegins(CFStringRef /*role*/) {}
     virtual void ChildrenRead(CFIndex /*count*/) {}
 

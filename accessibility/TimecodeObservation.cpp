@@ -39,7 +39,7 @@ void CVEK_UserSpaceDriver::ObserveFCPXTimelineTimecodeTask() {
     if (!text || CFStringCompare(text.get(), lastTimecode, 0) == kCFCompareEqualTo) {
         return;
     }
-    // Before the conversion: a timecode that cannot be converted is not tried again.
+    // Stored before the conversion: a timecode that cannot be converted is not tried again.
     CFStringReplaceAll(lastTimecode, text.get());
     char timecode[kTimecodeSize];
     if (GetSystemEncodedText(text.get(), timecode, sizeof timecode)) {

@@ -1,7 +1,7 @@
 // Finds controls of the front application by identifier and role, and reads and writes their
 // values.
 //
-// Operations named Copy... answer an object that the caller releases, or null;
+// Operations named Copy... return an object that the caller releases, or null;
 // CopySibling(children, role) is the one exception. Main thread only.
 #pragma once
 
@@ -23,7 +23,7 @@ class VEK_C_AXUtils {
     // --- Cache: maps identifiers, compared by address, to elements; retains neither. No search
     // --- consults it.
 
-    // The cache, keyed for that application: emptied before, if it was keyed for another.
+    // Returns the cache, keyed for that application; empties it first if it was keyed for another.
     CFMutableDictionaryRef CachedElementsForApplication(CFStringRef bundleIdentifier);
     void CacheElement(AXUIElementRef element, CFStringRef identifier);
     void UncacheElement(CFStringRef identifier);
@@ -59,7 +59,7 @@ class VEK_C_AXUtils {
     // The depth from which CopyChild counts.
     void SetDebugLevel(unsigned int level);
 
-    // --- Values of one element. A value of another type counts as none.
+    // --- Values of one element. A value of another type counts as missing.
 
     SInt32 IntegerValueForElement(AXUIElementRef element, CFStringRef tag);  // 0 when there is none
     CFStringRef CopyStringValueForElement(AXUIElementRef element);
@@ -69,7 +69,7 @@ class VEK_C_AXUtils {
     // Sets the value and confirms it; true when both succeeded.
     bool SetStringValueForElement(AXUIElementRef element, CFStringRef text);
 
-    // False for an element that no longer answers.
+    // False when a query of the element fails, as it does once the element is destroyed.
     bool ElementIsValid(AXUIElementRef element);
 
   private:
@@ -89,7 +89,7 @@ class VEK_C_AXUtils {
     // instances; the first to be destroyed releases it.
     static CFArrayRef sMultipleAttributes;
 
-    // The identifier the cache is keyed for. The cache does not retain it and yet compares with it,
-    // so it is kept alive here.
+    // The identifier for which the cache is keyed. The cache compares with it but does not retain
+    // it, so it is kept alive here.
     CFStringRef applicationIdentifier_ = nullptr;
 };

@@ -22,7 +22,7 @@ int CVEK_UserSpaceDriver::ProfileForVersion(CFStringRef shortVersion) {
         CFStringRef prefix;
         FCPXProfile profile;
     };
-    // The first that fits counts. A prefix is no version number: 10.3.40 is taken for 10.3.4.
+    // The first match counts. Prefixes are compared as texts: 10.3.40 is taken for 10.3.4.
     const Release releases[] = {
         {CFSTR("10.4.6"), kProfile10_4_5}, {CFSTR("10.4.5"), kProfile10_4_5},
         {CFSTR("10.4"), kProfile10_4},     {CFSTR("10.3.4"), kProfile10_3_4},

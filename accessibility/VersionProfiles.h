@@ -3,7 +3,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-// Handed along with look-ups of the timeline-index toggle; decides nothing.
+// Passed along with lookups of the timeline-index toggle; has no effect.
 #define kVEK_FCPX_ToggleTimelineIndexButtonID CFSTR("_TTIB")
 
 // Rows of the profile table, named by the first release of each.
@@ -16,15 +16,15 @@ enum FCPXProfile {
     kProfile10_4_5 = 5,  // and any other release
 };
 
-// Columns of the profile table. Column 2 is carried and read by nothing.
+// Columns of the profile table. Column 2 is filled in but never read.
 enum FCPXControl {
     kTimelineIndexToggle = 0,  // AXRadioGroup before 10.3, AXCheckBox since
-    kClipTable = 1,            // AXTable, there while the timeline index is visible
+    kClipTable = 1,            // AXTable, present while the timeline index is visible
     kTimecodeArea = 3,         // AXLayoutArea with the playhead
     kFirstClipName = 4,        // AXStaticText
     kSecondClipName = 5,       // AXStaticText
 };
 
 // The identifier in that row and column (FCPXControl) of the table; a row that the table does not
-// have counts as the last. Borrowed and immortal.
+// have counts as the last. Borrowed; never released.
 CFStringRef FCPXIdentifier(int profile, int column);

@@ -4,12 +4,12 @@
 
 namespace {
 
-// Marks that Reset() was given may lie outside the ring; the bytes they stand for do not.
+// Reset() takes any marks, even outside the ring; the positions used are always inside.
 unsigned long InsideRing(unsigned long mark) {
     return mark % CCircularBuffer::kCapacity;
 }
 
-// Takes the busy flag for one operation, unless another one has it.
+// Holds the busy flag during one operation, unless another one holds it already.
 class Turn {
   public:
     explicit Turn(bool& busy) : busy_(busy), taken_(!busy) { busy_ = true; }

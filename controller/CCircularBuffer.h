@@ -1,7 +1,7 @@
-// A ring of bytes between a producer and a consumer.
+// A ring of bytes between a producer and a consumer. The driver creates no instance of it.
 //
-// The busy flag is an ordinary bool, neither atomic nor a lock: it only makes a call that is
-// entered while another one works give up, doing nothing. Writing never fails: what does not fit
+// The busy flag is a plain bool, neither atomic nor a lock: a call that is entered while another
+// one is in progress returns at once, having done nothing. Writing never fails: what does not fit
 // overwrites bytes not yet read, and a writer that catches up with the reader exactly leaves an
 // empty ring.
 #pragma once
@@ -13,22 +13,22 @@ class CCircularBuffer {
     CCircularBuffer();
     virtual ~CCircularBuffer();
 
-    // Each of these answers 0 or false, and does nothing, while another call works.
+    // While another call is in progress, each of these does nothing and returns 0 or false.
     void AddBytes(const unsigned char* bytes, unsigned long n);
     void AddByte(unsigned char byte);
     unsigned long GetBytes(unsigned char* out, unsigned long n);  // bytes read
     bool GetByte(unsigned char* out);
     unsigned long MoveOutMarkBy(unsigned long n);  // bytes skipped
 
-    // Neither of these looks at the busy flag.
+    // These two ignore the busy flag.
     unsigned long BytesRemaining() const;  // written and not yet read
     bool IsEmpty() const;
 
-    // Stores the marks unchecked, whether or not another call works.
+    // Stores the marks unchecked, whether or not another call is in progress.
     void Reset(unsigned long in, unsigned long out);
 
-    // Byte by byte, first to last, with a 32-bit counter: of 2^32 bytes or more, the count's low 32
-    // bits are copied.
+    // Copies byte by byte, first to last, with a 32-bit counter: only the low 32 bits of `n` are
+    // used.
     void CopyBytes(const unsigned char* from, unsigned char* to, unsigned long n);
 
   private:

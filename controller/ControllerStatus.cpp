@@ -31,8 +31,8 @@ void CVEK_UserSpaceDriver::RequestKRTStatus() {
         CFDataGetBytes(reply, CFRangeMake(0, kStatusSize), status);
         SetKRTStatus(status);
     } else if (length > 0 && length != loggedStatusLength) {
-        // The companion is asked ten times a second: its next reply of that length says nothing
-        // new.
+        // The companion is asked ten times a second: another reply of the same length would only
+        // repeat the line.
         loggedStatusLength = length;
         syslog(LOG_EMERG, "controller status ignored: reply of %ld bytes, %ld are needed\n", length,
                kStatusSize);
@@ -40,7 +40,7 @@ void CVEK_UserSpaceDriver::RequestKRTStatus() {
     CFRelease(reply);
 }
 
-// The words after the first two carry nothing that this driver keeps.
+// Only the first two words are kept. statusReserved stays 0, whatever the third word is.
 void CVEK_UserSpaceDriver::SetKRTStatus(const unsigned char* reply) {
     statusReserved = 0;
     unitCount = static_cast<unsigned short>(UFromBuffer::GetLong(reply));

@@ -4,6 +4,8 @@
 
 #include "driver/CVEK_UserSpaceDriver.h"
 
+// Nothing in the program calls these helpers: they are kept as part of the driver's interface.
+
 const char kHex2ASCII[16] = {'0', '1', '2', '3', '4', '5', '6', '7',
                              '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'};
 

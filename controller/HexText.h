@@ -1,4 +1,4 @@
-// The digits of the hex text that the driver writes.
+// The digits of the hex helpers of CVEK_UserSpaceDriver.
 #pragma once
 
 extern const char kHex2ASCII[16];  // not 0-terminated

@@ -1,5 +1,5 @@
-// Signs in to MIDI and connects the controller, once: a controller plugged in later is found by the
-// next start of the process.
+// Signs in to MIDI and connects the controller, once: a controller plugged in later is found only
+// when the process starts again.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreMIDI/CoreMIDI.h>
@@ -14,8 +14,8 @@ constexpr char kEchoEntityName[] = "Echo";
 constexpr unsigned kLongestName = 128;  // bytes, terminator included
 constexpr CFIndex kNameCapacity = 256;  // bytes
 
-// False for an object whose name cannot be had, is not MacRoman text or does not fit; what `name`
-// then holds is no name.
+// False when the name cannot be read, cannot be converted to MacRoman or does not fit; `name` is
+// unspecified then.
 bool ReadName(MIDIObjectRef object, char (&name)[kNameCapacity]) {
     CFStringRef text = nullptr;
     if (MIDIObjectGetStringProperty(object, kMIDIPropertyName, &text) != 0 || text == nullptr) {
@@ -54,7 +54,7 @@ void CVEK_UserSpaceDriver::MIDISignIn() {
         }
         return;
     }
-    // A port that could not be made stays 0, which DoConnect() notices. Nothing is ever sent
+    // A port that cannot be created stays 0, which DoConnect() notices. Nothing is ever sent
     // through the output port.
     MIDIInputPortCreate(midiClient, CFSTR("Input from hardware"), HardwareReadProcEntry, nullptr,
                         &inputPort);
@@ -62,7 +62,7 @@ void CVEK_UserSpaceDriver::MIDISignIn() {
     connected = DoConnect();
 }
 
-// Disposes of nothing and disconnects nothing: the process ends right after.
+// Disposes of nothing and disconnects nothing: the process ends right afterwards.
 void CVEK_UserSpaceDriver::MIDISignOut() {
     midiClient = 0;
     spareMIDIReferences[0] = 0;
@@ -77,7 +77,7 @@ bool CVEK_UserSpaceDriver::DoConnect() {
     const OSStatus status = MIDIPortConnectSource(inputPort, sourceEndpoint, nullptr);
     if (status != 0) {
         char sourceName[kNameCapacity];
-        ReadName(sourceEndpoint, sourceName);  // reported nowhere
+        ReadName(sourceEndpoint, sourceName);  // read, but not reported
     }
     return status == 0;
 }
@@ -119,11 +119,12 @@ MIDIEntityRef CVEK_UserSpaceDriver::LocateControllerPrivateEntity(MIDIDeviceRef 
     return FirstEntityWithName(device, kPrivateEntityName);
 }
 
+// Nothing in the program calls this: it is kept as part of the driver's interface.
 MIDIEntityRef CVEK_UserSpaceDriver::LocateControllerEchoEntity(MIDIDeviceRef device) {
     return FirstEntityWithName(device, kEchoEntityName);
 }
 
-// A name whose terminator does not come within `max` bytes matches nothing, itself included.
+// A name that is not terminated within `max` bytes matches nothing, not even itself.
 bool CVEK_UserSpaceDriver::NameCmp(const char* wanted, const char* found, unsigned max) {
     for (unsigned i = 0; i < max; ++i) {
         if (wanted[i] != found[i]) {

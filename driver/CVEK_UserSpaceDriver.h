@@ -39,7 +39,7 @@ class CVEK_UserSpaceDriver {
     // and case-sensitive.
     virtual bool MatchWindowTitle(NSString* title, NSString* name, bool partial);
 
-    // Answers 0 whatever it is given: signatures come from the front-application observer.
+    // Always returns 0: signatures come from the front-application observer.
     virtual OSType GetSigFromPSN(ProcessSerialNumber* serialNumber);
 
     // --- driver/: life cycle, continued ----------------------------------------------------------
@@ -52,7 +52,7 @@ class CVEK_UserSpaceDriver {
     void Run();
 
     // Asks whether this process is trusted for accessibility, letting the system prompt the user.
-    // The answer is logged and not kept.
+    // The result is logged and not kept.
     void TriggerAXAlert();
 
     // --- driver/: periodic work ------------------------------------------------------------------
@@ -65,15 +65,15 @@ class CVEK_UserSpaceDriver {
 
     // --- protocol/: requests and outbound messages -----------------------------------------------
 
-    // The message port's callback. The reply belongs to the message-port machinery (+1); null means
-    // no reply, also while no driver exists.
+    // The message port's callback. Returns a reply that the message port releases, or null for no
+    // reply, also while no driver exists.
     static CFDataRef MessageCallbackEntry(CFMessagePortRef port, SInt32 msgid, CFDataRef data,
                                           void* info);
     CFDataRef MessageCallback(CFMessagePortRef port, SInt32 msgid, CFDataRef data, void* info);
 
-    // Sends to the companion: status of CFMessagePortSendRequest, or -2 when there is no
-    // companion's port. With wantReply and a non-null reply, waits at most 0.01 s to send and 0.01
-    // s for the reply, which the caller releases.
+    // Sends to the companion; returns the status of CFMessagePortSendRequest, or -2 when there is
+    // no remote port. With wantReply and a non-null reply, waits at most 0.01 s to send and 0.01 s
+    // for the reply, which the caller releases.
     SInt32 SendMessage(int msgid, unsigned char* bytes, unsigned long long length, bool wantReply,
                        CFDataRef* reply);
 
@@ -85,7 +85,7 @@ class CVEK_UserSpaceDriver {
     bool LocateController();
     MIDIDeviceRef LocateControllerDevice();                             // 0 when not found
     MIDIEntityRef LocateControllerPrivateEntity(MIDIDeviceRef device);  // 0 when not found
-    MIDIEntityRef LocateControllerEchoEntity(MIDIDeviceRef device);     // 0 when not found
+    MIDIEntityRef LocateControllerEchoEntity(MIDIDeviceRef device);     // the same; never called
 
     // Exact equality of two 0-terminated names shorter than `max` bytes.
     static bool NameCmp(const char* wanted, const char* found, unsigned max);
@@ -106,7 +106,7 @@ class CVEK_UserSpaceDriver {
     static unsigned short GetChannelCount();
 
     static void HexByteToCString(unsigned char byte, char* out);  // out: 3 bytes
-    // out: 3 x length bytes, at least 1.
+    // out: 3 x length bytes, at least 1. Nothing in the program calls the three hex helpers.
     static void HexDataToCString(const unsigned char* data, unsigned length, char* out);
     static void PrtHex(const unsigned char* data, unsigned length, bool newline);
 
@@ -117,7 +117,7 @@ class CVEK_UserSpaceDriver {
                          CFStringRef role, bool passThrough, bool debug);
     AXUIElementRef CopyChildWithRoleAndDescription(CFArrayRef children, CFStringRef role,
                                                    CFStringRef description, bool debug);
-    void UncachePathToElementID(CFStringRef identifier);  // changes nothing
+    void UncachePathToElementID(CFStringRef identifier);  // does nothing
 
     // --- accessibility/: element operations by identifier ----------------------------------------
 
@@ -133,7 +133,7 @@ class CVEK_UserSpaceDriver {
 
     // --- accessibility/: version profiles --------------------------------------------------------
 
-    // Row for the editing application's short version; 5 for any that is not in the table.
+    // Row for the editing application's short version; 5 for a version that is not in the table.
     static int ProfileForVersion(CFStringRef shortVersion);
 
     static constexpr int kProfileCount = 6;
@@ -151,7 +151,7 @@ class CVEK_UserSpaceDriver {
     void SetClipNameFromStaticTextElement(AXUIElementRef element);
     void SetClipNameFromClipTableElement(AXUIElementRef table);
 
-    // Kept for a design with accessibility notifications; they do nothing.
+    // Entry points of a design with accessibility notifications. They do nothing.
     void ObserveFCPXElement(NSString* identifier, unsigned value, NSString* text);
     static void ObserverCallbackEntry(AXObserverRef observer, AXUIElementRef element,
                                       CFStringRef notification, void* info);
@@ -185,9 +185,9 @@ class CVEK_UserSpaceDriver {
 
     // --- VEKCommon/: language --------------------------------------------------------------------
 
-    // Takes the language tag and reports it; false when there is none to be had.
+    // Reads the language tag and reports it to the companion; false when it cannot be read.
     bool GetLocale();
-    // strncpy of the tag: not terminated when it fills `length` bytes.
+    // Copies the tag as strncpy does: not terminated when it fills `length` bytes.
     static void GetCurrentLanguage(char* out, unsigned length);
 
     // The one driver object; set by the constructor, never cleared.
@@ -198,20 +198,20 @@ class CVEK_UserSpaceDriver {
     friend struct DriverInspector;    // the tests' view of the fields
     friend struct RequestOperations;  // protocol/: what each request does
 
-    void RefreshFrontApplication();
+    void RefreshFrontApplication();  // protocol/: a part of 'JAcF'
 
-    // The steps of ObserveFCPXClipSelectionTask: false when there is no such static text.
+    // accessibility/: steps of ObserveFCPXClipSelectionTask. False when there is no such text.
     bool FollowStaticText(int profileColumn);
     void FollowClipTable();
-    // Sends the name if it is not the last one sent. Shorter than lastClipName.
+    // Sends the name, which fits lastClipName, if it differs from that.
     void ReportClipName(const char* name);
 
     unsigned short unitCount;
     unsigned short channelCount;
-    unsigned short statusReserved;
+    unsigned short statusReserved;  // the third status word, which is not kept: always 0
     bool statusValid;
     [[maybe_unused]] bool spareFlag;
-    bool connectState;
+    bool connectState;  // returned by RequestConnectState; nothing sets it: always false
     CFRunLoopTimerRef timeoutTimer = nullptr;
     MIDIClientRef midiClient;
     MIDIObjectRef spareMIDIReferences[2] = {0, 0};

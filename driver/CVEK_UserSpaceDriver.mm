@@ -59,7 +59,7 @@ CVEK_UserSpaceDriver::CVEK_UserSpaceDriver()
 
     sSelf = this;
 
-    // Without a port to listen on the process stays idle: it has nobody to work for.
+    // Without a port nothing can reach the driver, and the process stays idle.
     runLoopSource = localPort.GetRunLoopSource();
     if (runLoopSource == nullptr) {
         return;
@@ -68,7 +68,7 @@ CVEK_UserSpaceDriver::CVEK_UserSpaceDriver()
 
     MIDISignIn();
     remotePort = new CACFRemoteMessagePort(CFSTR(kCompanionPortName), nullptr);
-    // Unreachable: a port that could not be made has no source either.
+    // Unreachable: without a port there is no source, and the constructor has returned above.
     if (!localPort.IsValid()) {
         syslog(LOG_EMERG, "local Port is not valid");
     }
@@ -79,15 +79,15 @@ CVEK_UserSpaceDriver::CVEK_UserSpaceDriver()
     StartTimeoutCounter();
 }
 
-// Neither clears sSelf nor releases lastTimecode: the process ends right after it.
+// Neither clears sSelf nor releases lastTimecode: the process ends right afterwards.
 CVEK_UserSpaceDriver::~CVEK_UserSpaceDriver() {
     StopTimeoutCounter();
     delete remotePort;
     MIDISignOut();
 }
 
-// Deletes the object outright: the signal is let in only while the run loop waits, so nothing
-// half-done is interrupted (driver/Interrupts.h).
+// Deletes the object outright: the signal is delivered only while the run loop waits, so that
+// nothing is interrupted half-way (driver/Interrupts.h).
 void CVEK_UserSpaceDriver::SignalHandler(int) {
     delete sSelf;
     exit(0);

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Runs of the loop that are under way; a callback may begin another one.
+// Nested runs of the loop: a callback may begin another one.
 int runs = 0;
 
 void SetInterruptMask(int how) {
@@ -19,11 +19,11 @@ void SetInterruptMask(int how) {
     pthread_sigmask(how, &interrupt, nullptr);
 }
 
-// A signal that is pending is delivered before pthread_sigmask returns, while the run loop is
-// calling out and holds nothing. Between the return of this callout and the wait itself, and
-// between the wait and the next callout, the loop of macOS holds its own locks for a moment. The
-// thread may take them again, for they are recursive; neither allocates there nor calls anything
-// that does. So the handler may take the timer and the port out of the loop there, too.
+// A pending signal is delivered before pthread_sigmask returns, while the run loop is calling out
+// and holds no lock. Between the return of this callout and the wait itself, and between the wait
+// and the next callout, the run loop of macOS holds its own locks for a moment. They are recursive,
+// so that the thread may take them again, and the loop does not allocate there, directly or not.
+// So the handler may remove the timer and the port from the loop there, too.
 void LoopGoesOn(CFRunLoopObserverRef, CFRunLoopActivity activity, void*) {
     switch (activity) {
         case kCFRunLoopEntry:
@@ -51,8 +51,8 @@ void Observe(CFOptionFlags activities, CFIndex order, CFRunLoopObserverCallBack 
 
 }  // namespace
 
-// Ours is the last observer before the wait and the first one after it: what others do happens with
-// the signal blocked.
+// These are the last observer before the wait and the first one after it: all others run with the
+// signal blocked.
 void AllowInterruptsOnlyWhileWaiting() {
     SetInterruptMask(SIG_BLOCK);
     Observe(kCFRunLoopEntry | kCFRunLoopBeforeWaiting | kCFRunLoopExit, LONG_MAX, LoopGoesOn);

@@ -26,7 +26,7 @@ void CVEK_UserSpaceDriver::StartTimeoutCounter() {
     CFRunLoopAddTimer(CFRunLoopGetCurrent(), timeoutTimer, kCFRunLoopDefaultMode);
 }
 
-// The timer is neither invalidated nor released: the process ends right after.
+// The timer is neither invalidated nor released: the process ends right afterwards.
 void CVEK_UserSpaceDriver::StopTimeoutCounter() {
     if (timeoutTimer != nullptr) {
         CFRunLoopRemoveTimer(CFRunLoopGetCurrent(), timeoutTimer, kCFRunLoopDefaultMode);
@@ -51,8 +51,8 @@ void CVEK_UserSpaceDriver::TimeoutCounter() {
     NSString* bundleID = nil;
     CFWorkspace_CurrentFrontApplicationSignatureAndID(&signature, &bundleID);
     if (bundleID != nil) {
-        // The profile follows whatever application is in front, not only the editor: another
-        // application normally sets it back to the default row.
+        // The profile follows any application in front, not only the editor: the version of another
+        // application normally selects the default row.
         CFStringRef shortVersion = nullptr;
         if (CFWorkspace_FrontApplicationShortVersion(&shortVersion)) {
             fcpxProfile = ProfileForVersion(shortVersion);

@@ -1,5 +1,5 @@
-// The classic modifier word and what each of its bits is in today's event system. Caps Lock
-// (0x0400) is not in the table: it is never pressed and never a flag.
+// The classic modifier word, with the key and the event flag of each bit. Caps Lock (0x0400) is
+// left out: it is neither pressed nor set as a flag.
 #pragma once
 
 #include <ApplicationServices/ApplicationServices.h>

@@ -41,8 +41,8 @@ CGEventFlags VEK_EventPoster::MakeEventFlags(unsigned short modifiers) {
     return flags;
 }
 
-// The keys go up in the order in which they went down, not reversed. Each key-down bears its own
-// flag only, not those of the modifiers pressed before it.
+// The keys go up in the order in which they went down, not reversed. Each key-down event carries
+// its own flag only, not those of the modifiers pressed before it.
 void VEK_EventPoster::PostModifiers(unsigned short modifiers, bool press) {
     if (source_ == nullptr) {
         return;
@@ -60,7 +60,7 @@ void VEK_EventPoster::PostModifiers(unsigned short modifiers, bool press) {
     }
 }
 
-// The modifier keys themselves are not pressed: they travel as flags of the key-down alone.
+// The modifier keys themselves are not pressed: they are flags of the key-down event only.
 void VEK_EventPoster::PostKeystroke(unsigned short keyCode, unsigned short modifiers, bool press) {
     CGEventRef event = CGEventCreateKeyboardEvent(source_, keyCode, press);
     if (event == nullptr) {
@@ -99,8 +99,8 @@ void VEK_EventPoster::PostMouseContinueEvent(CGPoint where, unsigned short modif
 
 void VEK_EventPoster::PostMouseEndEvent(CGPoint where, unsigned short modifiers, bool click) {
     if (click) {
-        // A mouse-up that cannot be made leaves the modifier keys down, on purpose: they go up with
-        // the end request that ends the gesture.
+        // When the mouse-up event cannot be created, the modifier keys deliberately stay down: they
+        // go up with the end request that does end the gesture.
         CGEventRef up = CreateLeftButtonEvent(kCGEventLeftMouseUp, where);
         if (up == nullptr) {
             return;

@@ -2,7 +2,7 @@
 //
 // The modifier word is the classic one: 0x0100 Command, 0x0200 Shift, 0x0400 Caps Lock, 0x0800
 // Option, 0x1000 Control; all other bits are ignored. Positions are global display coordinates,
-// origin at the top left of the main screen. Nothing is reported to the caller.
+// origin at the top left of the main screen. Failures are not reported to the caller.
 #pragma once
 
 #include <ApplicationServices/ApplicationServices.h>

@@ -1,5 +1,5 @@
-// What is known of the front application. All of it belongs to the one front-application observer
-// of the process; main thread only.
+// What is known of the front application, all of it owned by the process's one front-application
+// observer. Main thread only.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -16,11 +16,11 @@ void CFWorkspace_StartObservingFrontApplication();
 
 UInt32 CFWorkspace_FrontApplicationSignature();
 
-// True, and *out borrowed, when there is one; else false, and *out untouched.
+// True, with *out borrowed, when there is one; otherwise false, with *out untouched.
 bool CFWorkspace_FrontApplicationBundleID(CFStringRef* out);
 bool CFWorkspace_FrontApplicationShortVersion(CFStringRef* out);
 
-// True once after each change of the front application; else false, and nothing written.
+// True once after each change of the front application; otherwise false, with nothing written.
 bool CFWorkspace_ChangedFrontApplicationSignatureAndID(UInt32* signature, NSString** bundleID);
 
 // *bundleID is autoreleased, and nil when the front application has none.

@@ -34,7 +34,7 @@ bool CFWorkspace_FrontApplicationShortVersion(CFStringRef* out) {
     return WriteIfPresent(Observer().shortVersion, out);
 }
 
-// A change that lands between reading the flag and clearing it is folded into the one being read.
+// A change between reading the flag and clearing it is reported as part of the one being read.
 bool CFWorkspace_ChangedFrontApplicationSignatureAndID(UInt32* signature, NSString** bundleID) {
     VEK_Driver_FrontAppObserver* observer = Observer();
     if (!observer.frontAppChanged) {

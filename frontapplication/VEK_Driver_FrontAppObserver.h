@@ -1,4 +1,4 @@
-// Keeps what is known of the front application, from the workspace's activation notifications.
+// Records what is known of the front application, from the workspace's activation notifications.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -18,8 +18,8 @@
 @property(nonatomic, retain) NSString* bundleID;
 @property(nonatomic, retain) NSString* shortVersion;
 @property(assign) OSType signature;                 // '????' when unknown
-@property(nonatomic, assign) void (*callback)();    // stored and answered, never called
-@property(nonatomic, assign) BOOL frontAppChanged;  // set by a change, cleared by who reads it
+@property(nonatomic, assign) void (*callback)();    // stored and returned, never called
+@property(nonatomic, assign) BOOL frontAppChanged;  // set by a change, cleared by its reader
 @property(nonatomic, assign) pid_t processID;
 
 // The single instance.

@@ -35,10 +35,10 @@ NSString* StringForKey(NSDictionary* dictionary, NSString* key) {
     return gSelf;
 }
 
-// Whichever instance was made last is the shared one, and lives on without its maker.
+// The latest instance is the shared one, which is retained here, whoever releases it.
 - (id)init {
     self = [super init];
-    // Unreachable: NSObject's init does not fail.
+    // Unreachable: nil. NSObject's init does not fail.
     if (self != nil) {
         [self retain];
         [gSelf release];

@@ -1,5 +1,5 @@
-// Walks over bytes of known length without ever looking beyond their end, and tells why they hold
-// no complete record.
+// Walks over bytes of known length without reading beyond their end, and records why they do not
+// hold a complete record.
 #pragma once
 
 #include <cstddef>
@@ -9,13 +9,13 @@
 
 #include "protocol/MessageSpec.h"
 
-// What is wrong with a body, and the figures that say it.
+// What is wrong with a body, in numbers.
 struct BodyFault {
     enum class Kind {
-        kTooShort,      // `needed` bytes would be there at least
+        kTooShort,      // at least `needed` bytes are required
         kNoTerminator,  // a text runs to the end of the body
-        kTooLong,       // a name of `value` bytes or UTF-16 units where `needed` have their place
-        kCountBeyond,   // a count of `value`, whose items take the body to `needed` bytes at least
+        kTooLong,       // a name of `value` bytes or UTF-16 units, of which `needed` fit
+        kCountBeyond,   // a count of `value` items, for which at least `needed` bytes are required
     };
 
     Kind kind = Kind::kTooShort;
@@ -31,7 +31,7 @@ class BoundedBytes {
 
     std::size_t Left() const { return left_; }
 
-    // Why the last of the calls below that failed did so.
+    // Why the last call that failed, of those below, did so.
     const BodyFault& Fault() const { return fault_; }
 
     bool Skip(std::size_t count) {
@@ -43,7 +43,7 @@ class BoundedBytes {
         return true;
     }
 
-    // Whether that many bytes are left; goes nowhere.
+    // Whether that many bytes are left. Does not advance.
     bool Holds(std::size_t count) {
         if (count > left_) {
             fault_ = {BodyFault::Kind::kTooShort, 0, Passed() + count};
@@ -51,7 +51,7 @@ class BoundedBytes {
         return count <= left_;
     }
 
-    // Whether `count` items of `itemSize` bytes or more, as the body claims, can be left.
+    // Whether the bytes left can hold `count` items, as claimed, of at least `itemSize` bytes each.
     bool HoldsItems(unsigned int count, std::size_t itemSize) {
         const std::uint64_t size = std::uint64_t{count} * itemSize;
         if (size > left_) {
@@ -60,7 +60,7 @@ class BoundedBytes {
         return size <= left_;
     }
 
-    // Whether a name of that many units has its place in memory, which takes `most`.
+    // Whether a name of that many units fits its field, which holds `most`.
     bool Fits(std::size_t length, std::size_t most, const char* unit) {
         if (length > most) {
             fault_ = {BodyFault::Kind::kTooLong, length, most, unit};
@@ -77,7 +77,7 @@ class BoundedBytes {
         return value;
     }
 
-    // Over the terminator too; returns the length without it, and nothing when none is there.
+    // Skips the terminator, too; returns the length without it, or nothing when there is none.
     std::optional<std::size_t> SkipString() {
         if (!Holds(1)) {
             return std::nullopt;
@@ -102,7 +102,7 @@ class BoundedBytes {
     BodyFault fault_;
 };
 
-// How many of the bytes one complete record takes; nothing when they hold none.
+// How many of the bytes one complete record takes; nothing when they do not hold one.
 template <class Record>
 std::optional<std::size_t> CompleteSizeOf(const unsigned char* bytes, std::size_t length) {
     BoundedBytes body(bytes, length);

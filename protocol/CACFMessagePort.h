@@ -5,7 +5,7 @@
 
 class CACFLocalMessagePort {
   public:
-    // A port that cannot be made leaves the object without port and without source.
+    // When the port cannot be created, the object has neither a port nor a source.
     CACFLocalMessagePort(CFStringRef name, CFMessagePortCallBack callback,
                          CFMessagePortInvalidationCallBack invalidated, void* info);
     virtual ~CACFLocalMessagePort();  // invalidates the port
@@ -14,7 +14,7 @@ class CACFLocalMessagePort {
 
     CFRunLoopSourceRef GetRunLoopSource() const { return source_; }  // not retained for the caller
 
-    // Whether the port was made; it does not ask whether it has been invalidated since.
+    // Whether the port was created, even if it has been invalidated since.
     bool IsValid() const { return port_ != nullptr; }
 
   private:
@@ -24,17 +24,17 @@ class CACFLocalMessagePort {
 
 class CACFRemoteMessagePort {
   public:
-    // A port that does not exist leaves the object without port and without source.
+    // When no such port exists, the object has neither a port nor a source.
     CACFRemoteMessagePort(CFStringRef name, CFMessagePortInvalidationCallBack invalidated);
     virtual ~CACFRemoteMessagePort();  // releases the port without invalidating it
     CACFRemoteMessagePort(const CACFRemoteMessagePort&) = delete;
     CACFRemoteMessagePort& operator=(const CACFRemoteMessagePort&) = delete;
 
-    // Whether the port existed at construction; it does not ask whether it still does.
+    // Whether the port existed at construction, even if it no longer does.
     bool IsValid() const { return port_ != nullptr; }
 
-    // The status of CFMessagePortSendRequest unchanged. Time-outs are seconds. On success with a
-    // reply mode `reply` belongs to the caller.
+    // Return the status of CFMessagePortSendRequest unchanged. Time-outs are in seconds. On success
+    // with a reply mode, the caller releases `reply`.
     SInt32 SendRequest(SInt32 msgid, CFDataRef data, double sendTimeout, double receiveTimeout,
                        CFStringRef replyMode, CFDataRef& reply) const;
     SInt32 SendRequest(SInt32 msgid, CFDataRef data, double sendTimeout,

@@ -1,4 +1,4 @@
-// What the records made of 32-bit fields alone have in common.
+// The base of the records that consist of 32-bit fields only.
 #pragma once
 
 #include <cstddef>

@@ -1,29 +1,29 @@
 // The base of every message record and the forms its fields take on the wire.
 //
 // A record holds its values as members, writes them with Serialize() into bytes that it owns, and
-// reads them back with Deserialize(). Deserialize() knows no length, so only bytes that are known
-// to hold a complete record may reach it. Every record returns, by a static CompleteSize(bytes,
-// length), how many of the given bytes one complete record takes, and nothing when they do not hold
-// one. Those that come as requests have a static SkipOver(body), too, which tells the reason.
+// reads them back with Deserialize(). Deserialize() takes no length, so it may be given only bytes
+// that are known to hold a complete record. Every record has a static CompleteSize(bytes, length),
+// which returns how many of the given bytes one complete record takes, or nothing when they do not
+// hold one. Records that come as requests have a static SkipOver(body), too, which tells why.
 #pragma once
 
 #include <string>
 
 class SMessageSpec {
   public:
-    // The order of the virtual operations is the family's, shared with the companion.
+    // The order of the virtual operations is the same in the whole record family.
     virtual ~SMessageSpec();
 
-    // The record's own bytes, SerialBufferSize() of them: valid until the record changes or dies.
-    // Null from a record that is only ever read.
+    // The record's own bytes, SerialBufferSize() of them, valid until it changes or is destroyed.
+    // Null from a record that is only read.
     virtual unsigned char* Serialize() = 0;
 
     virtual void Deserialize(const unsigned char* src) = 0;
 
     virtual unsigned int SerialBufferSize();  // bytes
 
-    // Each writer answers the number of bytes written and each reader the number consumed. None
-    // knows the end of either buffer: the caller sizes them.
+    // Each writer returns the number of bytes written and each reader the number consumed. None
+    // checks bounds: the caller sizes the buffers.
 
     // 4 bytes, least significant first.
     static unsigned int SerializeField(unsigned int value, unsigned char* dst);

@@ -1,4 +1,4 @@
-// The one way out to the companion.
+// Sends the driver's messages to the companion.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <syslog.h>

@@ -1,4 +1,4 @@
-// The table of the companion's requests, and the message port's callback that works from it.
+// The table of the companion's requests, and the message port's callback, which looks them up.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <syslog.h>
@@ -19,8 +19,8 @@
 
 namespace {
 
-// What is asked of a body before it is looked at. A request that its guard stops is ignored without
-// a word.
+// What a body must be for the request to be considered at all. A request that its guard stops is
+// ignored, without a log line.
 enum class Guard {
     kNone,
     kNonEmpty,
@@ -62,8 +62,8 @@ template <SInt32 code, Guard guard, class Body, auto operation>
 constexpr Request Row<code, guard, Body, operation, NoReply> = {
     code, guard, &Body::SkipOver, &ServeWithoutReply<Body, operation>};
 
-// The guard 'JGRV' lacks is not forgotten: of the requests that name an element it alone has none.
-// 'JSIS', 'JSRV', 'JTWP' and 'JWiP' have none either, so an empty body is one cut short.
+// 'JGRV' deliberately has no guard, unlike the other requests whose body is an element. 'JSIS',
+// 'JSRV', 'JTWP' and 'JWiP' have none either, so that their empty body counts as too short.
 // clang-format off
 constexpr Request kRequests[] = {
     //  code   guard                    body                      operation                       reply
@@ -91,7 +91,7 @@ constexpr Request kRequests[] = {
 };
 // clang-format on
 
-// The port's data ends with the callback; a copy of our own lasts for the whole operation.
+// A copy of the body that lasts for the whole operation, whatever becomes of the port's data.
 class BodyCopy {
   public:
     explicit BodyCopy(CFDataRef data) {

@@ -8,8 +8,8 @@
 
 namespace {
 
-// Coordinates come as unsigned numbers: one sent as a negative number's bit pattern becomes a large
-// positive coordinate, and the companion counts on that.
+// Coordinates are unsigned numbers: one that was sent as a negative number's bit pattern
+// deliberately becomes a large positive coordinate.
 CGPoint GesturePoint(const SSendMouseSpec& request) {
     return CGPointMake(request.x, request.y);
 }
@@ -62,7 +62,7 @@ void RequestOperations::ObserveTimelineTimecode(Driver& driver, const NoBody&) {
     driver.ObserveFCPXTimelineTimecode();
 }
 
-// Forgetting the clip name makes the next one travel even when it is the same.
+// Once the clip name is forgotten, the next one is sent even if it is the same.
 void RequestOperations::StopObserving(Driver& driver, const NoBody&) {
     driver.lastClipName[0] = 0;
     driver.observeTimelineTimecode = false;
@@ -76,7 +76,7 @@ void RequestOperations::ForgetElementsAndClipName(Driver& driver, const NoBody&)
     driver.lastClipName[0] = 0;
 }
 
-// A request that the companion sends and this driver has no use for: no log line either.
+// Accepted, so that it is not logged as unknown, and deliberately without effect.
 void RequestOperations::DoNothing(Driver&, const NoBody&) {}
 
 // --- Elements ------------------------------------------------------------------------------------

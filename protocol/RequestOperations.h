@@ -1,7 +1,7 @@
 // What each request of the companion does, given its decoded body.
 //
-// An operation without reply answers nothing; the others answer their reply record, or nothing when
-// they fail: a failure gets no reply, never a record that says so.
+// An operation that has a reply returns its record, or nothing when it fails: a failure gets no
+// reply, and there is no record for errors.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -39,7 +39,7 @@ class ElementIdentifier {
     OwnedReference<CFStringRef> text_;
 };
 
-// The body of a request that needs none; one that comes with it is not looked at.
+// The body of a request that needs none; whatever it comes with is ignored.
 struct NoBody {
     static bool SkipOver(BoundedBytes&) { return true; }
     void Deserialize(const unsigned char*) {}

@@ -20,7 +20,7 @@ SServerSpec::SServerSpec(unsigned int kindValue, unsigned int n, const unsigned 
     TakeData(n, bytes);
 }
 
-// A length whose whole record would not fit the 32-bit serial size is no record.
+// A record whose size does not fit the 32-bit serial size is rejected.
 std::optional<std::size_t> SServerSpec::CompleteSize(const unsigned char* bytes,
                                                      std::size_t length) {
     BoundedBytes body(bytes, length);

@@ -1,5 +1,5 @@
-// Records of the family that only the companion and its other partners exchange. The driver neither
-// sends nor reads them; their formats are part of the family all the same.
+// Records of the shared family that the driver neither sends nor reads; their formats are part of
+// the family all the same.
 #pragma once
 
 #include <cstddef>
@@ -79,14 +79,14 @@ struct SConnectStatusSpec : SMessageSpec {
     unsigned char bytes_[kSmallestSize] = {};
 };
 
-// Only read: Serialize() answers null and the serial size is 0.
+// Only read: Serialize() returns null and the serial size is 0.
 struct SResetSocketSpec : SMessageSpec {
     static constexpr unsigned int kSmallestSize = 5;  // bytes: empty text and the number
     static constexpr std::size_t kLongestText = 255;  // bytes before the terminator
 
     SResetSocketSpec() : SMessageSpec(0) {}
 
-    // Also nothing for a text that does not fit its place in memory.
+    // Nothing, too, for a text that does not fit `text`.
     static std::optional<std::size_t> CompleteSize(const unsigned char* bytes, std::size_t length);
     unsigned char* Serialize() override;
     void Deserialize(const unsigned char* src) override;
@@ -95,7 +95,7 @@ struct SResetSocketSpec : SMessageSpec {
     unsigned int field = 0;
 };
 
-// Only read: Serialize() answers null and the serial size is 0.
+// Only read: Serialize() returns null and the serial size is 0.
 struct SIncommingLongArraySpec : SMessageSpec {
     static constexpr unsigned int kSmallestSize = 8;  // bytes: no element
 

@@ -15,7 +15,7 @@ constexpr std::size_t kNameBytes = sizeof(Info::windowName);  // terminator incl
 constexpr std::size_t kNameUnits = sizeof(Info::windowNameUnicode) / sizeof(UniChar);
 constexpr std::size_t kSmallestInfo = 25;  // bytes: no name
 
-// The fixed fields of a candidate's memory bound what is read from it, whatever it claims.
+// Bounded by the fixed size of the candidate's fields, whatever lengths it claims.
 std::size_t NameLength(const char (&name)[kNameBytes]) {
     return strnlen(name, kNameBytes - 1);
 }
@@ -82,7 +82,7 @@ unsigned int DeserializeInfo(const unsigned char* src, Info& info) {
     return static_cast<unsigned int>(src - start);
 }
 
-// One candidate at a time is in memory as a whole.
+// Only one candidate at a time is in memory in its unpacked form.
 template <class Visit>
 void ForEachInfo(const unsigned char* src, Visit visit) {
     unsigned int count = 0;
@@ -155,7 +155,7 @@ unsigned int STargetWindowRequestSpec::CalcInfoFieldSize(const VEK_Driver_Target
     return size;
 }
 
-// The sums wrap like the 32-bit size they are kept in.
+// The sums wrap around at 32 bits, as the size itself does.
 unsigned int STargetWindowRequestSpec::StoredSize() const {
     unsigned int size = kSmallestSize;
     unsigned int sumSoFar = 0;

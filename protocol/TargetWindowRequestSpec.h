@@ -18,7 +18,7 @@ struct STargetWindowRequestSpec : SMessageSpec {
     // Copies the candidates.
     STargetWindowRequestSpec(const VEK_Driver_TargetWindowInfo* infos, unsigned int count);
 
-    // A name that does not fit its place in a VEK_Driver_TargetWindowInfo, which takes 255 bytes
+    // A name that does not fit its fields in a VEK_Driver_TargetWindowInfo, which hold 255 bytes
     // and 1,024 UTF-16 units, makes the record incomplete.
     static bool SkipOver(BoundedBytes& body);
     static std::optional<std::size_t> CompleteSize(const unsigned char* bytes, std::size_t length);
@@ -30,9 +30,9 @@ struct STargetWindowRequestSpec : SMessageSpec {
     void Deserialize(const unsigned char* src) override;
 
     // Not the sum of the fields: each candidate adds the sizes of all candidates up to itself. With
-    // several candidates that is more than the fields take, and the surplus, which holds the
-    // uncounted second names, travels as zeros. A lone second name can still lie beyond this size;
-    // Serialize() has room for it all the same.
+    // several candidates that is more than the fields take: the surplus, which has room for the
+    // uncounted second names, is filled with zeros. With one candidate the second name can lie
+    // beyond this size; the buffer of Serialize() holds it all the same.
     unsigned int SerialBufferSize() override;
 
     TargetWindowList targets;

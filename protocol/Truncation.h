@@ -2,7 +2,7 @@
 //
 // The language leaves the conversion of a number outside the integer's range undefined, and an
 // application may report any number as its position. Here such a number becomes the nearest limit,
-// and one that is no number becomes 0.
+// and NaN becomes 0.
 #pragma once
 
 int TruncatedToInt(double value);

@@ -12,7 +12,7 @@
 struct SWindowRequestSpec : SMessageSpec {
     static constexpr unsigned int kSmallestSize = 5;  // bytes: flag and empty name
 
-    // Made to be read: Serialize() answers null.
+    // For reading only: Serialize() returns null.
     SWindowRequestSpec();
     SWindowRequestSpec(const std::string& windowName, bool partialMatch);
 
@@ -23,11 +23,11 @@ struct SWindowRequestSpec : SMessageSpec {
     void Deserialize(const unsigned char* src) override;
     unsigned int SerialBufferSize() override;
 
-    bool flag = false;  // the title may be a part of the window's
+    bool flag = false;  // `name` may be a part of the window's title
     std::string name;   // UTF-8
 
   private:
     unsigned int ComputedSize() const;
 
-    std::vector<unsigned char> buffer_;  // empty in a record made to be read
+    std::vector<unsigned char> buffer_;  // empty in a record for reading only
 };

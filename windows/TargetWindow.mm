@@ -10,13 +10,13 @@
 
 namespace {
 
-// The dictionary of the driver's current language, of whose tag the first 16 bytes count.
+// The translations in the driver's current language, of whose tag only 16 bytes are used.
 class CurrentLanguage {
   public:
     CurrentLanguage() : support_(Tag().text) {}
 
     // The title for a key; null when the key has no translation. Without a dictionary the key is
-    // its own title. Not autoreleased: titles are asked for by every window and every candidate.
+    // its own title. Not autoreleased: one is copied for every window and every candidate.
     OwnedReference<CFStringRef> CopyTitleForKey(const char* key) {
         const OwnedReference<CFStringRef> keyString(
             CFStringCreateWithCString(kCFAllocatorDefault, key, CFStringGetSystemEncoding()));
@@ -34,7 +34,7 @@ class CurrentLanguage {
   private:
     static constexpr unsigned kTagLength = 16;
 
-    // A tag of 16 bytes or more comes without its terminator.
+    // A tag of 16 bytes or more is copied without its terminator.
     struct Tag {
         Tag() { CVEK_UserSpaceDriver::GetCurrentLanguage(text, kTagLength); }
         char text[kTagLength + 1] = {};
@@ -43,7 +43,7 @@ class CurrentLanguage {
     CLanguageSupport support_;
 };
 
-// The candidates are an array of them or a list.
+// `targets` is a span or a TargetWindowList.
 template <class Targets>
 bool FindTarget(CVEK_UserSpaceDriver& driver, NSString* windowTitle, const Targets& targets,
                 unsigned* index) {
@@ -62,7 +62,7 @@ bool FindTarget(CVEK_UserSpaceDriver& driver, NSString* windowTitle, const Targe
 }
 
 // The first window of the list that matches any candidate wins; the order of the candidates only
-// decides between those that match one window. One window without a readable title ends the search,
+// decides between those that match one window. A window without a readable title ends the search,
 // even if a later window would match.
 template <class Targets>
 bool FindFrame(CVEK_UserSpaceDriver& driver, const Targets& targets, unsigned& index,

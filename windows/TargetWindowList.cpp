@@ -11,8 +11,8 @@ using Info = VEK_Driver_TargetWindowInfo;
 constexpr std::size_t kNameBytes = sizeof(Info::windowName);  // terminator included
 constexpr std::size_t kNameUnits = sizeof(Info::windowNameUnicode) / sizeof(UniChar);
 
-// What each candidate begins with. Then come the two names with their terminators, and the UTF-16
-// units of both. None of it is aligned.
+// The start of each candidate. The two names with their terminators follow, then the UTF-16 units
+// of both. Nothing is aligned.
 struct __attribute__((packed)) Head {
     double firstValue;
     double secondValue;
@@ -22,8 +22,8 @@ struct __attribute__((packed)) Head {
     UInt8 flags;
 };
 
-// One more for each name's terminator: the 24 bytes of a candidate without names, against 25 that
-// it takes on the wire.
+// With the terminators of both names: a candidate without names takes 24 bytes here, and 25 on the
+// wire.
 constexpr std::size_t kSmallestCandidate = sizeof(Head) + 2;
 static_assert(kSmallestCandidate < 25);
 

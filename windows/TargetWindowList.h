@@ -1,6 +1,6 @@
-// The candidates of one target-window request in little memory: each takes its names' own bytes,
-// and never more than it takes on the wire. In the form below, with room for the longest names, the
-// smallest candidates would take 186 times that.
+// The candidates of one target-window request, packed: each takes the bytes that its names have,
+// and never more than on the wire. As a VEK_Driver_TargetWindowInfo, which has room for the longest
+// names, the smallest candidate would take 186 times as much.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ class TargetWindowList {
   public:
     using Info = VEK_Driver_TargetWindowInfo;
 
-    // Goes over copies of the candidates, in the order of their indexes.
+    // Iterates over copies of the candidates, in the order of their indexes.
     class Iterator {
       public:
         using iterator_category = std::input_iterator_tag;
@@ -36,11 +36,11 @@ class TargetWindowList {
     // Copies the candidates.
     TargetWindowList(const Info* infos, std::size_t count);
 
-    // Bytes that Append() takes for a candidate. Of its fields, what they hold counts: a name up to
-    // its terminator, at most 255 bytes, and as many UTF-16 units as it says, at most 1,024.
+    // Bytes that Append() adds for a candidate. A name counts up to its terminator, at most 255
+    // bytes, and its UTF-16 form with the number of units it gives, at most 1,024.
     static std::size_t PackedSize(const Info& info);
 
-    // Memory for candidates of that many bytes together.
+    // Allocates memory for candidates of that total size.
     void Reserve(std::size_t packedBytes) { bytes_.reserve(packedBytes); }
     void Append(const Info& info);
 
@@ -49,7 +49,7 @@ class TargetWindowList {
     Iterator begin() const { return Iterator(bytes_.data()); }
     Iterator end() const { return Iterator(bytes_.data() + bytes_.size()); }
 
-    // A copy of the candidate at an index below size(); goes over all before it.
+    // A copy of the candidate at an index below size(). Takes time linear in the index.
     Info operator[](std::size_t index) const;
 
   private:

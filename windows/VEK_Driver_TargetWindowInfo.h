@@ -10,10 +10,10 @@ struct VEK_Driver_TargetWindowInfo {
     char subWindowName[256];  // 0-terminated key of the title of the window whose frame is reported
     unsigned long long subWindowNameLength;
     UniChar subWindowNameUnicode[1024];
-    double firstValue;   // carried for the companion
-    double secondValue;  // carried for the companion
-    UInt8 kind;          // carried for the companion
-    bool firstFlag;      // carried for the companion
+    double firstValue;  // this and the next three are carried, not used by the lookup
+    double secondValue;
+    UInt8 kind;
+    bool firstFlag;
     bool hasSubWindow;
 };
 

@@ -16,7 +16,7 @@ bool CVEK_UserSpaceDriver::GetPosAndSizeForWindowElement(AXUIElementRef window, 
     return true;
 }
 
-// The frame is not reported for a window that could not be made the main one.
+// False, too, when the window cannot be made the main one.
 bool CVEK_UserSpaceDriver::GetPosAndSizeForWindowName(std::string& name, bool partial,
                                                       CGPoint& position, CGSize& size) {
     AXUIElementRef window = GetWindowElementWithTitle(name, partial);

@@ -3,15 +3,15 @@
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "windows/WindowAttributes.h"
 
-// Literal, so that composed and decomposed characters differ; without the option NSString takes
-// them for the same. Nil, for which NSString raises an exception or does something undefined,
-// matches nothing.
+// Literal, so that composed and decomposed characters differ; without that option NSString treats
+// them as equal. Nil matches nothing: given to NSString, it raises an exception or is undefined
+// behaviour.
 bool CVEK_UserSpaceDriver::MatchWindowTitle(NSString* title, NSString* name, bool partial) {
     if (title == nil || name == nil) {
         return false;
     }
     if (partial) {
-        // Neither a name that is not in the title nor an empty one has a length in it.
+        // The range is empty for a name that is not in the title, and for an empty one.
         return [title rangeOfString:name options:NSLiteralSearch].length != 0;
     }
     return [title compare:name options:NSLiteralSearch] == NSOrderedSame;

@@ -1,7 +1,7 @@
 // Every accessibility call that the driver makes. Each is one exchange with the application that
 // the element belongs to, under the rule for applications that hang (ApplicationCall.h).
 //
-// A null element fails as gone, without an exchange. Main thread only.
+// A null element fails as elementGone, without an exchange. Main thread only.
 #pragma once
 
 #include <ApplicationServices/ApplicationServices.h>
@@ -11,18 +11,18 @@
 #include "VEKCommon/OwnedReference.h"
 #include "accessibility/calls/CallResult.h"
 
-// The element that stands for a process, whether there is one or not: no exchange. Null when the
-// platform cannot make it.
+// The element that stands for a process, whether the process exists or not: no exchange. Null when
+// the platform cannot create it.
 OwnedReference<AXUIElementRef> CreateApplicationElement(pid_t process);
 
 // The attribute's value, of any type and never null.
 CallResult<OwnedReference<CFTypeRef>> ReadAttribute(AXUIElementRef element, CFStringRef name);
 
-// One exchange for all of `names`: an array with a value, or what stands for a missing one, at the
-// index of each name.
+// One exchange for all of `names`: an array that holds, at the index of each name, its value or a
+// placeholder for a missing one.
 CallResult<OwnedReference<CFArrayRef>> ReadAttributes(AXUIElementRef element, CFArrayRef names);
 
-// The windows of an application, in its order. They may be anything that it lists.
+// The windows of an application, in its order. The entries may be of any type.
 CallResult<OwnedReference<CFArrayRef>> ReadWindows(AXUIElementRef application);
 
 CallResult<Done> SetAttribute(AXUIElementRef element, CFStringRef name, CFTypeRef value);

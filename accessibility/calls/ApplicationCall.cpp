@@ -14,8 +14,8 @@ constexpr double kNearlyAll = 0.9;
 constinit CallTiming timing;
 bool timeoutIsSet = false;
 
-int operations = 0;                // under way, one within the other
-std::vector<pid_t> hungProcesses;  // found by them; few, if any
+int operations = 0;                // in progress, one within the other
+std::vector<pid_t> hungProcesses;  // found during them; few, if any
 
 void SetTimeoutOfProcess() {
     const OwnedReference<AXUIElementRef> systemWide(AXUIElementCreateSystemWide());

@@ -1,4 +1,4 @@
-// What an accessibility call gives: a value, or the name of its failure.
+// The result of an accessibility call: a value, or a named failure.
 #pragma once
 
 #include <ApplicationServices/ApplicationServices.h>
@@ -22,24 +22,24 @@ struct CallFailure {
 // The failure that an error stands for; `error` is not kAXErrorSuccess.
 CallFailure FailureOf(AXError error);
 
-// The value of a call that has none but its success.
+// The value of a call that only succeeds or fails.
 struct Done {};
 
 // `Value` is movable and owns what it refers to.
 template <typename Value>
 class CallResult {
   public:
-    // Both convert, so that a call returns either.
+    // Implicit, so that a function can return either.
     CallResult(Value value) : content_(std::move(value)) {}
     CallResult(CallFailure failure) : content_(failure) {}
 
     explicit operator bool() const { return std::holds_alternative<Value>(content_); }
 
-    // Only of a result that has a value, or only of one that has none.
+    // The first requires a value, the second a failure.
     Value& operator*() { return std::get<Value>(content_); }
     const CallFailure& Failure() const { return std::get<CallFailure>(content_); }
 
-    // The value; an empty one when there is none, for callers to whom all failures are alike.
+    // The value, or an empty one, for callers that treat all failures alike.
     Value ValueOrEmpty() && { return *this ? std::move(**this) : Value(); }
 
   private:

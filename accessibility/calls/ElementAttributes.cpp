@@ -34,7 +34,7 @@ OwnedReference<CFStringRef> CopyStringAttribute(AXUIElementRef element, CFString
     return CopyTypedAttribute<CFStringRef>(element, name, CFStringGetTypeID());
 }
 
-// CFBoolean is a type of its own: a truth value is no number here.
+// CFBoolean is a type of its own: a Boolean does not count as a number here.
 OwnedReference<CFNumberRef> CopyNumberAttribute(AXUIElementRef element, CFStringRef name) {
     return CopyTypedAttribute<CFNumberRef>(element, name, CFNumberGetTypeID());
 }
