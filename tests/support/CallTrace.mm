@@ -24,11 +24,15 @@ void Record(const char* line) {
     fflush(file);
 }
 
-// The frameworks call each other as well; only what the driver itself calls is worth a line.
+// The frameworks call each other as well; only what the driver itself calls is worth a line. Where
+// libraries are shared, most of it is in one.
 bool IsDriver(const void* caller) {
     Dl_info info;
-    return dladdr(caller, &info) != 0 &&
-           std::string_view(info.dli_fname).ends_with("KRT9Background");
+    if (dladdr(caller, &info) == 0) {
+        return false;
+    }
+    const std::string_view file = info.dli_fname;
+    return file.ends_with("KRT9Background") || file.ends_with("libkrt9_driver.so");
 }
 
 template <typename Function>
