@@ -6,6 +6,7 @@
 #include "desktop/Desktop.h"
 #include "desktop/SceneValue.h"
 #include "desktop/Script.h"
+#include "platform/Testing/Variants.h"
 
 namespace desktop {
 
@@ -51,6 +52,14 @@ RuleType* FindRule(std::vector<RuleType> Misbehaviour::*kind, Element& element,
     return nullptr;
 }
 
+// None at all, so that its caller waits; or the system sees at once that it would wait in vain.
+std::optional<Reply> ReplyOfHung() {
+    if (platform_testing::IsOn(platform_testing::Variant::hangAtOnce)) {
+        return ErrorReply(kCannotComplete);
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<Reply> Desktop::AnswerAccessibility(const Request& request) {
@@ -62,7 +71,7 @@ std::optional<Reply> Desktop::AnswerAccessibility(const Request& request) {
         return ErrorReply(kInvalidElement);
     }
     if (application->hung) {
-        return std::nullopt;
+        return ReplyOfHung();
     }
     Element* element = model_.Find(request.element);
     if (element == nullptr) {
@@ -72,7 +81,7 @@ std::optional<Reply> Desktop::AnswerAccessibility(const Request& request) {
     // What ran inside a read may have let the application hang.
     application = model_.ApplicationWithPid(request.element.pid);
     if (application != nullptr && application->hung) {
-        return std::nullopt;
+        return ReplyOfHung();
     }
     return reply;
 }

@@ -10,12 +10,12 @@ NSString* const NSWorkspaceApplicationKey = @"NSWorkspaceApplicationKey";
 
 namespace {
 
-void FrontApplicationChanged();
+void FrontApplicationChanged(const std::optional<desktop_link::Application>& activated);
 
 }  // namespace
 
 @interface NSWorkspace (Desktop)
-- (void)announceFrontApplication;
+- (void)announceActivationOf:(const desktop_link::Application&)application;
 - (NSRunningApplication*)currentFrontmostApplication;
 @end
 
@@ -63,28 +63,31 @@ void FrontApplicationChanged();
     return _frontmostApplication;
 }
 
-// Going to a state with nothing in front is no activation. Nothing is autoreleased here: nobody may
-// drain it.
-- (void)announceFrontApplication {
-    NSRunningApplication* front = [self currentFrontmostApplication];
-    if (front == nil) {
-        return;
-    }
-    NSDictionary* information = [[NSDictionary alloc] initWithObjects:&front
+// Nothing is autoreleased here: nobody may drain it.
+- (void)announceActivationOf:(const desktop_link::Application&)application {
+    NSRunningApplication* activated =
+        desktop_link::FrontApplication() == application
+            ? [[self currentFrontmostApplication] retain]
+            : [[NSRunningApplication alloc] initWithApplication:application];
+    NSDictionary* information = [[NSDictionary alloc] initWithObjects:&activated
                                                               forKeys:&NSWorkspaceApplicationKey
                                                                 count:1];
     [_notificationCenter postNotificationName:NSWorkspaceDidActivateApplicationNotification
                                        object:self
                                      userInfo:information];
     [information release];
+    [activated release];
 }
 
 @end
 
 namespace {
 
-void FrontApplicationChanged() {
-    [[NSWorkspace sharedWorkspace] announceFrontApplication];
+// Going to a state with nothing in front is no activation.
+void FrontApplicationChanged(const std::optional<desktop_link::Application>& activated) {
+    if (activated) {
+        [[NSWorkspace sharedWorkspace] announceActivationOf:*activated];
+    }
 }
 
 }  // namespace

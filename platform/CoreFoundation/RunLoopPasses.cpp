@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/CoreFoundation/AutoreleasePool.h"
 #include "platform/CoreFoundation/RunLoop.h"
 
 namespace run_loop {
@@ -130,7 +129,7 @@ bool RunLoop::PerformSignalledSources(Mode& mode, bool onlyOne) {
                 continue;
             }
         }
-        core_foundation::CallOut([&] { source->Perform(); });
+        source->Perform();
         handled = true;
         if (onlyOne) {
             break;
@@ -252,9 +251,7 @@ bool RunLoop::PerformReady(Mode& mode, const Poller::Readiness& readiness) {
             }
         }
     }
-    bool handled = false;
-    core_foundation::CallOut([&] { handled = source->Perform(descriptor, readiness.events); });
-    return handled;
+    return source->Perform(descriptor, readiness.events);
 }
 
 Retained<DescriptorSource> RunLoop::SourceWithBacklog(const Mode& mode) {
@@ -277,9 +274,7 @@ bool RunLoop::PerformBacklog(DescriptorSource& source) {
             return false;
         }
     }
-    bool handled = false;
-    core_foundation::CallOut([&] { handled = source.Perform(-1, 0); });
-    return handled;
+    return source.Perform(-1, 0);
 }
 
 void RunLoop::Stop() {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/CoreFoundation/AutoreleasePool.h"
 #include "platform/CoreFoundation/RunLoop.h"
 #include "platform/Testing/Variants.h"
 
@@ -62,17 +61,15 @@ void Timer::FireIfDue(const Mode& mode, Instant now) {
     }
     const Firing firing(*this);
     lock.unlock();
-    core_foundation::CallOut([&] {
-        // The callback may invalidate the timer and still use what its info points to.
-        if (context_.retain != nullptr) {
-            context_.retain(context_.info);
-        }
-        platform_testing::InterruptOnce(platform_testing::Variant::interruptInTick);
-        callout_(Ref(), context_.info);
-        if (context_.release != nullptr) {
-            context_.release(context_.info);
-        }
-    });
+    // The callback may invalidate the timer and still use what its info points to.
+    if (context_.retain != nullptr) {
+        context_.retain(context_.info);
+    }
+    platform_testing::InterruptOnce(platform_testing::Variant::interruptInTick);
+    callout_(Ref(), context_.info);
+    if (context_.release != nullptr) {
+        context_.release(context_.info);
+    }
 }
 
 Instant Timer::NextOnGrid(Instant date) const {

@@ -19,7 +19,7 @@ struct Memory {
     std::optional<Application> front;
     unsigned long frontRevision = 0;
     double messagingTimeout = Session{}.messagingTimeout;
-    void (*handler)() = nullptr;
+    FrontApplicationHandler handler = nullptr;
 };
 
 Memory& Remembered() {
@@ -32,38 +32,49 @@ void SetFront(const std::optional<Application>& application) {
     ++Remembered().frontRevision;
 }
 
-void DeliverNow(const Notification& notification) {
-    SetFront(notification.activated);
-    Remembered().handler();  // there is one: without it no notification is asked for
+// There is a handler: without it no notification is asked for.
+void Announce(const std::optional<Application>& activated) {
+    Remembered().handler(activated);
 }
 
-std::deque<Notification>& Late() {
-    static std::deque<Notification> late;
+struct Late {
+    CFRunLoopTimerRef timer;  // owned
+    std::optional<Application> activated;
+};
+
+// In the order in which they become due.
+std::deque<Late>& LateOnes() {
+    static std::deque<Late> late;
     return late;
 }
 
-void DeliverLate(CFRunLoopTimerRef timer, void*) {
-    CFRelease(timer);
-    if (Late().empty()) {
-        return;  // the session was forgotten meanwhile
-    }
-    const Notification notification = std::move(Late().front());
-    Late().pop_front();
-    DeliverNow(notification);
+void AnnounceLate(CFRunLoopTimerRef, void*) {
+    const Late late = std::move(LateOnes().front());
+    LateOnes().pop_front();
+    Announce(late.activated);
+    CFRelease(late.timer);
 }
 
 void Deliver(const Notification& notification) {
+    SetFront(notification.activated);
     if (!platform_testing::IsOn(platform_testing::Variant::lateActivation)) {
-        DeliverNow(notification);
+        Announce(notification.activated);
         return;
     }
     constexpr CFTimeInterval kLateness = 0.25;
-    Late().push_back(notification);
-    CFRunLoopAddTimer(
-        CFRunLoopGetMain(),
+    const CFRunLoopTimerRef timer =
         CFRunLoopTimerCreate(kCFAllocatorDefault, CFAbsoluteTimeGetCurrent() + kLateness, 0, 0, 0,
-                             DeliverLate, nullptr),
-        kCFRunLoopCommonModes);
+                             AnnounceLate, nullptr);
+    LateOnes().push_back({timer, notification.activated});
+    CFRunLoopAddTimer(CFRunLoopGetMain(), timer, kCFRunLoopCommonModes);
+}
+
+void ForgetLateOnes() {
+    for (const Late& late : LateOnes()) {
+        CFRunLoopTimerInvalidate(late.timer);
+        CFRelease(late.timer);
+    }
+    LateOnes().clear();
 }
 
 void Ask() {
@@ -95,7 +106,7 @@ unsigned long FrontApplicationRevision() {
     return Remembered().frontRevision;
 }
 
-void ObserveFrontApplication(void (*handler)()) {
+void ObserveFrontApplication(FrontApplicationHandler handler) {
     Memory& memory = Remembered();
     memory.handler = handler;
     if (memory.asked) {
@@ -119,7 +130,7 @@ void ForgetSession() {
     memory.asked = false;
     memory.messagingTimeout = Session{}.messagingTimeout;
     SetFront(std::nullopt);
-    Late().clear();
+    ForgetLateOnes();
 }
 
 }  // namespace desktop_link

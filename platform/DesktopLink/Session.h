@@ -15,8 +15,10 @@ const std::optional<Application>& FrontApplication();
 unsigned long FrontApplicationRevision();
 
 // From now on `handler`, which is not null, is called on the main run loop after each change of the
-// front application. There is one handler; it stays when the transport is replaced.
-void ObserveFrontApplication(void (*handler)());
+// front application, with what came to the front by it; by then something else may be in front.
+// There is one handler; it stays when the transport is replaced.
+using FrontApplicationHandler = void (*)(const std::optional<Application>& activated);
+void ObserveFrontApplication(FrontApplicationHandler handler);
 
 // Seconds that an accessibility call waits unless it was told otherwise. Asks the desktop at first
 // use; the usual 6 s while no desktop runs.

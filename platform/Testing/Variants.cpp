@@ -15,7 +15,6 @@ namespace platform_testing {
 namespace {
 
 constexpr std::array kNames = {
-    std::pair{"callout-pools", Variant::calloutPools},
     std::pair{"interrupt-in-call", Variant::interruptInCall},
     std::pair{"interrupt-in-tick", Variant::interruptInTick},
     std::pair{"interrupt-after-port", Variant::interruptAfterPort},
@@ -24,6 +23,7 @@ constexpr std::array kNames = {
     std::pair{"fresh-bundle-info", Variant::freshBundleInfo},
     std::pair{"long-port-queue", Variant::longPortQueue},
     std::pair{"missing-is-null", Variant::missingIsNull},
+    std::pair{"hang-at-once", Variant::hangAtOnce},
     std::pair{"hang-for-a-second", Variant::hangForASecond},
     std::pair{"private-modifiers", Variant::privateModifiers},
     std::pair{"offline-devices", Variant::offlineDevices},
@@ -74,6 +74,20 @@ UnderVariant::UnderVariant(Variant variant)
 
 UnderVariant::~UnderVariant() {
     on[Index(variant_)] = before_;
+}
+
+WithoutVariants::WithoutVariants(std::vector<Variant> variants) {
+    for (const Variant variant : variants) {
+        if (on[Index(variant)].exchange(false)) {
+            switchedOff_.push_back(variant);
+        }
+    }
+}
+
+WithoutVariants::~WithoutVariants() {
+    for (const Variant variant : switchedOff_) {
+        on[Index(variant)] = true;
+    }
 }
 
 void InterruptOnce(Variant variant) {

@@ -7,13 +7,11 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace platform_testing {
 
 enum class Variant {
-    // Run loop.
-    calloutPools,  // each callout has an autorelease pool around it; usually none has
-
     // Signals: the process interrupts itself at an awkward moment, once.
     interruptInCall,     // in an accessibility call, once a request or a tick makes one
     interruptInTick,     // when a timer has fired, before its callback
@@ -26,14 +24,16 @@ enum class Variant {
     // Bundles.
     freshBundleInfo,  // an information dictionary is read anew; usually once in a process's life
 
-    // Message ports.
+    // Message ports: a switch, and no variant. Nothing of the driver could fail under it; the tests
+    // of a full socket need it.
     longPortQueue,  // a port's queue takes whatever comes; usually 5 messages
 
     // Accessibility.
     missingIsNull,   // in the array of a read of several attributes what is missing is kCFNull;
                      // usually an AXValue with the error
-    hangForASecond,  // a call to an application that hangs fails after a second at most; usually
+    hangAtOnce,      // a call to an application that hangs fails at once with -25204; usually
                      // after the messaging time-out
+    hangForASecond,  // or after a second at most
 
     // Events.
     privateModifiers,  // events of a private source leave alone what later events inherit
@@ -42,8 +42,8 @@ enum class Variant {
     offlineDevices,  // the enumeration begins with a device that is offline
 
     // Workspace.
-    lateActivation,  // an activation is known, and its notification comes, a quarter of a second
-                     // late
+    lateActivation,  // the notification of an activation comes a quarter of a second late, when the
+                     // workspace has long known of it; usually they come together
 };
 
 bool IsOn(Variant variant);
@@ -61,6 +61,19 @@ class UnderVariant {
   private:
     const Variant variant_;
     const bool before_;
+};
+
+// Keeps the process from the variants for the life of this object, whatever it was started under:
+// for tests that are about the usual behaviour.
+class WithoutVariants {
+  public:
+    explicit WithoutVariants(std::vector<Variant> variants);
+    ~WithoutVariants();
+    WithoutVariants(const WithoutVariants&) = delete;
+    WithoutVariants& operator=(const WithoutVariants&) = delete;
+
+  private:
+    std::vector<Variant> switchedOff_;
 };
 
 // For the layer: interrupts this process if the variant is on and this is the first such moment.

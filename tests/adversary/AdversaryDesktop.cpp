@@ -1,5 +1,7 @@
 #include "tests/adversary/AdversaryDesktop.h"
 
+#include <ApplicationServices/ApplicationServices.h>
+
 #include <stdexcept>
 #include <utility>
 
@@ -39,16 +41,20 @@ struct AdversaryDesktop::State {
         if (hasEffect) {
             Moment();
             // An application that hangs by now keeps its answer to itself.
-            reply = Hung(request.element.pid) ? std::nullopt : std::move(reply);
+            const std::optional<Reply> sign = SignOfLife(request.element.pid);
+            if (!sign || sign->error == kAXErrorCannotComplete) {
+                reply = sign;
+            }
         }
         return reply;
     }
 
-    bool Hung(std::int32_t pid) {
+    // What its application element answers, or the system in its place.
+    std::optional<Reply> SignOfLife(std::int32_t pid) {
         Request anything;
         anything.operation = Operation::attributeNames;
         anything.element.pid = pid;
-        return !desktop->Handle(0, anything);
+        return desktop->Handle(0, anything);
     }
 };
 

@@ -1,6 +1,7 @@
 #include "tests/unit/driver/DriverTest.h"
 
 #include "frontapplication/FrontApplication.h"
+#include "tests/support/LateActivation.h"
 
 namespace {
 
@@ -49,6 +50,7 @@ DriverTest::~DriverTest() = default;
 
 void DriverTest::Activate(const std::string& application) {
     desktop_.Run(R"({"command": "activate", "application": ")" + application + "\"}");
+    test_support::AwaitActivations();
 }
 
 void DriverTest::Tick(int count) {

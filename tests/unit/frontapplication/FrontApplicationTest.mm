@@ -12,6 +12,7 @@
 #include "platform/Testing/TestClock.h"
 #include "platform/Testing/Variants.h"
 #include "tests/support/InProcessDesktop.h"
+#include "tests/support/LateActivation.h"
 #include "tests/support/TemporaryFolder.h"
 
 // An application that a test makes up.
@@ -95,6 +96,12 @@ class FrontApplication : public testing::Test {
     }
 
     void Activate(const std::string& application) {
+        ActivateUnannounced(application);
+        test_support::AwaitActivations();
+    }
+
+    // Where activations are announced late, the process has not been told when this returns.
+    void ActivateUnannounced(const std::string& application) {
         desktop.Run(R"({"command": "activate", "application": ")" + application + "\"}");
     }
 
@@ -450,6 +457,7 @@ TEST_F(FrontApplication, DeadObserverIsNoLongerNotified) {
 }
 
 TEST_F(FrontApplication, ActivationsLeaveNoObjectBehind) {
+    const platform_testing::TestClock clock;
     CFWorkspace_StartObservingFrontApplication();
     EXPECT_EQ(platform_testing::LeftOverBy([this] {
                   Activate("com.example.odd");
@@ -460,20 +468,37 @@ TEST_F(FrontApplication, ActivationsLeaveNoObjectBehind) {
               "");
 }
 
-// Nothing is known before the notification comes; then all of it, in the order of the activations.
+// What is in front is what the last notification told, whatever the workspace knows by then.
 TEST_F(FrontApplication, IsFollowedWhenTheNotificationsComeLate) {
     CFWorkspace_StartObservingFrontApplication();
     const platform_testing::UnderVariant late(platform_testing::Variant::lateActivation);
     const platform_testing::TestClock clock;
-    Activate("com.example.unsigned");
+    ActivateUnannounced("com.example.unsigned");
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.1, false);
-    Activate("com.example.odd");
+    ActivateUnannounced("com.example.odd");
+    EXPECT_EQ(Text([[[NSWorkspace sharedWorkspace] frontmostApplication] bundleIdentifier]),
+              "com.example.odd");
     EXPECT_EQ(CurrentBundleID(), "com.apple.FinalCut");
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.2, false);
     EXPECT_EQ(CurrentBundleID(), "com.example.unsigned");
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.1, false);
     EXPECT_EQ(CurrentBundleID(), "com.example.odd");
     EXPECT_EQ(CFWorkspace_CurrentFrontApplicationPID(), 504);
+}
+
+// What was still to be announced is not announced in the next session.
+TEST(LateActivation, EndsWithItsSession) {
+    const platform_testing::AutoreleasePool pool;
+    const platform_testing::UnderVariant late(platform_testing::Variant::lateActivation);
+    const platform_testing::TestClock clock;
+    {
+        test_support::InProcessDesktop desktop(kScene);
+        CFWorkspace_StartObservingFrontApplication();
+        desktop.Run(R"({"command": "activate", "application": "com.example.odd"})");
+    }
+    const test_support::InProcessDesktop desktop(kScene);
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1, false);
+    EXPECT_EQ(CurrentBundleID(), "com.apple.FinalCut");
 }
 
 // Nor does it matter whether the bundle's information is remembered.

@@ -7,6 +7,7 @@
 #include "VEKCommon/MessageCodes.h"
 #include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/Variants.h"
+#include "tests/support/LateActivation.h"
 #include "tests/unit/protocol/DispatcherTest.h"
 
 namespace {
@@ -195,6 +196,7 @@ class LargeIdentifiers : public Requests {
                 { "AXRole": "AXRadioGroup", "AXIdentifier": "_NS:4294967295", "AXChildren": [
                   { "AXRole": "AXRadioButton", "AXValue": 1 },
                   { "AXRole": "AXRadioButton", "AXValue": 0 } ] } ] } ] }})");
+        test_support::AwaitActivations();
         log_.Clear();
     }
 };
@@ -485,10 +487,20 @@ TEST_F(Requests, NothingThatHappensToTheEditorEndsAnObservation) {
     }
 }
 
+// The application in front is the one that the driver has been told of, in all that it does.
+TEST_F(Requests, BeforeAnActivationIsAnnouncedTheyConcernTheApplicationBefore) {
+    const platform_testing::UnderVariant late(platform_testing::Variant::lateActivation);
+    desktop_.Run(R"({"command": "launch", "application": {"bundleID": "com.example.notes"}})");
+    EXPECT_THAT(Ask(kJElV, Integers({59})), Optional(Integers({1})));
+    test_support::AwaitActivations();
+    EXPECT_EQ(Ask(kJElV, Integers({59})), std::nullopt);
+}
+
 TEST_F(Requests, StartingAnObservationWhileAnotherApplicationIsInFrontEndsThatOneAlone) {
     AskWithoutBody(kJObE);
     AskWithoutBody(kJObT);
     desktop_.Run(R"({"command": "launch", "application": {"bundleID": "com.example.notes"}})");
+    test_support::AwaitActivations();
     AskWithoutBody(kJObE);
     EXPECT_FALSE(Inspector::ObserveClipSelection(Driver()));
     EXPECT_TRUE(Inspector::ObserveTimelineTimecode(Driver()));

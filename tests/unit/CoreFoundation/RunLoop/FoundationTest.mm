@@ -7,7 +7,6 @@
 
 #include <thread>
 
-#include "platform/Testing/Variants.h"
 #include "tests/unit/CoreFoundation/RunLoop/Scene.h"
 
 @interface KRTDeallocationWitness : NSObject {
@@ -86,13 +85,7 @@ int DeallocationsBetweenCallouts() {
 }
 
 TEST(RunLoopPools, NoCalloutHasOneOfItsOwn) {
-    EXPECT_EQ(DeallocationsBetweenCallouts(),
-              platform_testing::IsOn(platform_testing::Variant::calloutPools) ? 2 : 0);
-}
-
-TEST(RunLoopPools, EachCalloutHasOneUnderTheVariant) {
-    const platform_testing::UnderVariant pools(platform_testing::Variant::calloutPools);
-    EXPECT_EQ(DeallocationsBetweenCallouts(), 2);
+    EXPECT_EQ(DeallocationsBetweenCallouts(), 0);
 }
 
 TEST(RunLoopException, OfFoundationLeavesTheLoopInOrder) {
