@@ -85,8 +85,9 @@ TEST_F(InterruptMoments, WhileAnApplicationHangsTheCallToItEndsFirst) {
 }
 
 TEST(Variants, NameThatIsNoneEndsAProgramWithOneLine) {
-    const auto result = test_support::RunProcess(
-        KRT9_BINARIES "/krt9ctl", {"--help"}, {{"KRT9_PLATFORM_VARIANT", "missing-is-null,no-such"}});
+    const auto result =
+        test_support::RunProcess(KRT9_BINARIES "/krt9ctl", {"--help"},
+                                 {{"KRT9_PLATFORM_VARIANT", "missing-is-null,no-such"}});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.standardOutput, "");
     EXPECT_EQ(result.standardError, "KRT9_PLATFORM_VARIANT: no variant is named \"no-such\"\n");
