@@ -284,6 +284,24 @@ TEST_F(Requests, MouseGestureCarriesItsModifiersAndClicksWhenItsFlagIsNotZero) {
     EXPECT_THAT(typesOf(kJPME, 0), ElementsAre(kCGEventKeyUp));
 }
 
+// Where nobody inherits the keys that the driver holds down, which is how it may be.
+TEST_F(Requests, MouseGestureDragsAndEndsWithModifiersOfItsOwn) {
+    const platform_testing::UnderVariant alone(platform_testing::Variant::privateModifiers);
+    for (const SInt32 code : {kJPMS, kJPMC, kJPME}) {
+        Ask(code, Integers({1, 2, 0x0100, 1}));
+    }
+    std::vector<std::pair<std::uint32_t, std::uint64_t>> events;
+    for (const desktop_link::Event& event : desktop_->Events()) {
+        events.emplace_back(event.type, event.flags);
+    }
+    using testing::Pair;
+    EXPECT_THAT(events, ElementsAre(Pair(kCGEventKeyDown, kCGEventFlagMaskCommand),
+                                    Pair(kCGEventMouseMoved, 0), Pair(kCGEventLeftMouseDown, 0),
+                                    Pair(kCGEventLeftMouseDragged, kCGEventFlagMaskCommand),
+                                    Pair(kCGEventLeftMouseUp, kCGEventFlagMaskCommand),
+                                    Pair(kCGEventKeyUp, 0)));
+}
+
 TEST_F(Requests, MouseGestureIsPostedWhereAsked) {
     Ask(kJPMS, Integers({10, 20, 0, 1}));
     Ask(kJPMC, Integers({30, 40, 0, 1}));
@@ -492,8 +510,10 @@ TEST_F(Requests, BeforeAnActivationIsAnnouncedTheyConcernTheApplicationBefore) {
     const platform_testing::UnderVariant late(platform_testing::Variant::lateActivation);
     desktop_.Run(R"({"command": "launch", "application": {"bundleID": "com.example.notes"}})");
     EXPECT_THAT(Ask(kJElV, Integers({59})), Optional(Integers({1})));
+    EXPECT_THAT(Ask(kJWiP, Integers({1}) + Text("Board")), Optional(SizeIs(16)));
     test_support::AwaitActivations();
     EXPECT_EQ(Ask(kJElV, Integers({59})), std::nullopt);
+    EXPECT_EQ(Ask(kJWiP, Integers({1}) + Text("Board")), std::nullopt);
 }
 
 TEST_F(Requests, StartingAnObservationWhileAnotherApplicationIsInFrontEndsThatOneAlone) {
