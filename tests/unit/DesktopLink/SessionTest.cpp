@@ -81,7 +81,7 @@ TEST_F(SessionTest, FrontApplicationStaysAsItWasUntilTheRunLoopDelivers) {
 
 int changes = 0;
 
-void CountChange() {
+void CountChange(const std::optional<Application>&) {
     ++changes;
 }
 

@@ -486,21 +486,6 @@ TEST_F(FrontApplication, IsFollowedWhenTheNotificationsComeLate) {
     EXPECT_EQ(CFWorkspace_CurrentFrontApplicationPID(), 504);
 }
 
-// What was still to be announced is not announced in the next session.
-TEST(LateActivation, EndsWithItsSession) {
-    const platform_testing::AutoreleasePool pool;
-    const platform_testing::UnderVariant late(platform_testing::Variant::lateActivation);
-    const platform_testing::TestClock clock;
-    {
-        test_support::InProcessDesktop desktop(kScene);
-        CFWorkspace_StartObservingFrontApplication();
-        desktop.Run(R"({"command": "activate", "application": "com.example.odd"})");
-    }
-    const test_support::InProcessDesktop desktop(kScene);
-    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1, false);
-    EXPECT_EQ(CurrentBundleID(), "com.apple.FinalCut");
-}
-
 // Nor does it matter whether the bundle's information is remembered.
 TEST_F(FrontApplication, IsFollowedWithInformationReadAnew) {
     const platform_testing::UnderVariant fresh(platform_testing::Variant::freshBundleInfo);
