@@ -92,7 +92,8 @@ class Walk {
             return;
         }
         Tell(&SearchTrace::ChildrenRead, CFArrayGetCount(children));
-        if (bool* onPath = Enter(child)) {
+        bool* const onPath = Enter(child);
+        if (onPath != nullptr) {
             BeginLevel({std::move(values), children, 0, onPath});
         }
     }
@@ -119,7 +120,8 @@ class Walk {
 
     void EndLevel(bool found) {
         Tell(&SearchTrace::LevelEnds, found);
-        if (bool* onPath = path_.back().onPath) {
+        bool* const onPath = path_.back().onPath;
+        if (onPath != nullptr) {
             *onPath = false;
         }
         path_.pop_back();

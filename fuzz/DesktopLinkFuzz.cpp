@@ -169,7 +169,7 @@ class Conversation {
             reply.session->frontApplication = NextApplication();
             reply.session->messagingTimeout = choices_.Raw<double>();
         } else {
-            reply.error = choices_.Raw<std::int8_t>();
+            reply.error = std::int32_t{choices_.Raw<std::int8_t>()};
             reply.values.push_back({choices_.Text(choices_.Byte() % 32)});
         }
         return MakePayload(FrameKind::reply, behind < 12 ? sequence_ + 4 - behind : behind - 11,

@@ -108,13 +108,17 @@ class Play {
         }
     }
 
+    static void LetTicksPass(int ticks) {
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, kTick * ticks, false);
+    }
+
     void Step(CVEK_UserSpaceDriver& driver) {
         const std::uint8_t choice = program_.Byte();
         switch (choice % 16) {
             case 9:
             case 10:
             case 11:
-                CFRunLoopRunInMode(kCFRunLoopDefaultMode, kTick * (1 + choice / 64), false);
+                LetTicksPass(1 + choice / 64);
                 break;
             case 12:
                 ChangeFront();

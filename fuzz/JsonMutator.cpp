@@ -315,6 +315,6 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
     if (text.empty() || text.size() > maxSize) {
         return LLVMFuzzerMutate(data, size, maxSize);
     }
-    std::memcpy(data, text.data(), text.size());
+    std::copy(text.begin(), text.end(), data);
     return text.size();
 }

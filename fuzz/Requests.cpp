@@ -54,11 +54,11 @@ constexpr std::string_view kNames[] = {"Final Cut Pro", "CB", "Color Board", "",
                                        "Title",         "T",  "\xC3\xA9",    "\x8E\xFF"};
 
 constexpr std::string_view kPropertyLists[] = {
-    R"(<plist><dict><key>CB</key><string>Color Board</string><key>T</key><integer>5</integer>)"
-    R"(<key>Title</key><string></string></dict></plist>)",
     R"(CB = "Color Board"; T = (1, 2); Title = "Final";)",
-    R"(<plist><dict><key>CFBundleShortVersionString</key><string>10.4.6</string>)"
-    R"(<key>CFBundleSignature</key><string>FCPX</string></dict></plist>)",
+    "<plist><dict><key>CB</key><string>Color Board</string><key>T</key><integer>5</integer>"
+    "<key>Title</key><string></string></dict></plist>",
+    "<plist><dict><key>CFBundleShortVersionString</key><string>10.4.6</string>"
+    "<key>CFBundleSignature</key><string>FCPX</string></dict></plist>",
     R"({CFBundleShortVersionString = "10.3.2"; CFBundleSignature = "\U20AC"; })",
     R"({CFBundleShortVersionString = "10.1.4"; CFBundleSignature = (x); })",
     R"({CFBundleShortVersionString = "10.3.4"; })",

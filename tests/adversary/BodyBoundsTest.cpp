@@ -217,7 +217,7 @@ TEST_P(AcceptedBody, IsActedUponWithoutALine) {
 // Of candidates, one body is in the port's data, one in the driver's copy of it, and one in the
 // record's own copies. Foundation makes two more of a window's name, of two bytes a character each.
 TEST_P(AcceptedBody, TakesMemoryInProportionToItself) {
-    constexpr std::size_t kOfTheLookup = 8 * 1024;  // bytes: the desktop's replies and titles
+    constexpr std::size_t kOfTheLookup = 8 << 10;  // bytes: the desktop's replies and titles
     const Body& body = GetParam();
     const std::size_t factor = body.code == kJTWP ? 3 : 6;
     Ask(body.code, body.bytes);  // fills the caches of the runtime
@@ -227,7 +227,7 @@ TEST_P(AcceptedBody, TakesMemoryInProportionToItself) {
 
 // The driver's copy of a body would be a megabyte, and so would the record's.
 TEST_P(LongBody, IsFreedWithEverythingMadeOfItWhenTheRequestIsOver) {
-    constexpr long kSmallLeftover = 64 * 1024;  // bytes: caches of the runtime, the log's capture
+    constexpr long kSmallLeftover = 64 << 10;  // bytes: caches of the runtime, the log's capture
     const Body& body = GetParam();
     Ask(body.code, body.bytes);
     const AllocationMeter meter;
@@ -237,7 +237,7 @@ TEST_P(LongBody, IsFreedWithEverythingMadeOfItWhenTheRequestIsOver) {
 }
 
 TEST_P(LongBody, IsFreedWhenAnExceptionPassesThroughTheRequest) {
-    constexpr long kOfThePools = 256 * 1024;  // bytes: what was under way in Foundation's hands
+    constexpr long kOfThePools = 256 << 10;  // bytes: what was under way in Foundation's hands
     const Body& body = GetParam();
     const test_support::LeakAllowance stoppedHalfWay;
     desktop_->onRead = [](const auto&, const auto&) { throw std::runtime_error("adversary"); };

@@ -13,7 +13,7 @@
 #include <cstdlib>
 #include <system_error>
 
-extern char** environ;
+extern char** environ;  // NOLINT(readability-redundant-declaration): macOS lacks it
 
 namespace test_support {
 
