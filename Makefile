@@ -1,11 +1,11 @@
-# The commands of the house. `make demo` and `make check` install what is missing, build, and run.
+# The project's commands. `make demo` and `make check` install missing packages, build, and run.
 
 needs_linux := demo check check-sanitize check-variants check-variants-sanitize coverage mutants \
 	endurance fuzz fuzz-coverage build lint packages
 .PHONY: $(needs_linux) clean
 
 ifeq ($(shell uname),Darwin)
-# Packages, layer and simulated desktop are Linux's; CMake alone builds and tests on a Mac.
+# The packages, the layer and the simulated desktop need Linux; on a Mac, CMake builds and tests.
 $(needs_linux):
 	@echo "make $@ needs Linux: on a Mac, cmake -B build && cmake --build build && ctest --test-dir build" >&2; exit 1
 else
@@ -24,8 +24,8 @@ check-sanitize: packages
 	@cmake --build --preset sanitize
 	@scripts/run-tests build-sanitize
 
-# The suite in a build that counts, and which branches it reaches: fails when it misses one of the
-# driver's.
+# The suite in a build that measures coverage, and the branches it reaches. Fails when a branch of
+# the driver is missed.
 coverage: packages
 	@cmake --preset coverage >/dev/null
 	@cmake --build --preset coverage
@@ -36,7 +36,7 @@ mutants: packages
 	@scripts/mutants --count 400 --seed 7
 	@scripts/mutants --count 200 --seed 7 platform desktop
 
-# What could notice a variant of the platform layer, under each of them (docs/platform.md).
+# Under each variant of the platform layer, the tests that could notice it (docs/platform.md).
 check-variants: build
 	@scripts/variants build
 
@@ -45,8 +45,8 @@ check-variants-sanitize: packages
 	@cmake --build --preset sanitize
 	@scripts/variants build-sanitize
 
-# The long form of what the tests do in short: a million requests, a thousand interrupts, ten
-# thousand repetitions of each request; then a quarter of an hour for each fuzz target.
+# The tests in their long form: a million requests, a thousand interrupts, ten thousand
+# repetitions of each request; then each fuzz target for a quarter of an hour.
 endurance: build
 	@KRT9_ENDURANCE=1 scripts/run-tests build
 	@$(MAKE) fuzz SECONDS=900
@@ -58,7 +58,7 @@ fuzz: packages
 	@cmake --build --preset fuzz
 	@scripts/fuzz $(SECONDS)
 
-# Which lines of the code that each target aims at its corpus reaches.
+# For each fuzz target, the lines of its sources that its corpus reaches.
 fuzz-coverage: packages
 	@cmake --preset fuzz-coverage >/dev/null
 	@cmake --build --preset fuzz-coverage

@@ -8,8 +8,8 @@ if(KRT9_SANITIZE)
     add_link_options(${krt9_sanitizers})
 endif()
 
-# KRT9_FUZZ=ON, together with KRT9_SANITIZE: what the fuzz targets of fuzz/ need. KRT9_COVERAGE=ON
-# builds the tests, or instead of the sanitizers the fuzz targets, to measure what they reach.
+# KRT9_FUZZ=ON, together with KRT9_SANITIZE, builds the fuzz targets of fuzz/. KRT9_COVERAGE=ON
+# builds the tests, or the fuzz targets without sanitizers, to measure what they reach.
 option(KRT9_FUZZ "Build the fuzz targets" OFF)
 option(KRT9_COVERAGE "Build for the measurement of coverage" OFF)
 
@@ -20,7 +20,7 @@ if(KRT9_FUZZ)
     endif()
 endif()
 if(BUILD_SHARED_LIBS)
-    set(CMAKE_POSITION_INDEPENDENT_CODE ON)  # for what stays an archive and goes into a library
+    set(CMAKE_POSITION_INDEPENDENT_CODE ON)  # for archives that go into a shared library
 endif()
 if(KRT9_COVERAGE)
     # Counters that can lie in a file from the start: see krt9_add_test.
@@ -45,7 +45,7 @@ endif()
 function(krt9_compile_options target)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Werror)
     if(APPLE)
-        # Newer SDKs deprecate functions that the driver calls and that have no equal in C.
+        # Newer SDKs deprecate functions that the driver calls and for which C has no replacement.
         target_compile_options(${target} PRIVATE -Wno-error=deprecated-declarations)
         # Else the system's headers may define the words check, verify and require as macros.
         target_compile_definitions(${target} PRIVATE

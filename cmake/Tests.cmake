@@ -1,6 +1,6 @@
 # krt9_add_test(NAME [PORTABLE file...] [SOURCES file...] [LIBRARIES library...])
-# One GoogleTest program per room of the house. Each writes its results as JSON, from which the
-# closing line of `make check` counts the cases.
+# One GoogleTest program, usually for one folder. Each writes its results as JSON, from which the
+# last line of `make check` counts the cases.
 #
 # PORTABLE files are built on macOS as well, against the real frameworks: they include driver
 # folders, framework headers and test data, and nothing of platform/ or desktop/ (`make lint` checks
@@ -15,12 +15,12 @@ set(KRT9_GENERATED ${CMAKE_BINARY_DIR}/generated)
 configure_file(${CMAKE_SOURCE_DIR}/tests/support/Paths.h.in
                ${KRT9_GENERATED}/tests/support/Paths.h @ONLY)
 
-# Tests run once and briefly: what they cost is their compilation.
+# Tests run once and briefly: most of their cost is compilation.
 set(krt9_test_options -O0 -g1)
 
-# What nearly every test includes is parsed once. Parsed headers serve only code of the same kind, so
-# that they and the programs are compiled as the compiler does unless told otherwise, also in a build
-# whose archives have to fit into shared libraries.
+# The headers that nearly every test includes are precompiled once. They serve only code that is
+# compiled with the same options, so they and the programs are never position-independent, not even
+# in a build whose archives go into shared libraries.
 function(krt9_precompile_test_headers)
     file(WRITE ${CMAKE_BINARY_DIR}/test_headers.cpp "")
     add_library(krt9_test_headers STATIC ${CMAKE_BINARY_DIR}/test_headers.cpp)
@@ -62,7 +62,7 @@ function(krt9_add_test name)
     add_test(NAME ${name} COMMAND ${name} --gtest_output=json:${KRT9_TEST_RESULTS}/${name}.json)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT})
     if(KRT9_COVERAGE)
-        # One file for each process and library, so that what a program reaches is known, too. %c
+        # One file for each process and library, so that the report can tell what a program reaches. %c
         # counts in the file itself: what a process did counts however it ended, by abort(), by
         # _exit() after a fork(), or by a signal.
         set_tests_properties(${name} PROPERTIES
