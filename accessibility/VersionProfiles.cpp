@@ -1,20 +1,17 @@
 #include "accessibility/VersionProfiles.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "driver/CVEK_UserSpaceDriver.h"
 
 const CFStringRef CVEK_UserSpaceDriver::sFCPXAXIDsForVersions[kProfileCount][kProfileColumns] = {
-    {CFSTR("_NS:59"), CFSTR("_NS:49"), CFSTR("_NS:114"), CFSTR("_NS:99"), CFSTR("_NS:62"),
-     CFSTR("_NS:433")},
-    {CFSTR("_NS:63"), CFSTR("_NS:49"), CFSTR("_NS:114"), CFSTR("_NS:99"), CFSTR("_NS:62"),
-     CFSTR("_NS:435")},
-    {CFSTR("_NS:159"), CFSTR("_NS:16"), CFSTR("_NS:1234"), CFSTR("_NS:16"), CFSTR("_NS:66"),
-     CFSTR("_NS:66")},
-    {CFSTR("_NS:159"), CFSTR("_NS:139"), CFSTR("_NS:1234"), CFSTR("_NS:363"), CFSTR("_NS:62"),
-     CFSTR("_NS:28")},
-    {CFSTR("_NS:159"), CFSTR("_NS:139"), CFSTR("_NS:1234"), CFSTR("_NS:352"), CFSTR("_NS:100"),
-     CFSTR("_NS:28")},
-    {CFSTR("_NS:159"), CFSTR("_NS:139"), CFSTR("_NS:1234"), CFSTR("_NS:393"), CFSTR("_NS:100"),
-     CFSTR("_NS:28")},
+#define EDITOR_RELEASE(row, prefix, scene, toggle, table, unread, area, name, secondName) \
+    {CFSTR(toggle), CFSTR(table), CFSTR(unread), CFSTR(area), CFSTR(name), CFSTR(secondName)},
+#define EDITOR_RELEASE_ALIKE(row, prefix)
+#include "accessibility/EditorReleases.def"
+#undef EDITOR_RELEASE
+#undef EDITOR_RELEASE_ALIKE
 };
 
 int CVEK_UserSpaceDriver::ProfileForVersion(CFStringRef shortVersion) {
@@ -22,21 +19,22 @@ int CVEK_UserSpaceDriver::ProfileForVersion(CFStringRef shortVersion) {
         CFStringRef prefix;
         FCPXProfile profile;
     };
-    // The first match counts. Prefixes are compared as texts: 10.3.40 is taken for 10.3.4.
     const Release releases[] = {
-        {CFSTR("10.4.6"), kProfile10_4_5}, {CFSTR("10.4.5"), kProfile10_4_5},
-        {CFSTR("10.4"), kProfile10_4},     {CFSTR("10.3.4"), kProfile10_3_4},
-        {CFSTR("10.3"), kProfile10_3},     {CFSTR("10.2"), kProfile10_2},
-        {CFSTR("10.1"), kProfile10_1},
+#define EDITOR_RELEASE(row, prefix, scene, ...) {CFSTR(prefix), row},
+#define EDITOR_RELEASE_ALIKE(row, prefix) {CFSTR(prefix), row},
+#include "accessibility/EditorReleases.def"
+#undef EDITOR_RELEASE
+#undef EDITOR_RELEASE_ALIKE
     };
-    if (shortVersion != nullptr) {
-        for (const Release& release : releases) {
-            if (CFStringHasPrefix(shortVersion, release.prefix)) {
-                return release.profile;
-            }
-        }
+    if (shortVersion == nullptr) {
+        return kProfileForOtherVersions;
     }
-    return kProfileForOtherVersions;
+    // The last match counts. Prefixes are compared as texts: 10.3.40 is taken for 10.3.4.
+    const auto release = std::find_if(std::rbegin(releases), std::rend(releases),
+                                      [shortVersion](const Release& candidate) {
+                                          return CFStringHasPrefix(shortVersion, candidate.prefix);
+                                      });
+    return release != std::rend(releases) ? release->profile : kProfileForOtherVersions;
 }
 
 CFStringRef FCPXIdentifier(int profile, int column) {

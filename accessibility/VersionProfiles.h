@@ -8,12 +8,12 @@
 
 // Rows of the profile table, named by the first release of each.
 enum FCPXProfile {
-    kProfile10_1 = 0,
-    kProfile10_2 = 1,
-    kProfile10_3 = 2,
-    kProfile10_3_4 = 3,
-    kProfile10_4 = 4,
-    kProfile10_4_5 = 5,  // and any other release
+#define EDITOR_RELEASE(row, prefix, scene, ...) row,
+#define EDITOR_RELEASE_ALIKE(row, prefix)
+#include "accessibility/EditorReleases.def"
+#undef EDITOR_RELEASE
+#undef EDITOR_RELEASE_ALIKE
+    kEditorProfileCount
 };
 
 // Columns of the profile table. Column 2 is filled in but never read.

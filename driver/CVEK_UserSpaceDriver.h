@@ -11,6 +11,7 @@
 #include <CoreServices/CoreServices.h>
 
 #include "accessibility/VEK_C_AXUtils.h"
+#include "accessibility/VersionProfiles.h"
 #include "events/VEK_EventPoster.h"
 #include "protocol/CACFMessagePort.h"
 #include "windows/TargetWindowList.h"
@@ -136,9 +137,9 @@ class CVEK_UserSpaceDriver {
     // Row for the editing application's short version; 5 for a version that is not in the table.
     static int ProfileForVersion(CFStringRef shortVersion);
 
-    static constexpr int kProfileCount = 6;
+    static constexpr int kProfileCount = kEditorProfileCount;
     static constexpr int kProfileColumns = 6;
-    static constexpr int kProfileForOtherVersions = 5;
+    static constexpr int kProfileForOtherVersions = kProfileCount - 1;
     static const CFStringRef sFCPXAXIDsForVersions[kProfileCount][kProfileColumns];
 
     // --- accessibility/: observation of the editing application ----------------------------------

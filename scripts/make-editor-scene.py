@@ -2,25 +2,47 @@
 """Writes a desktop with an editing application in front, as a scene (see docs/scenes.md).
 
     scripts/make-editor-scene.py VERSION > scenes/editor-VERSION.json
+    scripts/make-editor-scene.py --table        the table of releases in docs/scenes.md
 
 VERSION is the editor's short version, such as 10.4.6. Identifiers of controls change between
-versions; the ones that observation needs are in the table below, one row for each range.
+versions; the ones that observation needs are in accessibility/EditorReleases.def.
 """
 
 import json
+import pathlib
+import re
 import sys
 
-# Version, timeline-index toggle, clip table, unused, timecode area, first and second clip name.
-PROFILES = {
-    "10.1.4": ("_NS:59", "_NS:49", "_NS:114", "_NS:99", "_NS:62", "_NS:433"),
-    "10.2.3": ("_NS:63", "_NS:49", "_NS:114", "_NS:99", "_NS:62", "_NS:435"),
-    "10.3.2": ("_NS:159", "_NS:16", "_NS:1234", "_NS:16", "_NS:66", "_NS:66"),
-    "10.3.4": ("_NS:159", "_NS:139", "_NS:1234", "_NS:363", "_NS:62", "_NS:28"),
-    "10.4": ("_NS:159", "_NS:139", "_NS:1234", "_NS:352", "_NS:100", "_NS:28"),
-    "10.4.6": ("_NS:159", "_NS:139", "_NS:1234", "_NS:393", "_NS:100", "_NS:28"),
-}
-RADIO_TOGGLE = ("10.1.4", "10.2.3")  # the toggle is child 0 of a radio group, else a check box
-NAME_IN_TEXT_FIELD = ("10.3.2",)  # a clip's cell holds a text field with the name
+RELEASES = pathlib.Path(__file__).resolve().parent.parent / "accessibility" / "EditorReleases.def"
+
+
+def releases():
+    """[(row, version prefix, version of the scene, [timeline-index toggle, clip table, unread,
+    timecode area, first and second clip name])]"""
+    rows = re.findall(r"^EDITOR_RELEASE\((\w+), *(.*)\)$", RELEASES.read_text(), re.M)
+    fields = [(row, *re.findall(r'"([^"]*)"', texts)) for row, texts in rows]
+    return [(row, prefix, version, controls) for row, prefix, version, *controls in fields]
+
+
+def table():
+    """The rows as a table for docs/scenes.md."""
+    lines = ["| row | versions that begin with | scene | timeline-index toggle | clip table | unread "
+             "| timecode area | first clip name | second clip name |",
+             "|---:|---|---|---|---|---|---|---|---|"]
+    alike = re.findall(r'^EDITOR_RELEASE_ALIKE\((\w+), *"([^"]*)"\)$', RELEASES.read_text(), re.M)
+    for index, (row, prefix, version, controls) in enumerate(releases()):
+        prefixes = [prefix] + [other for name, other in alike if name == row]
+        cells = [str(index), ", ".join(prefixes), f"`editor-{version}.json`",
+                 *(f"`{control}`" for control in controls)]
+        lines.append("| " + " | ".join(cells) + " |")
+    return "\n".join(lines)
+
+
+ROWS = {version: row for row, _, version, _ in releases()}
+PROFILES = {version: tuple(controls) for _, _, version, controls in releases()}
+
+RADIO_TOGGLE = ("kProfile10_1", "kProfile10_2")  # child 0 of a radio group, else a check box
+NAME_IN_TEXT_FIELD = ("kProfile10_3",)  # a clip's cell holds a text field with the name
 
 POSITION_FIELD = "_NS:128"  # the control whose position is reported without offset since 10.3
 
@@ -155,7 +177,7 @@ class Editor:
             self.button("Save Effects Preset", 1380, 470, AXIdentifier=self.unused)])
 
     def index_toggle(self):
-        if self.version in RADIO_TOGGLE:
+        if ROWS[self.version] in RADIO_TOGGLE:
             return self.radio_group(("Index", "Lanes"), 10, 498, AXIdentifier=self.toggle)
         return self.check_box("Index", 10, 498, 1, AXIdentifier=self.toggle,
                               AXSubrole="AXToggle")
@@ -171,7 +193,7 @@ class Editor:
 
     def clip_row(self, name, i):
         y = 560 + 18 * i
-        if self.version in NAME_IN_TEXT_FIELD:
+        if ROWS[self.version] in NAME_IN_TEXT_FIELD:
             field = self.element("AXTextField", [10, y, 150, 18], AXValue=name)
             cell = self.element("AXCell", [4, y, 160, 18], [self.element(
                 "AXImage", [4, y, 8, 18]), field])
@@ -254,7 +276,7 @@ class Editor:
         """The clip is selected where each of the three sources tells its name, in their order."""
         texts = list(zip(self.name_places(), (self.name, self.second_name)))
         index = "/AXWindow/AXSplitGroup/AXGroup/AXGroup/0"
-        close, reopen = (index + "/1", index + "/0") if self.version in RADIO_TOGGLE else (
+        close, reopen = (index + "/1", index + "/0") if ROWS[self.version] in RADIO_TOGGLE else (
             index, index)
 
         def forget(at, place):
@@ -324,6 +346,9 @@ def write(value, out, indentation):
 
 
 def main():
+    if sys.argv[1:] == ["--table"]:
+        print(table())
+        return
     if len(sys.argv) != 2 or sys.argv[1] not in PROFILES:
         sys.exit("usage: make-editor-scene.py " + "|".join(PROFILES))
     scene = {

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "tests/golden/Session.h"
+#include "tests/support/EditorReleases.h"
 #include "tests/support/InheritedFlags.h"
 
 namespace {
@@ -27,8 +28,6 @@ using Lines = std::vector<std::string>;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsSupersetOf;
-
-const char* const kVersions[] = {"10.1.4", "10.2.3", "10.3.2", "10.3.4", "10.4", "10.4.6"};
 
 constexpr std::string_view kStep = "> ";
 constexpr std::string_view kOutcome = "    ";
@@ -83,10 +82,10 @@ void ExpectSame(const std::string& path, const Lines& recorded, const Lines& rep
         << (now == replayed.end() ? "(the end)" : *now);
 }
 
-class GoldenStreams : public testing::TestWithParam<const char*> {};
+class GoldenStreams : public testing::TestWithParam<test_support::EditorRelease> {};
 
 TEST_P(GoldenStreams, RepeatLineByLine) {
-    const std::string path = PathOf(GetParam());
+    const std::string path = PathOf(GetParam().scene);
     const Lines recorded = ReadLines(path);
     const Lines replayed = Replay(recorded);
     if (std::getenv("KRT9_RECORD_GOLDEN") == nullptr) {
@@ -138,7 +137,7 @@ Content::Content(const Lines& recording) {
 
 // So that a recording made anew cannot lose what it is there for.
 TEST_P(GoldenStreams, HoldEveryRequestReplyMessageAndEvent) {
-    const Content content(ReadLines(PathOf(GetParam())));
+    const Content content(ReadLines(PathOf(GetParam().scene)));
     EXPECT_THAT(content.requests,
                 IsSupersetOf({"JAcF", "JBtP", "JCPK", "JEPp", "JESI", "JElP", "JElV",
                               "JGRV", "JGlM", "JObE", "JObT", "JPMC", "JPME", "JPMS",
@@ -161,9 +160,9 @@ TEST_P(GoldenStreams, HoldEveryRequestReplyMessageAndEvent) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Editor, GoldenStreams, testing::ValuesIn(kVersions),
-                         [](const testing::TestParamInfo<const char*>& version) {
-                             std::string name = version.param;
+INSTANTIATE_TEST_SUITE_P(Editor, GoldenStreams, testing::ValuesIn(test_support::kEditorReleases),
+                         [](const testing::TestParamInfo<test_support::EditorRelease>& version) {
+                             std::string name = version.param.scene;
                              std::replace(name.begin(), name.end(), '.', '_');
                              return name;
                          });

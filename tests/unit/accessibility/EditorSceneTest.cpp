@@ -19,14 +19,17 @@
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
+#include "tests/support/EditorReleases.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/accessibility/DriverTest.h"
+#include "tests/unit/accessibility/EditorSession.h"
 
 namespace {
 
 using nlohmann::json;
+using Session = EditorSession;
 
 json Control(const std::string& role, const std::string& identifier, const json& value) {
     return {{"AXRole", role}, {"AXIdentifier", identifier}, {"AXValue", value}};
@@ -51,73 +54,9 @@ json Scene(const json& editor) {
             {"applications", json::array({editor, finder})}};
 }
 
-// A driver that sees one scene, from start to end.
-class Session {
-  public:
-    // The scene as JSON or as its text.
-    template <class SceneForm>
-    explicit Session(const SceneForm& scene) : desktop_(scene) {
-        auto transport = std::make_unique<desktop::InProcessTransport>(desktop_);
-        transport_ = transport.get();
-        desktop_link::SetTransport(std::move(transport));
-        driver_.emplace();
-        CFWorkspace_StartObservingFrontApplication();
-    }
-    ~Session() {
-        driver_.reset();
-        desktop_link::SetTransport(nullptr);
-    }
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-
-    CVEK_UserSpaceDriver* operator->() { return &**driver_; }
-    CVEK_UserSpaceDriver& Driver() { return **driver_; }
-    desktop::Desktop& Desktop() { return desktop_; }
-
-    void Do(const json& command) {
-        EXPECT_TRUE(json::parse(desktop_.Run(command.dump())).contains("ok")) << command;
-        transport_->DeliverNotifications();
-    }
-
-    // Runs the command when the element's role is read for the first time.
-    void WhenRead(const std::string& address, const json& command) {
-        desktop_link::ElementReference trigger = desktop_.Find("com.apple.FinalCut", address);
-        desktop_.onRead = [this, trigger, command, pending = true](
-                              const desktop_link::ElementReference& element,
-                              const std::string&) mutable {
-            if (pending && element == trigger) {
-                pending = false;
-                Do(command);
-            }
-        };
-    }
-
-    std::optional<unsigned> Value(const char* identifier) {
-        unsigned value = 0;
-        bool read = driver_->operator->()->GetValueOfElementWithID(String(identifier).get(), value);
-        return read ? std::optional(value) : std::nullopt;
-    }
-
-    std::vector<std::string> Sent() {
-        std::vector<std::string> texts;
-        for (const SentMessage& message : TakeSent(companion_, **driver_)) {
-            texts.push_back(message.body.substr(0, message.body.size() - 1));
-        }
-        return texts;
-    }
-
-  private:
-    platform_testing::AutoreleasePool pool_;
-    test_support::SessionFixture folder_;
-    test_support::Companion companion_;
-    desktop::Desktop desktop_;
-    desktop::InProcessTransport* transport_ = nullptr;
-    std::optional<test_support::TestDriver> driver_;
-};
-
 TEST(EditorScene, EachReleaseIsFollowedByItsOwnIdentifiers) {
-    const char* releases[] = {"10.1.4", "10.2.3", "10.3.2", "10.3.4", "10.4.1", "10.4.6"};
-    for (int row = 0; row < 6; ++row) {
+    for (const test_support::EditorRelease& release : test_support::kEditorReleases) {
+        const int row = release.row;
         const auto& identifiers = CVEK_UserSpaceDriver::sFCPXAXIDsForVersions[row];
         json playhead = {{"AXRole", "AXValueIndicator"},
                          {"AXDescription", "Playhead"},
@@ -126,11 +65,11 @@ TEST(EditorScene, EachReleaseIsFollowedByItsOwnIdentifiers) {
                      {"AXIdentifier", TextOf(identifiers[3])},
                      {"AXChildren", json::array({playhead})}};
         Session session(Scene(
-            Editor(releases[row],
+            Editor(release.scene,
                    {Group({Control("AXStaticText", TextOf(identifiers[4]), "Interview"), area})})));
         CFStringRef version = nullptr;
         ASSERT_TRUE(CFWorkspace_FrontApplicationShortVersion(&version));
-        EXPECT_EQ(TextOf(version), releases[row]);
+        EXPECT_EQ(TextOf(version), release.scene);
         DriverInspector::Profile(session.Driver()) =
             CVEK_UserSpaceDriver::ProfileForVersion(version);
         EXPECT_EQ(DriverInspector::Profile(session.Driver()), row);
@@ -141,7 +80,7 @@ TEST(EditorScene, EachReleaseIsFollowedByItsOwnIdentifiers) {
             session->ObserveFCPXTimelineTimecodeTask();
         }
         EXPECT_THAT(session.Sent(), testing::UnorderedElementsAre("Interview", "01:00:00:00"))
-            << releases[row];
+            << release.scene;
     }
 }
 
@@ -229,10 +168,10 @@ TEST(EditorScene, AControlAddedWhereTheSearchHasYetToComeIsFound) {
 
 // --- The scenes that come with the driver --------------------------------------------------------
 
-class ShippedScene : public testing::TestWithParam<const char*> {
+class ShippedScene : public testing::TestWithParam<test_support::EditorRelease> {
   protected:
     static std::string Text() {
-        const std::string path = std::string(KRT9_SCENES) + "/editor-" + GetParam() + ".json";
+        const std::string path = std::string(KRT9_SCENES) + "/editor-" + GetParam().scene + ".json";
         std::ifstream file(path);
         EXPECT_TRUE(file) << path;
         return {std::istreambuf_iterator<char>(file), {}};
@@ -259,7 +198,7 @@ TEST_P(ShippedScene, PlaysClipsOfEachSourceThePlayheadAndTheTimelineIndex) {
     using testing::ElementsAre;
     using testing::IsEmpty;
     constexpr int round = 3;  // ticks in which each source has its turn
-    const bool oneText = std::string(GetParam()) == "10.3.2";
+    const bool oneText = GetParam().row == kProfile10_3;
     DriverInspector::LocaleSent(session_.Driver()) = true;
     DriverInspector::StatusValid(session_.Driver()) = true;
     session_->ObserveFCPXClipSelectionChange();
@@ -289,13 +228,14 @@ TEST_P(ShippedScene, PlaysClipsOfEachSourceThePlayheadAndTheTimelineIndex) {
 
 // Under AddressSanitizer, which records the stack of every allocation, those two that differ most.
 #if __has_feature(address_sanitizer)
-const auto kShipped = testing::Values("10.1.4", "10.3.2");
+const auto kShipped = testing::Values(test_support::kEditorReleases[kProfile10_1],
+                                      test_support::kEditorReleases[kProfile10_3]);
 #else
-const auto kShipped = testing::Values("10.1.4", "10.2.3", "10.3.2", "10.3.4", "10.4", "10.4.6");
+const auto kShipped = testing::ValuesIn(test_support::kEditorReleases);
 #endif
 
 INSTANTIATE_TEST_SUITE_P(Editor, ShippedScene, kShipped, [](const auto& version) {
-    std::string name = version.param;
+    std::string name = version.param.scene;
     std::replace(name.begin(), name.end(), '.', '_');
     return name;
 });

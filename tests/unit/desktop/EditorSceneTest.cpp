@@ -3,36 +3,23 @@
 
 #include "Client.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/EditorReleases.h"
 #include "tests/support/Paths.h"
 
 namespace desktop {
 
 namespace {
 
-struct Profile {
-    const char* version;
-    const char* toggleRole;
-    const char* toggle;
-    const char* table;
-    const char* area;
-    const char* name;
-    const char* secondName;
-    bool nameInTextField;
-};
+using test_support::EditorRelease;
 
-constexpr Profile kProfiles[] = {
-    {"10.1.4", "AXRadioGroup", "_NS:59", "_NS:49", "_NS:99", "_NS:62", "_NS:433", false},
-    {"10.2.3", "AXRadioGroup", "_NS:63", "_NS:49", "_NS:99", "_NS:62", "_NS:435", false},
-    {"10.3.2", "AXCheckBox", "_NS:159", "_NS:16", "_NS:16", "_NS:66", "_NS:66", true},
-    {"10.3.4", "AXCheckBox", "_NS:159", "_NS:139", "_NS:363", "_NS:62", "_NS:28", false},
-    {"10.4", "AXCheckBox", "_NS:159", "_NS:139", "_NS:352", "_NS:100", "_NS:28", false},
-    {"10.4.6", "AXCheckBox", "_NS:159", "_NS:139", "_NS:393", "_NS:100", "_NS:28", false},
-};
+bool HasRadioToggle(const EditorRelease& release) {
+    return release.row < kProfile10_3;
+}
 
-class EditorScene : public testing::TestWithParam<Profile> {
+class EditorScene : public testing::TestWithParam<EditorRelease> {
   protected:
-    static std::string Text(const Profile& profile) {
-        const std::string path = std::string(KRT9_SCENES) + "/editor-" + profile.version + ".json";
+    static std::string Text(const EditorRelease& release) {
+        const std::string path = std::string(KRT9_SCENES) + "/editor-" + release.scene + ".json";
         std::ifstream file(path);
         EXPECT_TRUE(file) << path;
         return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
@@ -89,10 +76,10 @@ class EditorScene : public testing::TestWithParam<Profile> {
 
 TEST_P(EditorScene, IsExactlyWhatItsScriptWrites) {
     const test_support::ProcessResult made =
-        test_support::RunProcess(KRT9_PYTHON, {KRT9_MAKE_EDITOR_SCENE, GetParam().version});
+        test_support::RunProcess(KRT9_PYTHON, {KRT9_MAKE_EDITOR_SCENE, GetParam().scene});
     EXPECT_EQ(made.status, 0) << made.standardError;
     EXPECT_TRUE(made.standardOutput == Text(GetParam()))
-        << "scripts/make-editor-scene.py " << GetParam().version
+        << "scripts/make-editor-scene.py " << GetParam().scene
         << " writes another scene than the one in scenes/";
 }
 
@@ -102,13 +89,14 @@ TEST_P(EditorScene, IsInFrontWithItsVersionAndHasHundredsOfElements) {
     EXPECT_EQ(front->bundleIdentifier, "com.apple.FinalCut");
     std::ifstream plist(*front->bundlePath + "/Contents/Info.plist");
     const std::string info{std::istreambuf_iterator<char>(plist), {}};
-    EXPECT_THAT(info, testing::HasSubstr(std::string("<string>") + GetParam().version + "<"));
+    EXPECT_THAT(info, testing::HasSubstr(std::string("<string>") + GetParam().scene + "<"));
     EXPECT_GT(client_.Do({{"command", "state"}})["elements"], 250);
 }
 
 TEST_P(EditorScene, TimelineIndexToggleIsReached) {
-    const ElementReference toggle = Reachable(GetParam().toggle, GetParam().toggleRole);
-    const bool radio = std::string(GetParam().toggleRole) == "AXRadioGroup";
+    const ElementReference toggle = Reachable(
+        GetParam().timelineIndexToggle, HasRadioToggle(GetParam()) ? "AXRadioGroup" : "AXCheckBox");
+    const bool radio = HasRadioToggle(GetParam());
     const ElementReference bearer = radio ? Children(toggle).at(0) : toggle;
     EXPECT_EQ(client_.Read(bearer, "AXValue"), Value{std::int64_t{1}});
     client_.Ask(Operation::performAction, bearer, {"AXPress"});
@@ -117,25 +105,26 @@ TEST_P(EditorScene, TimelineIndexToggleIsReached) {
 
 TEST_P(EditorScene, SelectedClipIsSeenInItsTableAndItsTexts) {
     client_.Do({{"command", "selectClip"}, {"clip", "Gulls"}});
-    const ElementReference table = Reachable(GetParam().table, "AXTable");
+    const ElementReference table = Reachable(GetParam().clipTable, "AXTable");
     const Value selected = client_.Read(table, "AXSelectedRows");
     const auto& rows = std::get<desktop_link::Array>(selected.content);
     ASSERT_EQ(rows.size(), 1u);
     const ElementReference row = std::get<ElementReference>(rows[0].content);
     EXPECT_EQ(client_.Read(row, "AXIndex"), Value{std::int64_t{5}});
     ElementReference bearer = Children(row).at(0);
-    if (GetParam().nameInTextField) {
+    if (GetParam().row == kProfile10_3) {
         bearer = Children(bearer).at(1);
         EXPECT_EQ(String(bearer, "AXRole"), "AXTextField");
     }
     EXPECT_EQ(String(bearer, "AXValue"), "Gulls");
-    EXPECT_EQ(String(Reachable(GetParam().name, "AXStaticText"), "AXValue"), "Gulls");
-    EXPECT_EQ(String(Reachable(GetParam().secondName, "AXStaticText"), "AXValue"), "Gulls");
+    EXPECT_EQ(String(Reachable(GetParam().firstClipName, "AXStaticText"), "AXValue"), "Gulls");
+    EXPECT_EQ(String(Reachable(GetParam().secondClipName, "AXStaticText"), "AXValue"), "Gulls");
 }
 
 TEST_P(EditorScene, PlayheadIsInTheTimelinesLayoutArea) {
     client_.Do({{"command", "playhead"}, {"timecode", "01:02:03:04"}});
-    for (const ElementReference& child : Children(Reachable(GetParam().area, "AXLayoutArea"))) {
+    for (const ElementReference& child :
+         Children(Reachable(GetParam().timecodeArea, "AXLayoutArea"))) {
         if (String(child, "AXRole") == "AXValueIndicator") {
             EXPECT_EQ(String(child, "AXDescription"), "Playhead");
             EXPECT_EQ(String(child, "AXValueDescription"), "01:02:03:04");
@@ -159,11 +148,22 @@ TEST_P(EditorScene, DumpLoadsAndDumpsTheSame) {
     EXPECT_EQ(Desktop(dump).Dump(), dump);
 }
 
-INSTANTIATE_TEST_SUITE_P(Versions, EditorScene, testing::ValuesIn(kProfiles), [](const auto& info) {
-    std::string name = info.param.version;
-    std::replace(name.begin(), name.end(), '.', '_');
-    return name;
-});
+TEST(EditorReleases, StandInTheGuideToScenes) {
+    const test_support::ProcessResult made =
+        test_support::RunProcess(KRT9_PYTHON, {KRT9_MAKE_EDITOR_SCENE, "--table"});
+    ASSERT_EQ(made.status, 0) << made.standardError;
+    std::ifstream guide(KRT9_SCENES "/../docs/scenes.md");
+    EXPECT_THAT(std::string(std::istreambuf_iterator<char>(guide), {}),
+                testing::HasSubstr(made.standardOutput))
+        << "docs/scenes.md lacks the table that scripts/make-editor-scene.py --table prints";
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, EditorScene, testing::ValuesIn(test_support::kEditorReleases),
+                         [](const auto& info) {
+                             std::string name = info.param.scene;
+                             std::replace(name.begin(), name.end(), '.', '_');
+                             return name;
+                         });
 
 }  // namespace
 
