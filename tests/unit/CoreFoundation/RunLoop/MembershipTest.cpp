@@ -81,13 +81,15 @@ TEST_F(Membership, InvalidSourceIsNotAdded) {
     EXPECT_THAT(reports_, IsEmpty());
 }
 
-TEST_F(Membership, ModeThatIsMadeCommonTwiceTakesTheCommonSourcesOnce) {
+TEST_F(Membership, ModeThatIsMadeCommonAgainStaysAsItIs) {
     const auto source = ReportingSource();
     CFRunLoopAddSource(loop_, source, kCFRunLoopCommonModes);
     reports_.clear();
     scene_.MakeCustomCommon();
+    CFRunLoopRemoveSource(loop_, source, scene_.Custom());
     scene_.MakeCustomCommon();
-    EXPECT_THAT(reports_, ElementsAre("schedule:custom"));
+    EXPECT_THAT(reports_, ElementsAre("schedule:custom", "cancel:custom"));
+    EXPECT_FALSE(CFRunLoopContainsSource(loop_, source, scene_.Custom()));
 }
 
 TEST_F(Membership, ModeThatHoldsACommonSourceAlreadyIsNotToldAgain) {
