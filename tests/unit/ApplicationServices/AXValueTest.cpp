@@ -70,6 +70,12 @@ TEST(AXValue, WhatIsNoneIsOfTheIllegalTypeAndHoldsNothing) {
     EXPECT_EQ(point.x, 3);
 }
 
+TEST(AXValue, WithoutAPlaceForItGivesNothing) {
+    const CGPoint point{3, 4};
+    const OwnedValue value = AXValueCreate(kAXValueTypeCGPoint, &point);
+    EXPECT_FALSE(AXValueGetValue(value, kAXValueTypeCGPoint, nullptr));
+}
+
 TEST(AXValue, IsATypeOfItsOwn) {
     const AXError error = kAXErrorNoValue;
     const OwnedValue value = AXValueCreate(kAXValueTypeAXError, &error);

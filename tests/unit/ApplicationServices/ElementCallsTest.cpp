@@ -3,6 +3,7 @@
 
 #include "platform/ApplicationServices/Element.h"
 #include "platform/Testing/LiveObjects.h"
+#include "platform/Testing/Variants.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/SessionFixture.h"
@@ -349,6 +350,46 @@ TEST_F(ElementCalls, PerformActionSendsTheActionAndAnswersItsError) {
     EXPECT_EQ(OnlyRequest().names, std::vector<std::string>{"AXPress"});
 }
 
+TEST_F(ElementCalls, SeveralValuesWithoutAnErrorAreAllGivenThoughItWouldStopAtOne) {
+    Desktop(Answer({Text("AXButton"), Value{}}));
+    const void* names[] = {kAXRoleAttribute, kAXTitleAttribute};
+    const OwnedArray attributes =
+        CFArrayCreate(kCFAllocatorDefault, names, 2, &kCFTypeArrayCallBacks);
+    OwnedArray values;
+    ASSERT_EQ(AXUIElementCopyMultipleAttributeValues(
+                  button_, attributes, kAXCopyMultipleAttributeOptionStopOnError, values.Out()),
+              kAXErrorSuccess);
+    EXPECT_EQ(CFArrayGetCount(values), 2);
+}
+
+// --- variants ---
+
+TEST_F(ElementCalls, WhatIsMissingAmongSeveralIsNullUnderThatVariant) {
+    const platform_testing::UnderVariant null(platform_testing::Variant::missingIsNull);
+    Desktop(Answer({Text("AXButton"), Value{ErrorValue{kAXErrorNoValue}}}));
+    const void* names[] = {kAXRoleAttribute, kAXTitleAttribute};
+    const OwnedArray attributes =
+        CFArrayCreate(kCFAllocatorDefault, names, 2, &kCFTypeArrayCallBacks);
+    OwnedArray values;
+    ASSERT_EQ(AXUIElementCopyMultipleAttributeValues(button_, attributes, 0, values.Out()),
+              kAXErrorSuccess);
+    EXPECT_TRUE(CFEqual(CFArrayGetValueAtIndex(values, 0), kAXButtonRole));
+    EXPECT_EQ(CFArrayGetValueAtIndex(values, 1), kCFNull);
+}
+
+TEST_F(ElementCalls, NobodyWaitsLongerThanASecondUnderThatVariant) {
+    const platform_testing::UnderVariant hang(platform_testing::Variant::hangForASecond);
+    ScriptedTransport desktop([](const Request&) { return Answer({Text("text")}); },
+                              {std::nullopt, 6});
+    Owned value;
+    AXUIElementCopyAttributeValue(button_, kAXTitleAttribute, value.Out());
+    EXPECT_EQ(desktop.LastTimeout(), 1.0);
+    AXUIElementSetMessagingTimeout(button_, 0.25F);
+    Owned again;
+    AXUIElementCopyAttributeValue(button_, kAXTitleAttribute, again.Out());
+    EXPECT_EQ(desktop.LastTimeout(), 0.25);
+}
+
 // --- trust ---
 
 TEST(Trust, IsAskedAnewEachTimeAndPromptsOnlyWhenTold) {
@@ -375,6 +416,33 @@ TEST(Trust, IsAskedAnewEachTimeAndPromptsOnlyWhenTold) {
     EXPECT_FALSE(desktop.Requests()[1].flag);
     EXPECT_TRUE(desktop.Requests()[2].flag) << "the prompt was asked for";
     EXPECT_FALSE(desktop.Requests()[3].flag);
+}
+
+TEST(Trust, OptionsWithoutABooleanForThePromptDoNotPrompt) {
+    ScriptedTransport desktop([](const Request&) { return Reply{}; });
+    const int number = 1;
+    const Owned one = CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &number);
+    const std::pair<CFStringRef, CFTypeRef> entries[] = {{CFSTR("Other"), kCFBooleanTrue},
+                                                         {kAXTrustedCheckOptionPrompt, one.get()}};
+    for (const auto& [key, value] : entries) {
+        const void* keys[] = {key};
+        const void* values[] = {value};
+        const test_support::OwnedObject<CFDictionaryRef> options =
+            CFDictionaryCreate(kCFAllocatorDefault, keys, values, 1, &kCFTypeDictionaryKeyCallBacks,
+                               &kCFTypeDictionaryValueCallBacks);
+        AXIsProcessTrustedWithOptions(options);
+        EXPECT_FALSE(desktop.Requests().back().flag);
+    }
+}
+
+TEST(Trust, DesktopThatCannotTellTrustsNobody) {
+    ScriptedTransport desktop([](const Request&) {
+        Reply reply;
+        reply.error = kAXErrorFailure;
+        reply.flag = true;
+        return reply;
+    });
+    EXPECT_FALSE(AXIsProcessTrustedWithOptions(nullptr));
 }
 
 TEST(Trust, PromptKeyIsTheSystemsText) {

@@ -166,6 +166,23 @@ TEST_F(QuartzEvents, PostingDoesNotConsumeTheEvent) {
     EXPECT_EQ(Posted(event).keyCode, 12);
 }
 
+TEST_F(QuartzEvents, SourceKeepsItsStateInItsEvents) {
+    for (const CGEventSourceStateID state :
+         {kCGEventSourceStatePrivate, kCGEventSourceStateCombinedSessionState,
+          kCGEventSourceStateHIDSystemState}) {
+        const test_support::OwnedObject<CGEventSourceRef> source = CGEventSourceCreate(state);
+        ASSERT_NE(source.get(), nullptr) << state;
+        const OwnedEvent event = CGEventCreateKeyboardEvent(source, 12, true);
+        EXPECT_EQ(Posted(event).sourceState, state);
+    }
+}
+
+TEST_F(QuartzEvents, FieldThatIsUnknownIsZero) {
+    const OwnedEvent event = CGEventCreateKeyboardEvent(nullptr, 12, true);
+    EXPECT_EQ(CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode), 12);
+    EXPECT_EQ(CGEventGetIntegerValueField(event, static_cast<CGEventField>(9999)), 0);
+}
+
 TEST_F(QuartzEvents, SourceOfAnUnknownStateIsNull) {
     EXPECT_EQ(CGEventSourceCreate(static_cast<CGEventSourceStateID>(2)), nullptr);
     EXPECT_EQ(CGEventSourceCreate(static_cast<CGEventSourceStateID>(-2)), nullptr);

@@ -123,6 +123,44 @@ TEST(ValueConversion, NestingBeyondThatEndsWithAFailureInItsPlace) {
     EXPECT_EQ(AXValueGetType(static_cast<AXValueRef>(innermost)), kAXValueTypeAXError);
 }
 
+// The protocol's own reader lets no such text through; a transport of tests may.
+TEST(ValueConversion, EntriesThatAreNoTextAreLeftOut) {
+    const Value entries{Dictionary{{"caf\xE9", Value{true}},
+                                   {"broken", Value{std::string("caf\xE9")}},
+                                   {"good", Value{std::int64_t{7}}}}};
+    const Owned object = CreateObject(entries);
+    EXPECT_EQ(ValueOf(object), (Value{Dictionary{{"good", Value{std::int64_t{7}}}}}));
+}
+
+TEST(ValueConversion, ObjectsNestedBeyondWhatTravelsHaveNoValue) {
+    CFTypeRef nested = CFRetain(kCFBooleanTrue);
+    for (std::size_t level = 0; level <= desktop_link::kDeepestValue; ++level) {
+        const void* inner = nested;
+        nested = CFArrayCreate(kCFAllocatorDefault, &inner, 1, &kCFTypeArrayCallBacks);
+        CFRelease(inner);
+    }
+    const Owned object = nested;
+    EXPECT_EQ(ValueOf(object), std::nullopt);
+    EXPECT_NE(ValueOf(CFArrayGetValueAtIndex(static_cast<CFArrayRef>(nested), 0)), std::nullopt);
+}
+
+TEST(ValueConversion, DictionaryWithAnObjectThatCannotTravelHasNoValue) {
+    const Owned event = CGEventCreateKeyboardEvent(nullptr, 1, true);
+    const void* key = CFSTR("key");
+    const void* entry = event.get();
+    const Owned dictionary =
+        CFDictionaryCreate(kCFAllocatorDefault, &key, &entry, 1, &kCFTypeDictionaryKeyCallBacks,
+                           &kCFTypeDictionaryValueCallBacks);
+    EXPECT_EQ(ValueOf(dictionary), std::nullopt);
+}
+
+TEST(ValueConversion, TextsThatOnlyBeginLikeNamesComeBackAsTheyWere) {
+    for (const char* text : {"AX", "AX9", "AXa z", "AX/", "AX:", "AX@", "AX[", "AX`", "AX{"}) {
+        const Owned object = CreateObject(Value{std::string(text)});
+        EXPECT_EQ(ValueOf(object), Value{std::string(text)});
+    }
+}
+
 TEST(ValueConversion, NamesBeyondAVocabularyAreStillAnswered) {
     for (int i = 0; i < 2000; ++i) {
         const Value name{"AXName" + std::to_string(i)};

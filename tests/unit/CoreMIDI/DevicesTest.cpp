@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Testing/LiveObjects.h"
+#include "platform/Testing/Variants.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/SessionFixture.h"
@@ -123,6 +124,51 @@ TEST(MidiDevices, DeviceWithoutNameOrEntitiesHasNone) {
     EXPECT_EQ(MIDIDeviceGetNumberOfEntities(1), 0u);
     CFStringRef name = nullptr;
     EXPECT_EQ(MIDIObjectGetStringProperty(1, kMIDIPropertyName, &name), kMIDIUnknownProperty);
+}
+
+TEST(MidiDevices, NameThatIsNeitherTextNorErrorIsUnknown) {
+    ScriptedTransport desktop(Bus(R"({"devices": [{"id": 1}, {"id": 2, "name": {"code": 1}},
+        {"id": 3, "name": {"error": "much"}}, {"id": 4, "name": {"error": -1}}]})"));
+    ASSERT_EQ(MIDIGetNumberOfDevices(), 4u);
+    CFStringRef name = nullptr;
+    for (const MIDIObjectRef device : {1u, 2u, 3u}) {
+        EXPECT_EQ(MIDIObjectGetStringProperty(device, kMIDIPropertyName, &name),
+                  kMIDIUnknownProperty)
+            << device;
+    }
+    EXPECT_EQ(MIDIObjectGetStringProperty(4, kMIDIPropertyName, &name), -1);
+    EXPECT_EQ(name, nullptr);
+}
+
+TEST(MidiDevices, EntitiesAndEndpointsThatMakeNoSenseAreLeftOut) {
+    ScriptedTransport desktop(Bus(R"({"devices": [{"id": 1, "entities": [{}, {"id": "x"}, 7,
+        {"id": 2}, {"id": 3, "sources": [{"id": 0}, {"id": 4}], "destinations": "none"}]},
+        {"id": 5}]})"));
+    EXPECT_EQ(MIDIDeviceGetNumberOfEntities(1), 2u);
+    EXPECT_EQ(MIDIDeviceGetEntity(1, 0), 2u);
+    EXPECT_EQ(MIDIEntityGetSource(2, 0), 0u);
+    EXPECT_EQ(MIDIEntityGetSource(3, 0), 4u);
+    EXPECT_EQ(MIDIEntityGetDestination(3, 0), 0u);
+    EXPECT_EQ(MIDIDeviceGetNumberOfEntities(5), 0u);
+}
+
+TEST(MidiDevices, DesktopThatCannotTellHasNone) {
+    ScriptedTransport desktop([](const Request&) {
+        Reply reply;
+        reply.error = -50;
+        reply.text = kBus;
+        return reply;
+    });
+    EXPECT_EQ(MIDIGetNumberOfDevices(), 0u);
+}
+
+TEST(MidiDevices, OfflineOnesAreListedFirstUnderThatVariant) {
+    const platform_testing::UnderVariant offline(platform_testing::Variant::offlineDevices);
+    ScriptedTransport desktop(Bus(kBus));
+    ASSERT_EQ(MIDIGetNumberOfDevices(), 3u);
+    EXPECT_EQ(NameOf(MIDIGetDevice(0)), "KRT-9 USB (offline)");
+    EXPECT_EQ(NameOf(MIDIDeviceGetEntity(MIDIGetDevice(0), 0)), "Private");
+    EXPECT_EQ(NameOf(MIDIGetDevice(1)), "KRT-9 USB");
 }
 
 TEST(MidiDevices, LeaveNoObjectBehind) {
