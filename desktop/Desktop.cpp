@@ -168,11 +168,11 @@ void Desktop::SetFront(Application* application) {
     }
 }
 
-// What was in front before comes to the front again.
+// What was in front before the one that died comes to the front again.
 void Desktop::ActivatePrevious() {
     while (!activationOrder_.empty()) {
         Application* previous = model_.ApplicationWithPid(activationOrder_.back());
-        if (previous != nullptr && !previous->dead && previous != model_.front) {
+        if (previous != nullptr && !previous->dead) {
             Activate(previous, model_.activationGap);
             return;
         }
@@ -253,9 +253,6 @@ void Desktop::Quit(Application& application) {
     model_.arena.DestroyChildren(application.root);
     if (&application == model_.front) {
         ActivatePrevious();
-    }
-    if (&application == model_.front) {
-        model_.front = nullptr;
     }
     bundles_.Remove(application);
     std::erase_if(model_.applications,

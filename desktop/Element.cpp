@@ -67,11 +67,6 @@ Element* ElementArena::Find(ElementId id) {
     return found == elements_.end() ? nullptr : &found->second;
 }
 
-const Element* ElementArena::Find(ElementId id) const {
-    const auto found = elements_.find(id);
-    return found == elements_.end() ? nullptr : &found->second;
-}
-
 void ElementArena::Set(Element& element, std::string_view name, Answer answer) {
     if (Answer* stored = element.Stored(name)) {
         *stored = std::move(answer);

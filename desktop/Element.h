@@ -68,7 +68,6 @@ class ElementArena {
 
     // Null when it was destroyed or never was.
     Element* Find(ElementId id);
-    const Element* Find(ElementId id) const;
 
     // An id that no element has or will have.
     ElementId UnusedId() { return ++lastId_; }

@@ -50,9 +50,6 @@ std::optional<std::vector<Element*>> RowsIn(Model& model, const Element& table,
 }
 
 void SelectRow(Element& row, bool selected) {
-    if (row.parent == nullptr) {
-        return;
-    }
     if (selected) {
         SetSelectedRows(*row.parent, {&row});
     } else if (row.selected) {
@@ -119,8 +116,8 @@ void Set(Model& model, Application& application, Element& element, std::string_v
         Perform(model, application, element, "AXPress");
         return;
     }
-    if (attribute == "AXValue" && IsText(element.Role()) && stored != nullptr &&
-        stored->HasValue() && !element.Details().unconfirmedFrom) {
+    if (attribute == "AXValue" && IsText(element.Role()) && stored->HasValue() &&
+        !element.Details().unconfirmedFrom) {
         element.Details().unconfirmedFrom = stored->value;
     }
     model.arena.Set(element, attribute, Answer::Of(value));

@@ -221,6 +221,19 @@ TEST(Elements, ActionThatAnElementDoesNotHaveIsUnsupported) {
                 ElementsAre(Text("AXPress")));
 }
 
+TEST(Elements, EnabledOneHasItsActions) {
+    Desktop desktop(WindowWith({{{"AXRole", "AXButton"}, {"AXEnabled", true}}}));
+    EXPECT_EQ(Client{desktop}.Perform("/0/0", "AXPress"), 0);
+}
+
+TEST(Elements, OutlineHasRowsLikeATable) {
+    Desktop desktop(
+        WindowWith({{{"AXRole", "AXOutline"}, {"AXChildren", {{{"AXRole", "AXRow"}}}}}}));
+    const Client client{desktop};
+    EXPECT_EQ(client.Read("/0/0", "AXRows"), References({client.At("/0/0/0")}));
+    EXPECT_EQ(client.Read("/0/0", "AXSelectedRows"), Value{Array{}});
+}
+
 TEST(Elements, ConfirmedTextIsKeptAndUnconfirmedTextCanBeTakenBack) {
     Desktop desktop(WindowWith({{{"AXRole", "AXTextField"}, {"AXValue", "5"}}}));
     const Client client{desktop};

@@ -70,6 +70,20 @@ TEST(Activation, SceneCanGiveEveryActivationAGap) {
     EXPECT_THAT(listener.heard, ElementsAre("-", "no bundle"));
 }
 
+TEST(Activation, OfWhatIsInFrontIsNoNews) {
+    json scene = json::parse(kThree);
+    scene["activationGap"] = 1;
+    Desktop desktop(scene);
+    const Client client{desktop};
+    client.Do(Activation("com.example.two"));
+    desktop.Advance(5);
+    const Listener listener(desktop);
+    client.Do(Activation("com.example.two"));
+    desktop.Advance(5);
+    EXPECT_TRUE(listener.heard.empty()) << "it left the front for the gap";
+    EXPECT_EQ(client.Do({{"command", "state"}})["front"], "com.example.two");
+}
+
 TEST(Activation, ApplicationThatEndsInTheGapDoesNotComeToTheFront) {
     Desktop desktop(kThree);
     const Client client{desktop};
@@ -119,6 +133,14 @@ TEST(Applications, AreLaunchedAndUseTheProcessIdOfDeadOnesAgain) {
     client.Do({{"command", "kill"}, {"application", "com.example.two"}});
     client.Do(again);
     EXPECT_EQ(client.Do({{"command", "state"}})["front"], "com.example.new");
+}
+
+TEST(Applications, ProcessIdOfADeadOneInFrontStaysTaken) {
+    Desktop desktop(R"({"front": "pid:501", "applications": [{"pid": 501, "dead": true}]})");
+    const Client client{desktop};
+    EXPECT_THAT(client.ProblemOf({{"command", "launch"}, {"application", {{"pid", 501}}}}),
+                HasSubstr("process id is taken"));
+    EXPECT_EQ(client.Do({{"command", "state"}})["front"], "pid:501");
 }
 
 TEST(Applications, BadLaunchChangesNothing) {
