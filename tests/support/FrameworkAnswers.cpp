@@ -26,6 +26,16 @@ AXUIElementRef AXUIElementCreateApplication(pid_t process) {
     return Next<decltype(AXUIElementCreateApplication)>("AXUIElementCreateApplication")(process);
 }
 
+AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
+                                      CFTypeRef* value) {
+    if (!FrameworkAnswers::Current().attributeValues) {
+        *value = nullptr;
+        return kAXErrorSuccess;
+    }
+    return Next<decltype(AXUIElementCopyAttributeValue)>("AXUIElementCopyAttributeValue")(
+        element, attribute, value);
+}
+
 CFStringEncoding CFStringGetSystemEncoding(void) {
     if (const auto& encoding = FrameworkAnswers::Current().systemEncoding) {
         return *encoding;

@@ -7,7 +7,8 @@
 #include <optional>
 
 struct FrameworkAnswers {
-    bool applicationElements = true;                 // false: AXUIElementCreateApplication fails
+    bool applicationElements = true;  // false: AXUIElementCreateApplication fails
+    bool attributeValues = true;  // false: AXUIElementCopyAttributeValue succeeds without a value
     std::optional<CFStringEncoding> systemEncoding;  // none: the framework's own
 
     static FrameworkAnswers& Current();

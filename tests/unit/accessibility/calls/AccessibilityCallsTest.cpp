@@ -1,6 +1,7 @@
 // What an accessibility call says when it gives no value.
 
 #include "accessibility/calls/AccessibilityCalls.h"
+#include "tests/support/FrameworkAnswers.h"
 #include "tests/unit/accessibility/AccessibilityTest.h"
 
 namespace {
@@ -41,6 +42,12 @@ TEST_F(AccessibilityCalls, ReadingNamesItsFailure) {
     EXPECT_EQ(KindOfReading(), CallFailureKind::notThere);
     editor_.Fail(element_, kAXErrorAPIDisabled);
     EXPECT_EQ(KindOfReading(), CallFailureKind::refused);
+}
+
+TEST_F(AccessibilityCalls, SuccessWithoutAValueIsAValueThatIsNotThere) {
+    FrameworkAnswers::Current().attributeValues = false;
+    EXPECT_EQ(KindOfReading(), CallFailureKind::notThere);
+    FrameworkAnswers::Current().attributeValues = true;
 }
 
 TEST_F(AccessibilityCalls, WindowsThatAreNoListAreOfTheWrongType) {
