@@ -87,7 +87,7 @@ Element& ResolveAddress(Model& model, const std::string& applicationKey, Applica
         applicationKey.empty() ? byDefault : model.ApplicationNamed(applicationKey);
     if (application == nullptr) {
         throw SceneError(place, applicationKey.empty()
-                                    ? "name an application, nothing is in front"
+                                    ? "no application is in front; name one"
                                     : "no application " + ToText(nlohmann::json(applicationKey)));
     }
     return ResolveAddress(*application, address, place);

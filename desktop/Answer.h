@@ -1,4 +1,4 @@
-// What reading an attribute gives.
+// The result of reading an attribute.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +25,7 @@ enum AccessibilityError : std::int32_t {
 struct Answer {
     Value value;             // meaningless when there is an error or nothing
     std::int32_t error = 0;  // AXError; 0 is success
-    bool nothing = false;    // success without a value, as some applications answer
+    bool nothing = false;    // success without a value, as some applications reply
 
     static Answer Of(Value value) { return {std::move(value)}; }
     static Answer Error(std::int32_t code) { return {{}, code}; }

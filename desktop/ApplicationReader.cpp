@@ -14,7 +14,7 @@ constexpr std::int32_t kFirstPid = 501;
 
 std::int32_t ReadPid(Model& model, const json& source, const std::string& place) {
     if (const json* given = Field(source, "pid")) {
-        // -1 is what the system reports for an application that has no process any more.
+        // The system reports -1 for an application that no longer has a process.
         const auto pid = static_cast<std::int32_t>(ExpectInteger(
             *given, Place(place, "pid"), -1, std::numeric_limits<std::int32_t>::max()));
         if (model.ApplicationWithPid(pid) != nullptr) {

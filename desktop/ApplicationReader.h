@@ -1,4 +1,4 @@
-// What a scene says of an application, its windows excepted.
+// Reads what a scene says about an application, except for its windows.
 #pragma once
 
 #include <memory>
@@ -9,7 +9,7 @@
 
 namespace desktop {
 
-// Throws SceneError. The application is not put into the model, which is asked for free process
+// Throws SceneError. The application is not added to the model, which only provides free process
 // ids.
 std::unique_ptr<Application> ReadApplicationFacts(Model& model, const nlohmann::json& source,
                                                   const std::string& place);

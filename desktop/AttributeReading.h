@@ -1,5 +1,5 @@
-// What an element answers when it behaves: stored attributes first, then those that come from the
-// tree.
+// What reading a well-behaved element returns: stored attributes first, then those that come from
+// the tree.
 #pragma once
 
 #include <string>

@@ -10,19 +10,19 @@
 
 namespace desktop {
 
-// Those the scene gives, else those of the role. A disabled element has none.
+// The actions that the scene gives, else those of the role. A disabled element has none.
 std::vector<std::string> ActionNames(const Element& element);
 
 // The effect of an action that the element supports: a press flips a check box and selects a radio
-// button among its siblings; a confirmation keeps the text of a field, a cancellation takes it
-// back; increment and decrement step a value between its limits; raising moves a window to the
+// button among its siblings; a confirmation keeps the text of a field, a cancellation reverts
+// it; increment and decrement step a value between its limits; raising moves a window to the
 // front.
 void Perform(Model& model, Application& application, Element& element, std::string_view action);
 
 // Those the scene gives, else those of the role.
 bool IsSettable(const Application& application, const Element& element, std::string_view attribute);
 
-// What setting would answer: kAttributeUnsupported when it cannot be set, kIllegalArgument when the
+// The result of setting: kAttributeUnsupported when it cannot be set, kIllegalArgument when the
 // value is of another type than the one it replaces, else kSuccess.
 std::int32_t CheckSetting(Model& model, const Application& application, const Element& element,
                           std::string_view attribute, const Value& value);

@@ -10,7 +10,7 @@ namespace desktop {
 
 class Bundles {
   public:
-    // A folder of its own is made in `parent` (empty: the system's temporary folder) with the first
+    // A new folder is created in `parent` (empty: the system's temporary folder) with the first
     // bundle.
     explicit Bundles(std::string parent) : parent_(std::move(parent)) {}
     Bundles(const Bundles&) = delete;
@@ -18,7 +18,7 @@ class Bundles {
     ~Bundles();  // removes all that was made
 
     // Does nothing for an application without `info`; sets its bundlePath otherwise. Throws
-    // SceneError when the disk refuses.
+    // SceneError when it cannot be written.
     void Write(Application& application);
     void Remove(Application& application);
 
@@ -29,8 +29,8 @@ class Bundles {
     std::string folder_;  // empty: not made yet
 };
 
-// Removes what desktops that were killed left in the folder. Only for a folder in which no other
-// desktop lives.
+// Removes what killed desktops left in the folder. Only for a folder in which no other
+// desktop runs.
 void RemoveAbandonedBundles(const std::string& parent);
 
 }  // namespace desktop

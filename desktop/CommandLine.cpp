@@ -16,7 +16,7 @@ using terminal::ValueKind;
 
 std::string Unknown(const terminal::Program& program, const std::string& word) {
     if (!word.starts_with("-")) {
-        return "'" + word + "' is one word too many";
+        return "unexpected argument '" + word + "'";
     }
     std::vector<std::string> names = {"--help", "--version"};
     for (const Parameter& parameter : program.parameters) {
@@ -59,9 +59,9 @@ CommandLine::Outcome CommandLine::CheckNumbers() {
 CommandLine::Outcome CommandLine::Parse(int argumentCount, char** arguments) {
     CLI::App app(std::string(program_.description), std::string(program_.name));
     app.get_formatter()->label("Positionals", "Arguments");
-    app.set_help_flag("-h,--help", "print this help and leave");
+    app.set_help_flag("-h,--help", "print this help and exit");
     app.set_version_flag("--version", std::string(program_.name) + " " + version_,
-                         "print the version and leave");
+                         "print the version and exit");
     std::map<std::string, std::string> texts;
     for (const Parameter& parameter : program_.parameters) {
         const std::string name(parameter.name);

@@ -1,4 +1,4 @@
-// The command line of krt9-desktop, parsed as its program's table says.
+// The command line of krt9-desktop, parsed by its program's table.
 #pragma once
 
 #include <map>

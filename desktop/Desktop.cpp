@@ -231,7 +231,7 @@ void Desktop::Kill(Application& application) {
 
 // Each command at its time after now; one without a time follows the one before it at once.
 void Desktop::PlayScript() {
-    // All times are read before anything is planned: a bad one refuses the whole.
+    // All times are read before anything is planned: one that is wrong refuses the whole script.
     std::vector<double> times;
     for (std::size_t step = nextStep_; step < model_.script.size(); ++step) {
         const nlohmann::json* time = Field(model_.script[step], "at");

@@ -1,6 +1,6 @@
-// The simulated desktop: what surrounds a process in a log-in session, and what it answers.
+// The simulated desktop: what surrounds a process in a log-in session, and how it replies.
 //
-// Deterministic: the same scene, requests and commands in the same order give the same answers and
+// Deterministic: the same scene, requests and commands in the same order give the same replies and
 // the same log. Time passes only by Advance. One thread.
 #pragma once
 
@@ -42,24 +42,25 @@ class Desktop {
     Desktop(const Desktop&) = delete;
     Desktop& operator=(const Desktop&) = delete;
 
-    // Nothing: no answer while the application hangs. The request may be tried again later; it has
+    // Nothing means no reply, because the application hangs. The request may be tried again; it has
     // had no effect so far.
     std::optional<desktop_link::Reply> Handle(ClientId client,
                                               const desktop_link::Request& request);
 
-    // Runs one JSON command and answers JSON, {"ok": true, ...} or {"error": "one line"}.
+    // Runs one JSON command and returns JSON, {"ok": true, ...} or {"error": "one line"}.
     std::string Run(std::string_view command);
 
     // Called inside every attribute read, before the value is taken; it may change anything by Run.
     std::function<void(const desktop_link::ElementReference& element, const std::string& attribute)>
         onRead;
 
-    // Lets time pass: delayed effects and the playing script take place in their order.
+    // Advances the time: delayed effects and the playing script take place in their order.
     void Advance(double seconds);
-    // Seconds until something is due; none: nothing is.
+    // Seconds until something is due; none when nothing is.
     std::optional<double> NextDue() const { return schedule_.NextDue(); }
 
-    // Called whenever another application (or none) is in front. Answers a number for Unsubscribe.
+    // Called whenever another application (or none) comes to the front. Returns a number for
+    // Unsubscribe.
     int Subscribe(std::function<void(const desktop_link::Notification&)> listener);
     void Unsubscribe(int subscription);
 
@@ -81,7 +82,7 @@ class Desktop {
     // The present state as a scene.
     std::string Dump();
 
-    // True once a command asked for the end.
+    // True once a command has asked the desktop to end.
     bool QuitWanted() const { return quitWanted_; }
 
   private:

@@ -52,7 +52,7 @@ RuleType* FindRule(std::vector<RuleType> Misbehaviour::*kind, Element& element,
     return nullptr;
 }
 
-// None at all, so that its caller waits; or the system sees at once that it would wait in vain.
+// No reply, so that the caller waits; or the system sees at once that it would wait in vain.
 std::optional<Reply> ReplyOfHung() {
     if (platform_testing::IsOn(platform_testing::Variant::hangAtOnce)) {
         return ErrorReply(kCannotComplete);
@@ -78,7 +78,7 @@ std::optional<Reply> Desktop::AnswerAccessibility(const Request& request) {
         return ErrorReply(kInvalidElement);
     }
     Reply reply = AnswerElement(request, {application, element});
-    // What ran inside a read may have let the application hang.
+    // Commands that ran inside a read may have made the application hang.
     application = model_.ApplicationWithPid(request.element.pid);
     if (application != nullptr && application->hung) {
         return ReplyOfHung();
@@ -176,7 +176,7 @@ desktop::Answer Desktop::Read(const ElementReference& reference, const std::stri
                                  ? *rule->answer
                                  : ReadAttribute(model_, *application, *element, name);
     if (rule != nullptr) {
-        const auto commands = rule->commands;  // they may do away with the rule
+        const auto commands = rule->commands;  // they may remove the rule
         for (const nlohmann::json& command : commands) {
             Script(*this).RunPlanned(command);
         }
@@ -225,7 +225,7 @@ void Desktop::SetNow(const ElementReference& reference, const std::string& attri
     Element* element = model_.Find(reference);
     if (element == nullptr ||
         CheckSetting(model_, *application, *element, attribute, value) != kSuccess) {
-        return;  // destroyed or changed while the setting was under way
+        return;  // destroyed or changed while the setting was in progress
     }
     if (element == &application->root && attribute == "AXFrontmost") {
         if (NumberIn(value) != 0) {

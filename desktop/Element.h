@@ -26,7 +26,7 @@ struct Attribute {
 
 struct Element;
 
-// What few elements have.
+// What only few elements have.
 struct ElementDetails {
     std::optional<std::vector<std::string>> actions;   // in place of those of its role
     std::optional<std::vector<std::string>> settable;  // in place of those of its role
@@ -40,7 +40,7 @@ struct Element {
     ElementId id = 0;
     std::int32_t pid = 0;
     bool hasChildren = false;       // also without any child: the attribute is there
-    bool childrenNumbered = true;   // the two positions below are right in all children
+    bool childrenNumbered = true;   // the two positions below are up to date in all children
     bool selected = false;          // among its parent's selected rows
     std::uint32_t position = 0;     // among its parent's children
     std::uint32_t rowPosition = 0;  // the same, rows only counted
@@ -51,7 +51,7 @@ struct Element {
 
     const Answer* Stored(std::string_view name) const;
     Answer* Stored(std::string_view name);
-    // The text of a stored attribute; empty when it has none or is no text.
+    // The text of a stored attribute; empty when it is missing or not a text.
     std::string_view Text(std::string_view name) const;
     std::string_view Role() const { return Text("AXRole"); }
     ElementDetails& Details();
@@ -66,7 +66,7 @@ class ElementArena {
     // A new element in no tree.
     Element& Create(std::int32_t pid);
 
-    // Null when it was destroyed or never was.
+    // Null when it was destroyed or never existed.
     Element* Find(ElementId id);
 
     // An id that no element has or will have.
@@ -92,7 +92,7 @@ class ElementArena {
     ElementId lastId_ = 0;
 };
 
-// Places among the parent's children, and among its rows. The element must be in a tree.
+// Positions among the parent's children, and among its rows. The element must be in a tree.
 std::size_t PositionInParent(const Element& element);
 std::size_t RowPositionInParent(const Element& element);
 
@@ -105,7 +105,7 @@ inline Element* NextInPreOrder(Element& element, const Element& root) {
     return const_cast<Element*>(NextInPreOrder(static_cast<const Element&>(element), root));
 }
 
-// The child of the root that the element lies in; null for the root.
+// The child of the root that contains the element; null for the root.
 const Element* TopLevel(const Element& element);
 
 }  // namespace desktop

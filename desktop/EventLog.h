@@ -32,7 +32,7 @@ class EventLog {
     // The posted events alone, as the event tap saw them.
     const std::vector<desktop_link::Event>& Events() const { return events_; }
 
-    // Forgets the entries; numbers go on.
+    // Discards the entries; the numbering continues.
     void Clear();
 
   private:

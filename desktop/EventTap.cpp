@@ -40,7 +40,7 @@ void EventTap::Post(desktop_link::Event event) {
     if (!event.flagsWereSet) {
         event.flags |= HeldFlags();
     }
-    // Whether such events change what others inherit is not documented.
+    // It is not documented whether such events change what others inherit.
     const bool isPrivate = event.hasSource && event.sourceState == kPrivateState;
     if (!isPrivate || !platform_testing::IsOn(platform_testing::Variant::privateModifiers)) {
         FollowModifierKey(event);

@@ -1,4 +1,4 @@
-// A desktop of this very process in the place of the socket: for unit tests.
+// A desktop in this process in place of the socket: for unit tests.
 #pragma once
 
 #include <functional>
@@ -26,11 +26,11 @@ class InProcessTransport : public desktop_link::Transport {
     void SetNotificationHandler(
         std::function<void(const desktop_link::Notification&)> handler) override;
 
-    // Hands the waiting notifications to the handler, in order; answers how many. Call it on the
+    // Passes the waiting notifications to the handler, in order; returns how many. Call it on the
     // main thread.
     std::size_t DeliverNotifications();
 
-    // Called when a notification starts to wait: the place to have DeliverNotifications called from
+    // Called when a notification is queued: the place to have DeliverNotifications called from
     // the main run loop.
     void SetWakeUp(std::function<void()> wakeUp) { wakeUp_ = std::move(wakeUp); }
 

@@ -1,4 +1,4 @@
-// Taking JSON apart with errors that name the place.
+// Reading the fields of JSON, with errors that name the place.
 #pragma once
 
 #include <cstdint>
@@ -41,14 +41,14 @@ const nlohmann::json* Field(const nlohmann::json& object, const char* key);
 const nlohmann::json& Required(const nlohmann::json& object, const char* key,
                                const std::string& place);
 
-// Throws when arrays and objects nest deeper than those of any value: what is kept as JSON is
+// Throws when arrays and objects nest deeper than in any value: what is kept as JSON is
 // copied and written by functions that recurse.
 void ExpectShallow(const nlohmann::json& json, const std::string& place);
 
 // Parses a text; throws SceneError with line and column. `place` may be empty.
 nlohmann::json ParseJson(std::string_view text, const std::string& place);
 
-// Text of JSON with whatever is no UTF-8 replaced.
+// JSON as text, with everything that is not UTF-8 replaced.
 template <typename Json>
 std::string ToText(const Json& json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);

@@ -1,11 +1,11 @@
 // The MIDI devices of the session.
 //
-// As JSON (the answer to Operation::midiDevices), in device order:
+// As JSON (the reply to Operation::midiDevices), in device order:
 //   {"devices": [{"id": 1, "name": "KRT-9 USB", "entities": [{"id": 2, "name": "Private",
 //     "sources": [{"id": 3, "name": "Private"}], "destinations": [{"id": 4, "name":
 //     "Private"}]}]}]}
 // `id` is the unique id, never used again for another object. A name that cannot be read is
-// {"error": OSStatus} in the place of the text.
+// {"error": OSStatus} in place of the text.
 #pragma once
 
 #include <cstdint>

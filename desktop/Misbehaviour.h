@@ -1,5 +1,5 @@
-// How an application or an element deviates from good behaviour. Each rule is for one attribute or
-// action, or "*" for any; the name "multiple" in `reads` is the reading of several attributes in
+// How an application or an element deviates from correct behaviour. Each rule is for one attribute
+// or action, or "*" for any; the name "multiple" in `reads` is the reading of several attributes in
 // one call as such.
 #pragma once
 
@@ -16,7 +16,7 @@ namespace desktop {
 
 struct Rule {
     std::string name;
-    std::uint64_t skip = 0;              // leaves that many occasions alone first
+    std::uint64_t skip = 0;              // does not apply to that many occasions first
     std::optional<std::uint64_t> times;  // then applies that often; none: for ever
 
     friend bool operator==(const Rule&, const Rule&) = default;
@@ -24,14 +24,14 @@ struct Rule {
 
 struct ReadRule : Rule {
     std::optional<Answer> answer;          // none: the true one
-    std::vector<nlohmann::json> commands;  // run after the answer was made up, see Script.h
+    std::vector<nlohmann::json> commands;  // run after the answer is determined, see Script.h
 
     friend bool operator==(const ReadRule&, const ReadRule&) = default;
 };
 
 // For setting an attribute and for performing an action.
 struct EffectRule : Rule {
-    std::int32_t error = 0;  // what is answered
+    std::int32_t error = 0;  // the result
     bool works = true;       // whether it takes effect nevertheless
     double delay = 0;        // seconds until the effect
 
@@ -47,7 +47,7 @@ struct Misbehaviour {
     friend bool operator==(const Misbehaviour&, const Misbehaviour&) = default;
 };
 
-// The rule that applies to this occasion, which is counted off; null when none does.
+// The rule that applies to this occasion, which is counted; null when none does.
 template <typename RuleType>
 RuleType* ApplyRule(std::vector<RuleType>& rules, std::string_view name) {
     for (RuleType& rule : rules) {

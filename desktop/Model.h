@@ -59,7 +59,7 @@ struct Model {
     Application* ApplicationWithPid(std::int32_t pid);
     // By Key(), or by "pid:501"; the first one when several have that name.
     Application* ApplicationNamed(std::string_view key);
-    // What ApplicationNamed answers this application for.
+    // The name by which ApplicationNamed returns this application.
     std::string NameOf(const Application& application);
     // Null when it was destroyed, or its application died.
     Element* Find(const desktop_link::ElementReference& reference);

@@ -26,14 +26,14 @@ std::string Escaped(const std::string& text, const std::string& place) {
                 break;
             default:
                 if (static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n') {
-                    throw SceneError(place, "a control character cannot stand in a property list");
+                    throw SceneError(place, "a property list cannot contain a control character");
                 }
                 escaped += c;
         }
     }
     if (text.find("\xEF\xBF\xBE") != std::string::npos ||
         text.find("\xEF\xBF\xBF") != std::string::npos) {
-        throw SceneError(place, "U+FFFE and U+FFFF cannot stand in a property list");
+        throw SceneError(place, "a property list cannot contain U+FFFE and U+FFFF");
     }
     return escaped;
 }
@@ -86,7 +86,7 @@ void Write(const json& value, const std::string& place, const std::string& inden
             WriteObject(value, place, indentation, out);
             return;
         default:
-            throw SceneError(place, "null cannot stand in a property list");
+            throw SceneError(place, "a property list cannot contain null");
     }
 }
 

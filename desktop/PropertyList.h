@@ -7,7 +7,7 @@
 namespace desktop {
 
 // Texts, numbers, booleans, arrays and objects. Throws SceneError
-// for null and for characters that XML cannot carry. The JSON must be shallow.
+// for null and for characters that XML cannot contain. The JSON must be shallow.
 std::string PropertyList(const nlohmann::json& root, const std::string& place);
 
 }  // namespace desktop

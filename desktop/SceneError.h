@@ -1,4 +1,4 @@
-// What is wrong in a scene or a command, and where: one line for its author.
+// What is wrong with a scene or a command, and where: one line for its author.
 #pragma once
 
 #include <stdexcept>

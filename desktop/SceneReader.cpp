@@ -16,7 +16,7 @@ using nlohmann::json;
 
 namespace {
 
-// Read before the attributes that need the whole tree; the order does not show otherwise.
+// Read before the attributes that need the whole tree; the order has no other effect.
 bool NeedsWholeTree(const std::string& key, const json& source) {
     return key == "AXSelectedRows" || key == "misbehaviour" || MentionsElement(source);
 }
@@ -199,7 +199,7 @@ Application& SceneReader::ReadApplication(json& source, const std::string& place
     return application;
 }
 
-// Walks the JSON tree with a stack of its own. Sources are taken apart as they are read.
+// Walks the JSON tree with an explicit stack. Sources are consumed as they are read.
 void SceneReader::ReadChildren(Element& parent, json::array_t sources, const std::string& place) {
     struct Level {
         Element* parent;
@@ -250,7 +250,7 @@ Element& SceneReader::ReadElement(std::int32_t pid, json source, const std::stri
     return element;
 }
 
-// AXMain of a window is no attribute of its own: one window of an application has it.
+// AXMain is not stored in each window: one window of an application has it.
 void SceneReader::TakeMainWindow(Application& application, Element& window) {
     const Answer* main = window.Stored("AXMain");
     const auto* flag = main == nullptr ? nullptr : std::get_if<bool>(&main->value.content);

@@ -14,8 +14,8 @@ class SceneReader {
   public:
     explicit SceneReader(Model& model) : model_(model) {}
 
-    // Fills an empty model. Takes the JSON apart while it reads, so that the two are never in
-    // memory as a whole together. All members throw SceneError; after that the model is of no use.
+    // Fills an empty model. Consumes the JSON while it reads, so that the two are never in
+    // memory completely at once. All members throw SceneError; the model is unusable after that.
     void ReadScene(nlohmann::json scene);
 
     // Adds one application; the model is unchanged after an error.
@@ -26,7 +26,7 @@ class SceneReader {
                         const std::string& place);
 
   private:
-    // What can only be understood when the whole tree is there: values that mention elements.
+    // What can only be read once the whole tree exists: values that mention elements.
     struct Deferred {
         Element* element;
         std::string key;
@@ -48,14 +48,14 @@ class SceneReader {
     std::vector<Deferred> deferred_;
 };
 
-// Throws SceneError for what no scene can name so.
+// Throws SceneError for a name that no scene accepts.
 void ExpectAttributeName(const std::string& name, const std::string& place);
 
-// Reads one attribute of an element that stands in its tree, as a scene or a command writes it.
+// Reads one attribute of an element that is in its tree, as a scene or a command writes it.
 void SetFromScene(Model& model, Element& element, const std::string& attribute,
                   const nlohmann::json& source, const std::string& place);
 
-// Resolves addresses; those without application key are of `home`.
+// Resolves addresses; those without an application key belong to `home`.
 ElementResolver ResolverFor(Model& model, Application* home);
 
 }  // namespace desktop

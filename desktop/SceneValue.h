@@ -20,7 +20,7 @@ using ElementResolver = std::function<desktop_link::ElementReference(
 using ElementDescriber =
     std::function<nlohmann::ordered_json(const desktop_link::ElementReference& reference)>;
 
-// Reads what stands for an attribute; the attribute's name decides what a plain array means. Throws
+// Reads the value of an attribute; the attribute's name decides what a plain array means. Throws
 // SceneError.
 Answer ReadAnswer(const nlohmann::json& json, std::string_view attribute, const std::string& place,
                   const ElementResolver& resolve);
@@ -37,7 +37,7 @@ nlohmann::ordered_json WriteAnswer(const Answer& answer, std::string_view attrib
 nlohmann::ordered_json WriteMisbehaviour(const Misbehaviour& misbehaviour,
                                          const ElementDescriber& describe);
 
-// [x, y], as a position stands in scenes, logs and answers.
+// [x, y], as a position is written in scenes, logs and replies.
 nlohmann::ordered_json WritePosition(const desktop_link::Point& point);
 
 }  // namespace desktop

@@ -174,7 +174,8 @@ Value ReadValue(const json& source, const std::string& place, const ElementResol
         case json::value_t::object:
             return ReadTagged(source, place, resolve, depth);
         default:
-            throw SceneError(place, "null is no value; write {\"null\": true} for the null object");
+            throw SceneError(place,
+                             "null is not a value; write {\"null\": true} for the null object");
     }
 }
 

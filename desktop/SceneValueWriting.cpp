@@ -16,7 +16,7 @@ using desktop_link::Rect;
 using desktop_link::Size;
 using nlohmann::ordered_json;
 
-// A value that crosses the link whole is one that a scene holds, and the other way round.
+// The values that the link can carry whole are those that a scene can hold.
 static_assert(desktop_link::kDeepestValue == scene_notation::kDeepestValue);
 static_assert(kNoValue == scene_notation::kNoValueError);
 

@@ -78,7 +78,7 @@ class SceneWriter {
         }
         AddMisbehaviour(application, application.root, facts);
         text_ += "    { " + facts.Text() + ",\n      \"windows\": ";
-        // Nothing is left to be read of a dead application, whatever was answered before.
+        // Nothing can be read of a dead application, whatever it answered before.
         const Answer* override = application.dead ? nullptr : application.root.Stored("AXWindows");
         if (override != nullptr && application.root.children.empty()) {
             text_ += ToText(Write(application, *override, "AXWindows")) + " }";
@@ -171,7 +171,7 @@ class SceneWriter {
                (attribute == "AXMain" && application.mainWindow == &element);
     }
 
-    // What hides a part of the tree becomes the answer to a reading, after the rules there are: of
+    // What hides a part of the tree is written as a rule for reading, after the existing rules: of
     // two members with one name, a scene would keep only the last.
     static Misbehaviour WithHidingAnswers(const Application& application, const Element& element) {
         const Misbehaviour* own = element.OwnMisbehaviour();

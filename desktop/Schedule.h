@@ -9,10 +9,10 @@ namespace desktop {
 
 class Schedule {
   public:
-    double Now() const { return now_; }  // seconds since the desktop was made
+    double Now() const { return now_; }  // seconds since the desktop was created
 
-    // Runs `effect` when this many seconds have passed; what is due together runs in the order in
-    // which it was put in.
+    // Runs `effect` after this many seconds; effects that are due together run in the order in
+    // which they were added.
     void After(double seconds, std::function<void()> effect);
 
     // Effects that run meanwhile must not call it.

@@ -92,7 +92,7 @@ Application& Script::NamedApplication(const Json& command) {
 Element& Script::NamedElement(const Json& command, const char* key) {
     Application* application = ApplicationOrFront(command);
     if (application == nullptr) {
-        throw SceneError("application", "name one, nothing is in front");
+        throw SceneError("application", "no application is in front; name one");
     }
     return ResolveAddress(*application, ExpectText(Required(command, key, "command"), key), key);
 }

@@ -1,4 +1,4 @@
-// Commands that change or ask the desktop while it runs. See docs/scenes.md for the list.
+// Commands that change or query the desktop while it runs. See docs/scenes.md for the list.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -13,10 +13,10 @@ class Script {
   public:
     explicit Script(Desktop& desktop) : desktop_(desktop) {}
 
-    // Answers {"ok": true, ...}, or {"error": "one line"} and nothing has changed.
+    // Returns {"ok": true, ...}, or {"error": "one line"} after which nothing has changed.
     std::string Run(std::string_view command);
 
-    // A command of a scene or a misbehaviour: nobody waits for the answer, an error goes to the
+    // A command of a scene or a misbehaviour: nobody waits for the reply, and an error goes to the
     // log.
     void RunPlanned(const nlohmann::json& command);
 

@@ -45,7 +45,7 @@ std::string Script::Kill(const Json& command) {
     ExpectOnly(command, "command", {"command", "at", "application"});
     Application& application = NamedApplication(command);
     if (application.dead) {
-        throw SceneError("application", "it is dead already");
+        throw SceneError("application", "it is already dead");
     }
     desktop_.Kill(application);
     return kDone;

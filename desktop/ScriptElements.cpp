@@ -105,7 +105,7 @@ std::string Script::Misbehave(const Json& command) {
     ExpectOnly(command, "command", {"command", "at", "application", "element", "misbehaviour"});
     Application* application = ApplicationOrFront(command);
     if (application == nullptr) {
-        throw SceneError("application", "name one, nothing is in front");
+        throw SceneError("application", "no application is in front; name one");
     }
     Element& bearer =
         Field(command, "element") == nullptr ? application->root : NamedElement(command);

@@ -1,4 +1,4 @@
-// Commands that only ask.
+// Commands that only query.
 
 #include <limits>
 

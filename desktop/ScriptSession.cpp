@@ -1,4 +1,4 @@
-// Commands about MIDI, the pointer, and the playing of the scene's script.
+// Commands about MIDI, the pointer, and playing the scene's script.
 
 #include "desktop/JsonFields.h"
 #include "desktop/SceneValue.h"

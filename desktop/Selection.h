@@ -9,7 +9,7 @@
 
 namespace desktop {
 
-// Selects exactly these children, whatever their order; the table has the attribute from then on.
+// Selects exactly these children, in any order; the table has the attribute from then on.
 void SetSelectedRows(Element& table, const std::vector<Element*>& rows);
 
 // The same by indices into the table's children. Throws SceneError, the selection unchanged.

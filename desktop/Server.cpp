@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t kMostPeers = 200;
 constexpr std::size_t kMostWaiting = 64;      // requests of one client to hung applications
-constexpr std::size_t kFramesInARow = 64;     // of one client before the others have their turn
+constexpr std::size_t kFramesInARow = 64;     // of one client before the others are served
 constexpr std::size_t kBusyQueue = 1u << 20;  // bytes; nothing is read from a client beyond them
 constexpr std::size_t kLongestQueue = desktop_link::kLargestPayload + kBusyQueue;
 
@@ -47,7 +47,7 @@ void Server::Run(int stopDescriptor) {
         for (const Peer& peer : peers_) {
             const bool busy = peer.writer.Queued() >= kBusyQueue || peer.reader.HasFrame();
             const short reading = busy || peer.ended ? 0 : POLLIN;
-            const short writing = peer.writer.Queued() != 0 && !peer.deaf ? POLLOUT : 0;
+            const short writing = peer.writer.Queued() != 0 && !peer.unwritable ? POLLOUT : 0;
             descriptors.push_back(
                 {peer.descriptor.get(), static_cast<short>(reading | writing), 0});
         }
@@ -61,9 +61,9 @@ void Server::Run(int stopDescriptor) {
             const short events = (ready++)->revents;
             if ((events & POLLOUT) != 0 && peer.writer.Flush(peer.descriptor.get()) ==
                                                local_socket::FrameWriter::Status::closed) {
-                peer.deaf = true;
+                peer.unwritable = true;
             }
-            // The end of a peer shows in reading, also while its queue is too long to be read.
+            // The end of a peer is noticed by reading, also while its queue is too long to be read.
             if (!peer.ended && (events & (POLLIN | POLLHUP | POLLERR)) != 0) {
                 Read(peer);
             }
@@ -78,13 +78,13 @@ void Server::Run(int stopDescriptor) {
 }
 
 bool Server::HasWork(const Peer& peer) {
-    return peer.reader.HasFrame() && (peer.deaf || peer.writer.Queued() < kBusyQueue);
+    return peer.reader.HasFrame() && (peer.unwritable || peer.writer.Queued() < kBusyQueue);
 }
 
-// A peer that has shut down only its sending side still gets its answers, but for those of hung
-// applications: most that ended will never ask for them.
+// A peer that has shut down only its sending side still gets its replies, except those of hung
+// applications: most such peers have ended.
 bool Server::Finished(const Peer& peer) {
-    return peer.ended && !peer.reader.HasFrame() && (peer.deaf || peer.writer.Queued() == 0);
+    return peer.ended && !peer.reader.HasFrame() && (peer.unwritable || peer.writer.Queued() == 0);
 }
 
 void Server::Accept() {
@@ -103,7 +103,7 @@ void Server::Read(Peer& peer) {
         case local_socket::FrameReader::Status::open:
             return;
         case local_socket::FrameReader::Status::oversized:
-            std::fprintf(stderr, "krt9-desktop: client %llu announced too long a message\n",
+            std::fprintf(stderr, "krt9-desktop: client %llu announced a message that is too long\n",
                          static_cast<unsigned long long>(peer.id));
             [[fallthrough]];
         case local_socket::FrameReader::Status::closed:
@@ -126,7 +126,7 @@ void Server::ServeFrame(Peer& peer, std::span<const std::uint8_t> payload) {
             ? desktop_link::DecodeRequest(frame->message.data(), frame->message.size())
             : std::nullopt;
     if (!request) {
-        std::fprintf(stderr, "krt9-desktop: client %llu sent what is no request\n",
+        std::fprintf(stderr, "krt9-desktop: client %llu sent something that is not a request\n",
                      static_cast<unsigned long long>(peer.id));
         Drop(peer);
         return;
@@ -138,7 +138,7 @@ void Server::Answer(Peer& peer, std::uint32_t sequence, const Request& request) 
     const auto reply = desktop_.Handle(peer.id, request);
     if (!reply) {
         if (peer.waiting.size() == kMostWaiting) {
-            peer.waiting.pop_front();  // its client has stopped waiting long ago
+            peer.waiting.pop_front();  // its client has long stopped waiting
         }
         peer.waiting.emplace_back(sequence, request);
         return;
@@ -158,7 +158,7 @@ void Server::RetryWaiting() {
         for (auto waiting = std::exchange(peer.waiting, {}); !waiting.empty();) {
             auto [sequence, request] = std::move(waiting.front());
             waiting.pop_front();
-            if (!peer.deaf) {
+            if (!peer.unwritable) {
                 Answer(peer, sequence, request);
             }
         }
@@ -176,23 +176,23 @@ void Server::Notify(const Notification& notification) {
 }
 
 void Server::Send(Peer& peer, std::span<const std::uint8_t> payload) {
-    if (peer.deaf) {
+    if (peer.unwritable) {
         return;
     }
     const auto status = peer.writer.Write(peer.descriptor.get(), payload);
     if (status == local_socket::FrameWriter::Status::closed) {
-        peer.deaf = true;
+        peer.unwritable = true;
     } else if (peer.writer.Queued() > kLongestQueue) {
-        std::fprintf(stderr, "krt9-desktop: client %llu does not read its answers\n",
+        std::fprintf(stderr, "krt9-desktop: client %llu does not read its replies\n",
                      static_cast<unsigned long long>(peer.id));
         Drop(peer);
     }
 }
 
-// Whatever it sent or was to get: a peer that does not keep to the protocol is left alone.
+// Whatever it sent or was to get: a peer that violates the protocol is dropped.
 void Server::Drop(Peer& peer) {
     peer.ended = true;
-    peer.deaf = true;
+    peer.unwritable = true;
     peer.reader = local_socket::FrameReader(desktop_link::kLargestPayload);
     peer.waiting.clear();
 }

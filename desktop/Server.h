@@ -26,8 +26,8 @@ class Server {
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
-    // Serves until `stopDescriptor` becomes readable or a command asks for the end. Time passes in
-    // the desktop as it does outside.
+    // Serves until `stopDescriptor` becomes readable or a command asks it to end. Time passes in
+    // the desktop as in reality.
     void Run(int stopDescriptor);
 
   private:
@@ -37,8 +37,8 @@ class Server {
         local_socket::FrameReader reader{desktop_link::kLargestPayload};
         local_socket::FrameWriter writer;
         bool greeted = false;  // `hello` was answered: notifications may follow
-        bool ended = false;    // nothing more can be read from it; what came is still served
-        bool deaf = false;     // nothing more can be sent to it
+        bool ended = false;  // nothing more can be read from it; what was received is still served
+        bool unwritable = false;  // nothing more can be sent to it
         std::deque<std::pair<std::uint32_t, desktop_link::Request>> waiting;  // for hung ones
     };
 

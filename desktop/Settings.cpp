@@ -30,7 +30,7 @@ bool IsText(std::string_view role) {
     return IsOneOf(role, {"AXTextField", "AXTextArea", "AXComboBox"});
 }
 
-// Nothing unless the value is an array of children of this very table.
+// Nothing unless the value is an array of children of this table.
 std::optional<std::vector<Element*>> RowsIn(Model& model, const Element& table,
                                             const Value& value) {
     const auto* array = std::get_if<Array>(&value.content);

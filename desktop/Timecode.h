@@ -8,7 +8,7 @@
 namespace desktop {
 
 // The timecode that many frames later (or earlier), between 00:00:00:00 and the last frame of hour
-// 99. A text that is no timecode counts as 00:00:00:00.
+// 99. A text that is not a timecode counts as 00:00:00:00.
 std::string TimecodeAfter(std::string_view timecode, std::int64_t frames,
                           std::int64_t framesPerSecond);
 

@@ -39,7 +39,7 @@ int Fail(const std::string& problem) {
 }
 
 // The signals that end the process become readable on a descriptor, so that they never interrupt
-// half-done work.
+// work in progress.
 local_socket::Descriptor BlockEndingSignals() {
     sigset_t ending;
     sigemptyset(&ending);
@@ -86,13 +86,13 @@ class LogFile {
     bool failed_ = false;
 };
 
-// 0, or the exit status when it cannot be said.
+// 0, or the exit status when it cannot be reported.
 int SayReady(int descriptor) {
     const std::string ready = "ready\n";
     if (write(descriptor, ready.data(), ready.size()) < 0) {
         return errno == EPIPE
                    ? kPipeClosed
-                   : Fail(std::string("cannot say that it is ready: ") + std::strerror(errno));
+                   : Fail(std::string("cannot report that it is ready: ") + std::strerror(errno));
     }
     if (descriptor > STDERR_FILENO) {
         close(descriptor);

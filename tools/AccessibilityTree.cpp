@@ -9,7 +9,7 @@ namespace krt9ctl {
 
 namespace {
 
-// A tree that grows while it is read, as one whose children are made on demand, ends somewhere.
+// A limit for trees that grow while they are read, as those whose children are made on demand.
 constexpr std::size_t kMostElements = 200000;
 constexpr std::size_t kProgressStep = 100;  // elements
 
@@ -35,7 +35,7 @@ Reference<Ref> Retained(Ref object) {
     return Reference<Ref>(static_cast<Ref>(CFRetain(object)));
 }
 
-// What ends the reading of the whole tree; any other error concerns one element only.
+// Errors that end the reading of the whole tree; any other error concerns one element only.
 bool IsFatal(AXError error) {
     return error == kAXErrorCannotComplete || error == kAXErrorAPIDisabled ||
            error == kAXErrorNotImplemented;
@@ -77,7 +77,7 @@ AXError AccessibilityTree::Walk(const Options& options) {
         Pending next = std::move(pending_.back());
         pending_.pop_back();
         if (places_.contains(next.element.get())) {
-            continue;  // a child of two parents, or of itself, stands where it was met first
+            continue;  // a child of two parents, or of itself, is kept where it was met first
         }
         if (elements_.size() > kMostElements) {
             ++leftOut_;

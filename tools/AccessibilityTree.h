@@ -1,4 +1,4 @@
-// The accessibility tree of one application, read whole.
+// The whole accessibility tree of one application.
 #pragma once
 
 #include <ApplicationServices/ApplicationServices.h>
@@ -17,8 +17,8 @@ namespace krt9ctl {
 
 struct TreeElement {
     Reference<AXUIElementRef> element;
-    std::size_t parent = 0;    // place in the tree; the application is its own
-    std::size_t topLevel = 0;  // the window it lies in, itself for a window
+    std::size_t parent = 0;    // index in the tree; the application's own for itself
+    std::size_t topLevel = 0;  // its window; for a window, itself
     std::vector<std::size_t> children;
     bool hasChildren = false;  // also without any child: the attribute is there
     // All but the children. What cannot be read is an AXValue that holds its error.
@@ -42,7 +42,7 @@ class AccessibilityTree {
     struct Options {
         float timeout = 1;  // seconds, of each call
         bool withActions = false;
-        // Told now and then how many elements have been read.
+        // Called now and then with the number of elements read so far.
         std::function<void(std::size_t)> progress = [](std::size_t) {};
     };
 
@@ -52,13 +52,13 @@ class AccessibilityTree {
 
     // The first one is the application, whose children are its windows.
     const std::vector<TreeElement>& Elements() const { return elements_; }
-    // The place of an element; nothing for one that is not in the tree.
+    // The index of an element; nothing for one that is not in the tree.
     std::optional<std::size_t> Find(CFTypeRef element) const;
-    // The places of an array's elements. Nothing for another value, or when one is not in the tree.
+    // The indexes of an array's elements. Nothing for another value, or if one is not in the tree.
     std::optional<std::vector<std::size_t>> FindAll(CFTypeRef array) const;
     // When the list of windows cannot be read.
     std::optional<AXError> WindowsError() const { return windowsError_; }
-    // Elements that went away while the tree was read, and those beyond the most that are read.
+    // Elements that disappeared while the tree was read, and those beyond the limit.
     std::size_t LeftOut() const { return leftOut_; }
 
   private:

@@ -1,4 +1,4 @@
-// Running applications by their bundle identifiers. The two systems have no call in common for it:
+// Running applications by their bundle identifiers. The two systems have no common call for this:
 // one source for each.
 #pragma once
 

@@ -69,7 +69,7 @@ KeyChoice ParseKeyArgument(const Parameter& parameter, const std::string& text) 
 
 std::string ParseText(const Parameter& parameter, const std::string& text) {
     if (text.find('\0') != std::string::npos) {
-        throw UsageError(fmt::format("{}: a zero byte cannot stand in a text", parameter.name));
+        throw UsageError(fmt::format("{}: a text cannot contain a zero byte", parameter.name));
     }
     if (!IsUtf8(text)) {
         throw UsageError(fmt::format("{}: the text is not UTF-8", parameter.name));

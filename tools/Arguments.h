@@ -1,4 +1,4 @@
-// The values given to one verb, checked and converted as its parameters demand.
+// The values given to one verb, checked and converted as its parameters require.
 #pragma once
 
 #include <cstdint>
@@ -40,7 +40,7 @@ using GivenTexts = std::map<std::string_view, std::vector<std::string>>;
 
 class Arguments {
   public:
-    // Throws UsageError for a value that its parameter does not admit.
+    // Throws UsageError for a value that its parameter does not accept.
     Arguments(const Verb& verb, const GivenTexts& given);
 
     // Every name must be one of the verb's parameters, asked for by its own kind.

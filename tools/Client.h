@@ -1,4 +1,4 @@
-// The way to the driver's message port.
+// Sends requests to the driver's message port.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -9,8 +9,8 @@
 
 namespace krt9ctl {
 
-// The run loop runs in this mode while a reply is awaited. A mode of its own: nothing else that is
-// scheduled in the process runs meanwhile.
+// The run loop runs in this mode while a reply is awaited. It is a separate mode, so that nothing
+// else that is scheduled in the process runs meanwhile.
 CFStringRef ReplyMode();
 
 class Client {
@@ -18,7 +18,7 @@ class Client {
     // `timeout` in seconds, for sending and once more for the reply.
     explicit Client(double timeout) : timeout_(timeout) {}
 
-    // Waits for the answer, which every request gets: nothing is an answer too. The port is looked
+    // Waits for the reply, which every request gets, even if it is empty. The port is looked
     // up with the first request.
     Answer Send(const Request& request);
 

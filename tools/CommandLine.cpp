@@ -29,7 +29,7 @@ struct BoundVerb {
     std::vector<BoundOption> options;
 };
 
-// The library's own conversions give some texts a meaning of their own ("{}"); the words are taken
+// The library's own conversions give some texts a special meaning ("{}"); the words are taken
 // from the option as they were typed instead.
 CLI::callback_t KeepAsTyped() {
     return [](const CLI::results_t&) { return true; };
@@ -105,9 +105,9 @@ Parser::Parser(const Grammar& grammar) : grammar_(grammar) {
     app_.get_formatter()->label("Positionals", "Arguments");
     app_.fallthrough();
     app_.require_subcommand(1);
-    app_.set_help_flag("-h,--help", "print this help and leave");
+    app_.set_help_flag("-h,--help", "print this help and exit");
     app_.set_version_flag("--version", fmt::format("krt9ctl {}", kVersion),
-                          "print the version and leave");
+                          "print the version and exit");
     for (const Parameter& option : CommonOptions()) {
         common_[option.name] = AddParameter(app_, option);
     }
@@ -117,7 +117,7 @@ Parser::Parser(const Grammar& grammar) : grammar_(grammar) {
     }
 }
 
-// The command under which the verb's last word stands, made when it is the first of its group.
+// The command to which the verb's last word belongs, created with the first verb of its group.
 CLI::App* Parser::ParentOf(const Verb& verb) {
     const std::size_t blank = verb.name.find(' ');
     if (blank == std::string_view::npos) {
@@ -193,7 +193,7 @@ UsageError Parser::ComplaintAboutVerb() const {
 
 UsageError Parser::ComplaintAboutWord(const Verb& verb, const std::string& word) const {
     if (!word.starts_with("-")) {
-        return UsageError(fmt::format("'{}' is one word too many", Printable(word)), verb.name);
+        return UsageError(fmt::format("unexpected argument '{}'", Printable(word)), verb.name);
     }
     std::vector<std::string> names = {"--help"};
     for (const Parameter& parameter : verb.parameters) {

@@ -1,4 +1,4 @@
-// Messages that the driver sends to the companion, taken apart.
+// Messages that the driver sends to the companion, decoded.
 #pragma once
 
 #include <chrono>
@@ -12,7 +12,7 @@
 
 namespace krt9ctl {
 
-// What the companion answers to a status query.
+// What the companion replies to a status query.
 struct ControllerStatus {
     std::uint32_t units = 1;
     std::uint32_t channels = 8;

@@ -41,8 +41,8 @@ ExitCode ReportReply(const Request& request, const RequestRow* row, const Bytes&
     const auto values = DecodeReply(*row, reply);
     if (!values) {
         return ReportProblem(request, ExitCode::badReply,
-                             fmt::format("the reply has {} bytes where {} were due: {}",
-                                         reply.size(), row->reply.size() * 4, FormatHex(reply)),
+                             fmt::format("the reply has {} bytes instead of {}: {}", reply.size(),
+                                         row->reply.size() * 4, FormatHex(reply)),
                              output);
     }
     output.Result(ReplyObject(*row, *values), DescribeReply(*row, *values));

@@ -1,4 +1,4 @@
-// Sends a plan, prints what came back, and finds the exit code.
+// Sends a plan, prints the replies, and determines the exit code.
 #pragma once
 
 #include <functional>
@@ -12,13 +12,13 @@ namespace krt9ctl {
 
 using Send = std::function<Answer(const Request&)>;
 
-// The exit code of a signal that came; ok while none did.
+// The exit code for a signal that has arrived; ok while there is none.
 using Stopped = std::function<ExitCode()>;
 
-// Stops at the first failure, signal, or output that cannot be written, but still sends what lets
-// keys and buttons go, unless nothing can have arrived: the button goes up where the pointer is,
+// Stops at the first failure, signal, or output that cannot be written, but still sends what
+// releases keys and buttons, unless nothing can have arrived: the button goes up at the pointer,
 // not where the gesture would have ended, which could drop what is dragged there. The exit code is
-// that of what came first.
+// that of the first of these.
 ExitCode Converse(const Plan& plan, const Send& send, const Stopped& stopped, Output& output);
 
 }  // namespace krt9ctl

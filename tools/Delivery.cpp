@@ -18,7 +18,7 @@ constexpr std::array kDeliveries{
     DeliveryRow{kCFMessagePortIsInvalid, ExitCode::transport,
                 "the driver's port is no longer valid: the driver has ended"},
     DeliveryRow{kCFMessagePortTransportError, ExitCode::transport,
-                "the request could not be carried to the driver"},
+                "the request could not be delivered to the driver"},
     DeliveryRow{kCFMessagePortBecameInvalidError, ExitCode::transport,
                 "the driver ended before it answered"},
 };

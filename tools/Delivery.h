@@ -9,7 +9,7 @@
 
 namespace krt9ctl {
 
-// Stands beside the results of CFMessagePortSendRequest, none of which is positive.
+// Distinct from the results of CFMessagePortSendRequest, none of which is positive.
 inline constexpr std::int32_t kPortMissing = 1;
 
 struct DeliveryRow {
@@ -24,7 +24,7 @@ const DeliveryRow& DeliveryOf(std::int32_t status);
 
 struct Answer {
     std::int32_t status = 0;  // as for DeliveryOf
-    Bytes reply;              // empty: the driver answered with nothing
+    Bytes reply;              // empty: the driver sent an empty reply
 };
 
 }  // namespace krt9ctl

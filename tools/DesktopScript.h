@@ -1,4 +1,4 @@
-// Commands to the simulated desktop, and its answers.
+// Commands to the simulated desktop, and its replies.
 #pragma once
 
 #include <optional>
@@ -7,8 +7,8 @@
 
 namespace krt9ctl {
 
-// The answer: an object with "ok", or with "error" and one line of text. Nothing when no desktop
-// runs or it does not answer within `timeout` seconds.
+// The reply: an object with "ok", or with "error" and one line of text. Nothing when no desktop
+// runs or it does not reply within `timeout` seconds.
 std::optional<Json> AskDesktop(const Json& command, double timeout);
 
 }  // namespace krt9ctl

@@ -59,8 +59,8 @@ ExitCode Fail(Context& context, const std::string& sentence) {
 
 void RemarkOnGaps(const AccessibilityTree& tree, const SceneDump& dump, Output& output) {
     if (tree.LeftOut() > 0) {
-        output.Remark(fmt::format("{} elements went away while they were read, or were too many",
-                                  tree.LeftOut()));
+        output.Remark(fmt::format(
+            "{} elements disappeared while they were read, or exceeded the limit", tree.LeftOut()));
     }
     if (dump.leftOutValues > 0) {
         output.Remark(
@@ -119,10 +119,10 @@ std::vector<Verb> DumpVerbs() {
                          .largest = kLargestSigned32},
                         {.name = "--actions",
                          .kind = ValueKind::flag,
-                         .help = "also what can be done with each element (one more call each)"},
+                         .help = "also the actions of each element (one more call each)"},
                         {.name = "--pretty",
                          .kind = ValueKind::flag,
-                         .help = "with --json, too, one element a line instead of all in one"}},
+                         .help = "with --json: one element a line instead of all in one"}},
          .work = ActDump},
     };
 }

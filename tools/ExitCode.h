@@ -1,4 +1,4 @@
-// How krt9ctl ends: the one table behind its exit status, its help and its JSON error names.
+// How krt9ctl ends: the one table for its exit status, its help and its JSON error names.
 #pragma once
 
 #include <span>
@@ -20,7 +20,7 @@ enum class ExitCode : int {
     noDesktop = 9,
     refused = 10,
     accessibility = 11,
-    // As shells count an end by SIGHUP, SIGINT, SIGPIPE and SIGTERM.
+    // As shells report the end by SIGHUP, SIGINT, SIGPIPE and SIGTERM.
     hungUp = 129,
     interrupted = 130,
     pipeClosed = 141,

@@ -8,7 +8,7 @@
 
 namespace krt9ctl {
 
-// What a scene says of an application besides its windows. Texts are UTF-8.
+// What a scene contains of an application besides its windows. Texts are UTF-8.
 struct ApplicationFacts {
     pid_t pid = -1;
     std::optional<std::string> bundleIdentifier;

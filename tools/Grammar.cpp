@@ -16,7 +16,7 @@ Grammar MakeGrammar() {
     grammar.groups = {
         {"mouse", "one step of a mouse gesture"},
         {"observe", "follow something in the editing application"},
-        {"desktop", "script the simulated desktop around the driver"},
+        {"desktop", "control the simulated desktop"},
     };
     Append(grammar.verbs, ElementVerbs());
     Append(grammar.verbs, InputVerbs());
@@ -40,7 +40,7 @@ std::vector<Parameter> CommonOptions() {
          .help = "print one JSON object a line, for programs"},
         {.name = "--timeout",
          .kind = ValueKind::seconds,
-         .help = "how long to wait for the driver, the desktop or an application (usually 1)",
+         .help = "how long to wait for the driver, the desktop or an application (default 1)",
          .placeholder = "SECONDS"},
     };
 }

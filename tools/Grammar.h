@@ -53,7 +53,7 @@ std::vector<Parameter> CommonOptions();
 // Everything krt9ctl can do on this system.
 const Grammar& TheGrammar();
 
-// One call a family of verbs.
+// One function for each family of verbs.
 std::vector<Verb> ElementVerbs();
 std::vector<Verb> InputVerbs();
 std::vector<Verb> ObservationVerbs();
@@ -64,7 +64,7 @@ std::vector<Verb> DumpVerbs();
 std::vector<Verb> GrammarVerbs();
 std::vector<Verb> KeyVerbs();
 
-// Of the simulated desktop; where there is none, nothing but an empty list.
+// Those of the simulated desktop; an empty list on systems without one.
 std::vector<Verb> DesktopVerbs();
 
 }  // namespace krt9ctl

@@ -1,4 +1,4 @@
-// The verb that prints the grammar, for programs that want to know every verb.
+// The verb that prints the grammar, for programs that need to know every verb.
 #include "tools/Arguments.h"
 #include "tools/CommandLine.h"
 #include "tools/Grammar.h"
@@ -96,8 +96,8 @@ std::vector<Verb> GrammarVerbs() {
     return {
         {.name = "grammar",
          .requests = "",
-         .summary = "print all of this as JSON: verbs, parameters, exit codes",
-         .detail = "For programs that write manual pages, completions or forms.",
+         .summary = "print the grammar as JSON: verbs, parameters, exit codes",
+         .detail = "For programs that generate manual pages, completions or forms.",
          .example = "krt9ctl grammar",
          .parameters = {},
          .work = ActGrammar},

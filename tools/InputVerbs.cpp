@@ -42,7 +42,7 @@ Parameter Place(std::string_view name, std::string_view help) {
 Parameter NoClick() {
     return {.name = "--no-click",
             .kind = ValueKind::flag,
-            .help = "leave the mouse button alone: only move, with the modifier keys down"};
+            .help = "do not press the mouse button: only move, with the modifier keys down"};
 }
 
 Bytes MouseBody(Coordinates where, const Arguments& arguments) {
@@ -117,7 +117,7 @@ std::vector<Verb> InputVerbs() {
     return {
         {.name = "keystroke",
          .requests = "JCPK",
-         .summary = "press a key and let it go",
+         .summary = "press and release a key",
          .detail = "KEY is a virtual key code or a name, with modifiers before it: cmd+b, "
                    "shift+cmd+left, 0x31. The verb keys lists the names; they are those of the "
                    "keys' places on an ANSI keyboard. The modifiers travel as flags of the "
@@ -139,7 +139,7 @@ std::vector<Verb> InputVerbs() {
                                       Place("TO", "where it ends, as X,Y"),
                                       {.name = "--steps",
                                        .kind = ValueKind::number,
-                                       .help = "points on the way, the last one TO (usually 10)",
+                                       .help = "points on the way, the last one TO (default 10)",
                                        .placeholder = "N",
                                        .largest = kLargestStepCount},
                                       NoClick()}),

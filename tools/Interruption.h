@@ -1,4 +1,4 @@
-// SIGINT, SIGTERM and SIGHUP as a question to ask between two steps, so that work is never cut in
+// SIGINT, SIGTERM and SIGHUP as a flag to check between two steps, so that no step is cut in
 // half.
 #pragma once
 
@@ -6,9 +6,9 @@
 
 namespace krt9ctl {
 
-// While it lives the first of these signals only raises a flag. After it another SIGINT or SIGTERM
+// While it exists, the first of these signals only sets a flag. After it another SIGINT or SIGTERM
 // ends the process; another SIGHUP does not, because a terminal that closes sends several. An
-// ignored SIGHUP stays ignored, as nohup wants it; SIGINT does not, because shells start every
+// ignored SIGHUP stays ignored, as nohup requires; SIGINT does not, because shells start every
 // process of a script's background with it ignored. One object at a time.
 class Interruption {
   public:
@@ -17,7 +17,7 @@ class Interruption {
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
 
-    // The exit code that stands for the signal that came first; ok while none came.
+    // The exit code for the first signal that arrived; ok while there is none.
     static ExitCode Raised();
 };
 

@@ -9,7 +9,7 @@
 
 namespace krt9ctl {
 
-// The names are those of the keys' places on an ANSI keyboard: a layout may put other characters
+// The names are those of the keys' positions on an ANSI keyboard: a layout may put other characters
 // there.
 struct KeyRow {
     std::string_view name;  // small letters

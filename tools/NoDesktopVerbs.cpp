@@ -1,4 +1,4 @@
-// The system's own desktop takes no script.
+// The system's own desktop cannot be scripted.
 #include "tools/Grammar.h"
 
 namespace krt9ctl {

@@ -9,7 +9,7 @@
 namespace krt9ctl {
 
 // Decimal, or hexadecimal after 0x. Nothing for any other text, signs included, and for numbers
-// above 2^40, which no parameter admits.
+// above 2^40, which no parameter accepts.
 inline std::optional<std::int64_t> ParseUnsigned(std::string_view text) {
     constexpr std::uint64_t kLargest = 1ULL << 40;
     const bool hex = text.starts_with("0x") || text.starts_with("0X");

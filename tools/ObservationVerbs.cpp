@@ -1,4 +1,4 @@
-// Verbs that make the driver look at the editing application anew, follow it or stop following it.
+// Verbs that make the driver look up the front application again, follow it or stop following it.
 #include "VEKCommon/MessageCodes.h"
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
@@ -29,7 +29,7 @@ std::vector<Verb> ObservationVerbs() {
     return {
         {.name = "refresh",
          .requests = "JAcF",
-         .summary = "look at the front application anew",
+         .summary = "look up the front application again",
          .detail = "At least one option must be given.",
          .example = "krt9ctl refresh --profile --timecode --clip",
          .parameters = {{.name = "--profile",
@@ -68,7 +68,7 @@ std::vector<Verb> ObservationVerbs() {
          .work = PlanBare<kJXRs>},
         {.name = "ping",
          .requests = "JPth",
-         .summary = "ask for nothing: succeeds when the driver is alive",
+         .summary = "check that the driver is alive; the request does nothing",
          .detail = "",
          .example = "krt9ctl ping",
          .work = PlanBare<kJPth>},

@@ -32,7 +32,7 @@ class Output {
     // flushed, so that a reader at the other end of a pipe sees it at once.
     void Result(const Json& object, const std::string& sentence);
 
-    // A text that is the same for both, as it stands.
+    // A text that is the same for both, unchanged.
     void Document(const std::string& text);
 
     // The sentence on the error stream; for programs also the object with "error" and "message".
@@ -44,12 +44,12 @@ class Output {
     // What is being done, for people who wait for more than two seconds.
     void Progress(const std::string& activity) { progress_.Now(activity); }
 
-    // How the output fared: ok as long as everything could be written, `pipeClosed` when nobody
-    // reads it any more, `failure` for any other reason, which was told on the error stream.
+    // The state of the output: ok as long as everything could be written, `pipeClosed` when nobody
+    // reads it any more, `failure` for any other reason, which was reported on the error stream.
     // Nothing more is written after the first failure.
     ExitCode Status() const { return status_; }
 
-    // Looks whether somebody still reads, without writing anything.
+    // Checks whether the reader is still there, without writing anything.
     void NoticeClosedPipe();
 
   private:

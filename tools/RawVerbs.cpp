@@ -1,4 +1,4 @@
-// Any request at all, as code and bytes.
+// The verb that sends any request, given as code and bytes.
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
 
@@ -16,7 +16,7 @@ std::vector<Verb> RawVerbs() {
     return {
         {.name = "request",
          .requests = "",
-         .summary = "any request, as its code and the bytes of its body",
+         .summary = "send any request, given its code and the bytes of its body",
          .detail = "A reply of a known code is decoded; any other one is printed as hex digits. An "
                    "unknown code may go unanswered.",
          .example = "krt9ctl request JElV 3b000000",

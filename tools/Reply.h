@@ -1,4 +1,4 @@
-// Replies of the driver, taken apart.
+// Replies of the driver, decoded.
 #pragma once
 
 #include <cstdint>

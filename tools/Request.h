@@ -14,7 +14,7 @@ struct Request {
     MessageCode code = 0;
     Bytes body;
     // Sent even when an earlier request of the same plan failed after it may have reached the
-    // driver: what was pressed must be let go, or keys and buttons stay down.
+    // driver: what was pressed must be released, or keys and buttons stay down.
     bool letsGo = false;
 };
 
@@ -33,7 +33,7 @@ struct RequestRow {
     std::string_view sentence;          // the reply for people; {name} stands for a field
 };
 
-// The 21 requests the driver knows, in alphabetical order of their codes.
+// The 21 requests of the driver, in alphabetical order of their codes.
 std::span<const RequestRow> RequestTable();
 
 // The row of a code, null for a code the driver does not know.

@@ -23,7 +23,7 @@ Bytes OneNumberBody(std::int64_t value);
 Bytes TwoNumbersBody(std::int64_t identifier, std::int64_t value);
 Bytes ThreeFlagsBody(bool a, bool b, bool c);
 
-// The body of a step of a gesture, at another point: a number of the record is not negative, so a
+// The body of a step of a gesture, moved to another point. The record's numbers are unsigned, so a
 // negative coordinate becomes 0.
 Bytes MovedMouseBody(const Bytes& body, std::int64_t x, std::int64_t y);
 // The point of such a body.

@@ -17,7 +17,7 @@ namespace krt9ctl {
 namespace {
 
 ExitCode SendPlan(const Plan& plan, Context& context) {
-    // A single request has nothing to let go: the signal may end the process at once.
+    // A single request leaves nothing to release: the signal may end the process at once.
     std::optional<Interruption> interruption;
     if (plan.size() > 1) {
         interruption.emplace();

@@ -1,4 +1,4 @@
-// krt9ctl from its words to its exit code.
+// krt9ctl from its command line to its exit code.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace krt9ctl {
 
-// What a verb that acts on its own works with.
+// What a verb that acts by itself is given.
 struct Context {
     Output& output;
     double timeout;  // seconds

@@ -54,7 +54,7 @@ void SceneWriter::WriteApplication(const ApplicationFacts& facts) {
     if (facts.bundleIdentifier) {
         members.Add("bundleID", *facts.bundleIdentifier);
     }
-    // An empty name is written, too: a scene without one takes it from the bundle identifier.
+    // An empty name is written, too: without one, a scene derives it from the bundle identifier.
     const auto title = At(0).attributes.find("AXTitle");
     const auto name = title == At(0).attributes.end() ? std::nullopt : Utf8Of(title->second.get());
     if (name) {
@@ -143,8 +143,8 @@ void SceneWriter::AddAttribute(std::size_t place, const std::string& name, CFTyp
     members.Add(name, *written);
 }
 
-// One window of an application is its main one; where none is, the first one says so, else a scene
-// would take it for the main one.
+// One window of an application is its main one. If none is, the first one says so, since a scene
+// would otherwise make it the main one.
 void SceneWriter::AddMain(std::size_t place, Members& members) const {
     if (place == mainWindow_) {
         members.Add("AXMain", true);

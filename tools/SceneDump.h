@@ -13,7 +13,7 @@ struct SceneDump {
     std::size_t leftOutValues = 0;  // values that a scene cannot hold
 };
 
-// What follows from the tree (parents, windows of elements, indexes of rows ...) is not written: a
+// What follows from the tree (parents, windows of elements, indexes of rows ...) is omitted: a
 // scene's tree gives it again, so that a dump of the scene is the same dump.
 SceneDump WriteScene(const AccessibilityTree& tree, const ApplicationFacts& facts, bool isFront);
 

@@ -1,5 +1,5 @@
 // The log-in session in which driver, companion and desktop find each other. The two systems have
-// nothing in common here: one source for each.
+// nothing in common here: there is one source for each.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 namespace krt9ctl {
 
 // Throws std::runtime_error, with one line that names the path and says why, when the session's
-// folder or what lies under one of its names is refused. A session that is not there yet is none.
+// folder or what is under one of its names is refused. A session that does not exist yet is not.
 void CheckSession();
 
 // The session as messages name it.

@@ -29,7 +29,7 @@ std::string SessionName() {
     return "the session " + local_socket::SessionDirectoryPath();
 }
 
-// The driver's bundle lies beside krt9ctl where both were built.
+// Where both were built, the driver's bundle is beside krt9ctl.
 std::string DriverStartCommand() {
     const std::string program = "KRT9Background.app/Contents/MacOS/KRT9Background";
     std::error_code problem;

@@ -20,7 +20,7 @@ std::span<const std::uint8_t> AsBytes(std::string_view text) {
     return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
-// Nothing when a character of the string has no place in the encoding.
+// Nothing when the encoding lacks a character of the string.
 std::optional<std::string> ReadString(CFStringRef string, CFStringEncoding encoding) {
     const CFIndex length = CFStringGetLength(string);
     const CFIndex largest = CFStringGetMaximumSizeForEncoding(length, encoding) + 1;

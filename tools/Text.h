@@ -14,10 +14,10 @@ namespace krt9ctl {
 
 bool IsUtf8(std::string_view text);
 
-// The text safe to print on a terminal: control characters and bytes that are no UTF-8 as \xNN.
+// The text, safe to print on a terminal: control characters and bytes that are not UTF-8 as \xNN.
 std::string Printable(std::string_view text);
 
-// The text of an object as UTF-8. Nothing for an object that is no string and for text that has no
+// The text of an object as UTF-8. Nothing if the object is not a string, and for text that has no
 // UTF-8 form (unpaired surrogates).
 std::optional<std::string> Utf8Of(CFTypeRef object);
 
@@ -25,7 +25,7 @@ std::optional<std::string> Utf8Of(CFTypeRef object);
 // character has no place in it.
 std::optional<std::string> ToSystemEncoding(std::string_view utf8);
 
-// Bytes of the system encoding as UTF-8. Nothing when they are no text of that encoding.
+// Bytes of the system encoding as UTF-8. Nothing when they are not text in that encoding.
 std::optional<std::string> FromSystemEncoding(std::span<const std::uint8_t> bytes);
 
 std::vector<unsigned short> ToUtf16(std::string_view utf8);

@@ -1,4 +1,4 @@
-// Attributes that follow from the tree, which therefore a scene does not repeat.
+// Attributes that follow from the tree, so that a scene does not repeat them.
 #pragma once
 
 #include <optional>

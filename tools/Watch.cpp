@@ -1,4 +1,4 @@
-// The verb that stands in for the companion: owns its port and prints what the driver sends to it.
+// The verb that replaces the companion: it owns its port and prints what the driver sends to it.
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <algorithm>
@@ -20,8 +20,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A signal handler may not stop a run loop, and a pipe that is closed does not wake it; so the loop
-// comes up this often to look for either.
+// A signal handler may not stop a run loop, and a closed pipe does not wake it; so the loop wakes
+// this often to check for both.
 constexpr double kLongestNap = 0.2;  // seconds
 
 class Watch {
@@ -48,7 +48,7 @@ class Watch {
     std::optional<std::int64_t> remaining_;  // messages; none: no limit
 };
 
-// What comes after the last message asked for is answered but not printed.
+// Messages after the last one to be printed still get their reply.
 CFDataRef Watch::Receive(SInt32 code, CFDataRef data) {
     if (!remaining_ || *remaining_ > 0) {
         CompanionMessage message{code, {}, std::chrono::system_clock::now(), {}};
@@ -125,19 +125,20 @@ std::vector<Verb> WatchVerbs() {
     return {
         {.name = "watch",
          .requests = "",
-         .summary = "be the companion: print every message of the driver and answer its queries",
-         .detail = "Runs until SIGINT, SIGTERM or SIGHUP (exit code 0), until nobody reads its "
-                   "output, or as --count and --for say. Start it before the driver, which looks "
-                   "for the companion's port only once, when it "
-                   "starts. The driver keeps the low 16 bits of --units and --channels.",
+         .summary = "act as the companion: print the driver's messages and answer its queries",
+         .detail =
+             "Runs until SIGINT, SIGTERM or SIGHUP (exit code 0), until nobody reads its "
+             "output, or to the limit of --count or --for. Start it before the driver, which looks "
+             "for the companion's port only once, when it "
+             "starts. The driver keeps the low 16 bits of --units and --channels.",
          .example = "krt9ctl watch --units 2 --channels 16",
          .parameters = {{.name = "--units",
                          .kind = ValueKind::number,
-                         .help = "units of the controller (usually 1)",
+                         .help = "units of the controller (default 1)",
                          .placeholder = "N"},
                         {.name = "--channels",
                          .kind = ValueKind::number,
-                         .help = "channels of the controller (usually 8)",
+                         .help = "channels of the controller (default 8)",
                          .placeholder = "N"},
                         {.name = "--count",
                          .kind = ValueKind::number,

@@ -24,7 +24,7 @@ Plan PlanWindow(const Arguments& arguments) {
         {kJWiP, BodyOf(SWindowRequestSpec(arguments.Text("TITLE"), arguments.Has("--partial")))}};
 }
 
-// Checks a key and stores it in the two forms in which a candidate carries it.
+// Checks a key and stores it in the two forms that a candidate contains.
 template <std::size_t size, std::size_t unitCount>
 void StoreKey(const std::string& key, char (&name)[size], UniChar (&units)[unitCount],
               unsigned long long& length) {
@@ -63,7 +63,7 @@ std::size_t SizeOfFields(const std::vector<VEK_Driver_TargetWindowInfo>& candida
     return size;
 }
 
-// The record's own size can leave out the end of a lone second name; its bytes do not.
+// The record's own size can omit the end of a lone second name; its bytes do not.
 Bytes TargetBody(const std::vector<VEK_Driver_TargetWindowInfo>& candidates) {
     STargetWindowRequestSpec record(candidates.data(),
                                     static_cast<unsigned int>(candidates.size()));
@@ -96,7 +96,7 @@ std::vector<Verb> WindowVerbs() {
          .parameters = {{.name = "TITLE", .kind = ValueKind::text, .help = "the window's title"},
                         {.name = "--partial",
                          .kind = ValueKind::flag,
-                         .help = "TITLE may stand anywhere in the window's title"}},
+                         .help = "TITLE may be any part of the window's title"}},
          .work = PlanWindow},
         {.name = "target",
          .requests = "JTWP",

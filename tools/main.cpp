@@ -9,7 +9,7 @@
 
 int main(int argumentCount, char** arguments) {
     terminal::FillStandardDescriptors();
-    // A closed pipe is an output error like any other, so that a gesture still lets go.
+    // A closed pipe is an output error like any other, so that a gesture is still ended.
     std::signal(SIGPIPE, SIG_IGN);
     return static_cast<int>(
         krt9ctl::RunCommandLine({arguments + 1, arguments + argumentCount},

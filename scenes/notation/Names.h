@@ -9,7 +9,7 @@ namespace scene_notation {
 // Arrays and dictionaries of an attribute's value nest at most this deep.
 inline constexpr std::size_t kDeepestValue = 64;
 
-// The levels of JSON that such a value can take: a dictionary has its tag around it, and a value
+// The levels of JSON that such a value can take: a dictionary is wrapped in its tag, and a value
 // may stand in a rule of misbehaviour or in a command.
 inline constexpr std::size_t kDeepestJson = 2 * kDeepestValue + 8;
 
@@ -30,10 +30,10 @@ inline constexpr char kArray[] = "array";
 inline constexpr char kDictionary[] = "dictionary";
 }  // namespace tag
 
-// Other keys of an element are no attributes.
+// Other keys of an element are not attributes.
 bool IsAttributeName(std::string_view name);
 
-// Where an attribute stands among the others of its element: first what tells elements apart, last
+// The order of an element's attributes: first what tells elements apart, last
 // what is long, in between by name.
 bool AttributeComesBefore(std::string_view left, std::string_view right);
 

@@ -9,7 +9,7 @@
 
 namespace scene_notation {
 
-// One line, whatever the JSON holds: bytes that are no UTF-8 become U+FFFD.
+// One line, whatever the JSON holds: bytes that are not UTF-8 become U+FFFD.
 std::string OneLine(const Json& json);
 
 // "key": value, "key": value ... of an object, without its braces.
@@ -22,7 +22,7 @@ class Members {
     std::string text_;
 };
 
-// Elements in the order of the tree, each before what is in it. Nothing recurses, so that a tree
+// Elements in the order of the tree, each before its content. Nothing recurses, so that a tree
 // may have any depth.
 class ElementLines {
   public:

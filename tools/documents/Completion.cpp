@@ -18,7 +18,7 @@ void AddOnce(std::vector<std::string>& names, std::string_view name) {
     }
 }
 
-// Names that no shell takes for something else.
+// Names that have no special meaning in any shell.
 bool IsPlain(std::string_view name) {
     return std::all_of(name.begin(), name.end(), [](unsigned char character) {
         return std::isalnum(character) != 0 || character == '-';
@@ -53,11 +53,11 @@ void AddParameters(Completion& completion, Place& place, const std::vector<Param
 }
 
 void AddHelp(Place& place) {
-    place.options.push_back({"--help", "print the help and leave"});
+    place.options.push_back({"--help", "print the help and exit"});
 }
 
 void AddVersion(Place& place) {
-    place.options.push_back({"--version", "print the version and leave"});
+    place.options.push_back({"--version", "print the version and exit"});
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Everything that is written from the tables of the programs: manual pages and completions.
+// Everything that is generated from the programs' tables: manual pages and completions.
 #pragma once
 
 #include <string>

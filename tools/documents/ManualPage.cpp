@@ -17,7 +17,7 @@ using terminal::Program;
 using terminal::Term;
 using terminal::ValueKind;
 
-// Text as it stands: a backslash and a hyphen mean something else, and so does a point or an
+// Literal text: a backslash and a hyphen have a special meaning, and so has a point or an
 // apostrophe at the start of a line.
 std::string Escaped(std::string_view text) {
     std::string escaped = text.starts_with('.') || text.starts_with('\'') ? "\\&" : "";
@@ -134,8 +134,8 @@ void AddVerbs(Page& page, const krt9ctl::Grammar& grammar) {
     page.Heading("OPTIONS");
     page.Parameters(krt9ctl::CommonOptions());
     page.AddTerm("\\fB\\-h\\fR, \\fB\\-\\-help\\fR",
-                 "print the help and leave; after a verb, the help of that verb");
-    page.AddTerm("\\fB\\-\\-version\\fR", "print the version and leave");
+                 "print the help and exit; after a verb, the help of that verb");
+    page.AddTerm("\\fB\\-\\-version\\fR", "print the version and exit");
     page.Heading("VERBS");
     for (const Verb& verb : grammar.verbs) {
         AddVerb(page, verb);
@@ -169,8 +169,8 @@ std::string WriteManualPage(const Program& program, const krt9ctl::Grammar* verb
     } else if (!program.parameters.empty()) {
         page.Heading("OPTIONS");
         page.Parameters(program.parameters);
-        page.AddTerm("\\fB\\-h\\fR, \\fB\\-\\-help\\fR", "print the help and leave");
-        page.AddTerm("\\fB\\-\\-version\\fR", "print the version and leave");
+        page.AddTerm("\\fB\\-h\\fR, \\fB\\-\\-help\\fR", "print the help and exit");
+        page.AddTerm("\\fB\\-\\-version\\fR", "print the version and exit");
     }
     page.Terms("EXIT STATUS", program.statuses);
     page.Terms("SIGNALS", program.signals);

@@ -24,10 +24,10 @@ const terminal::Program& CompanionProgram() {
             "interrupted lets the button go where the pointer is and releases the keys.",
         .parameters = {},
         .statuses = {},
-        .environment = {kSessionFolder, {"NO_COLOR", "set to anything, keeps colours away"}},
+        .environment = {kSessionFolder, {"NO_COLOR", "disables colours when it is set"}},
         .files = {},
         .signals = {{"SIGINT, SIGTERM, SIGHUP",
-                     "end a gesture with what lets go, and watch in good order"}},
+                     "end a gesture by releasing what it holds down, and watch cleanly"}},
         .example = "krt9ctl value 59",
         .seeAlso = {"krt9-desktop(1)", "KRT9Background(8)"},
     };
@@ -56,7 +56,7 @@ const terminal::Program& DriverProgram() {
         .files = {{"KRT9Background.app",
                    "the bundle that holds the program, its information "
                    "dictionary and the translated titles of windows"}},
-        .signals = {{"SIGINT", "ends it in good order"}},
+        .signals = {{"SIGINT", "ends it cleanly"}},
         .example = "KRT9Background.app/Contents/MacOS/KRT9Background",
         .seeAlso = {"krt9ctl(1)", "krt9-desktop(1)"},
     };

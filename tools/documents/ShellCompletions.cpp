@@ -1,5 +1,5 @@
-// The three shells' ways to say the same. Each has a function that finds the verb among the words
-// typed so far, and a table of what can follow it.
+// The completions in the three shells' notations. Each has a function that finds the verb among the
+// words typed so far, and a table of what can follow it.
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -20,7 +20,7 @@ std::string FunctionName(const std::string& program) {
     return name;
 }
 
-// In single quotes, which keep everything but themselves. Bash and zsh.
+// In single quotes, within which everything but they is literal. Bash and zsh.
 std::string Quoted(const std::string& text) {
     std::string quoted = "'";
     for (const char character : text) {
@@ -85,7 +85,7 @@ std::string WriteBashCompletion(const Completion& completion) {
         function, Pattern(completion.valueOptions), Pattern(completion.groups),
         Pattern(completion.valueOptions));
     for (const Place& place : completion.places) {
-        // What is given by its place and is not a verb may be anything: the options stay the same.
+        // A positional argument that is not a verb may be anything: the options stay the same.
         const std::string pattern =
             place.verb.empty() && completion.places.size() == 1 ? "*" : Quoted(place.verb);
         text += fmt::format("        {}) words={} ;;\n", pattern, Quoted(JoinedWords(place)));

@@ -6,8 +6,8 @@ namespace terminal {
 
 namespace {
 
-// Where the rest of a long line goes on: under the last column that begins in its first half, else
-// under its first letter.
+// Where the rest of a long line continues: under the last column that begins in its first half,
+// else under its first letter.
 std::size_t Indentation(std::string_view line, std::size_t columns) {
     std::size_t indentation = std::min(line.find_first_not_of(' '), line.size());
     for (std::size_t gap = line.find("  ", indentation); gap != std::string_view::npos;) {
@@ -27,7 +27,7 @@ void AppendWrapped(std::string& text, std::string_view line, std::size_t columns
     while (line.size() > room) {
         std::size_t end = line.rfind(' ', room);
         if (end == std::string_view::npos || line.find_first_not_of(' ') > end) {
-            end = line.find(' ', room);  // a word that fits nowhere stands whole
+            end = line.find(' ', room);  // a word that does not fit is not broken
         }
         if (end == std::string_view::npos) {
             break;

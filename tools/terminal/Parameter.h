@@ -27,10 +27,10 @@ inline constexpr std::int64_t kSmallestSigned32 = -0x80000000LL;
 inline constexpr std::int64_t kLargestSigned32 = 0x7FFFFFFF;
 
 struct Parameter {
-    std::string_view name;  // "ELEMENT" is given by its place, "--steps" as an option
+    std::string_view name;  // "ELEMENT" is positional, "--steps" an option
     ValueKind kind = ValueKind::text;
     std::string_view help;
-    Presence presence = Presence::required;  // of one given by its place; options are optional
+    Presence presence = Presence::required;  // of a positional one; options are optional
     std::string_view placeholder = {};       // of an option's value, in the help
     std::int64_t smallest = 0;               // of a number, or of each coordinate
     std::int64_t largest = kLargestUnsigned32;

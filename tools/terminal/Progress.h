@@ -9,13 +9,13 @@
 
 namespace terminal {
 
-// A thread of its own writes the line, so that it also appears while the command waits for another
+// A separate thread writes the line, so that it also appears while the command waits for another
 // process. Other output must call Clear before it writes. On anything but a terminal it does
 // nothing.
 class Progress {
   public:
     Progress(std::ostream& stream, bool isTerminal, std::string program);
-    // Takes the line away.
+    // Removes the line.
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -23,7 +23,7 @@ class Progress {
     // What is being done from now on. The first line appears two seconds after the first call.
     void Now(const std::string& activity);
 
-    // Takes the line away until it is due again.
+    // Removes the line until it is due again.
     void Clear();
 
   private:

@@ -10,7 +10,7 @@ namespace terminal {
 // False for a descriptor below 0.
 bool IsTerminal(int descriptor);
 
-// Only on a terminal that is not a dumb one, and never when NO_COLOR is set to anything.
+// Only on a terminal that is not dumb, and never when NO_COLOR is set.
 bool WantsColour(int descriptor);
 
 // "krt9ctl:" as it stands before a message, with the descriptor's colours: red before a failure.
@@ -20,8 +20,8 @@ std::string MessagePrefix(std::string_view program, int descriptor, bool isFailu
 std::size_t Columns(int descriptor);
 
 // A standard descriptor that is closed would be given to the next file or socket that is opened,
-// which would then receive the output. Opens /dev/null in its place, the wrong way round, so that
-// reading and writing fail as before.
+// which would then receive the output. Opens /dev/null in its place, for the other direction, so
+// that reading and writing fail as before.
 void FillStandardDescriptors();
 
 }  // namespace terminal

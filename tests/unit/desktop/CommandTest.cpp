@@ -114,7 +114,7 @@ TEST(Commands, WithoutAnApplicationMeanTheFrontOne) {
         EXPECT_NE(client.ProblemOf(command), "") << command;
     }
     EXPECT_THAT(client.ProblemOf({{"command", "misbehave"}, {"misbehaviour", nullptr}}),
-                HasSubstr("nothing is in front"));
+                HasSubstr("no application is in front"));
     EXPECT_THROW(client.At("/"), SceneError);
     EXPECT_EQ(client.At("/", "a").id, 0u);
 }

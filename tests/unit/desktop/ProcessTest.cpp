@@ -188,7 +188,7 @@ TEST_F(Process, SaysReadyOnTheDescriptorThatItIsGiven) {
 
 TEST_F(Process, EndsWhenItCannotSayThatItIsReady) {
     DesktopProcess process({Scene(json::object()), "--ready-fd", "77"});
-    EXPECT_EQ(process.Line(), "krt9-desktop: cannot say that it is ready: Bad file descriptor");
+    EXPECT_EQ(process.Line(), "krt9-desktop: cannot report that it is ready: Bad file descriptor");
     EXPECT_EQ(process.Wait(), 1);
     EXPECT_EQ(FilesLeft(), 0u);
 }

@@ -411,7 +411,7 @@ TEST(ScriptPlaying, PlaysEachCommandAtItsTime) {
     EXPECT_THAT(listener.heard, ElementsAre("com.example.two", "no bundle"));
     client.Do({{"command", "advance"}, {"seconds", 60}});
     EXPECT_THAT(listener.heard, ElementsAre("com.example.two", "no bundle", "-"));
-    EXPECT_THAT(client.Log().back()["problem"], HasSubstr("nothing is in front"));
+    EXPECT_THAT(client.Log().back()["problem"], HasSubstr("no application is in front"));
 }
 
 TEST(ScriptPlaying, ScriptCannotStepOrAdvanceItself) {

@@ -67,7 +67,7 @@ TEST(Conversation, NothingWhereAReplyWasDueIsNoReply) {
 TEST(Conversation, AReplyOfAnotherLengthIsABadReplyAndShown) {
     Conversation talk;
     EXPECT_EQ(talk.Hold({"value", "59"}, {{kDelivered, {1, 2}}}), ExitCode::badReply);
-    EXPECT_THAT(talk.err.str(), HasSubstr("2 bytes where 4 were due: 0102"));
+    EXPECT_THAT(talk.err.str(), HasSubstr("2 bytes instead of 4: 0102"));
 }
 
 TEST(Conversation, AReplyWhereNoneWasDueIsABadReply) {

@@ -43,7 +43,7 @@ TEST_F(DesktopProgram, RefusesAWrongCommandLineInOneLineThatNamesItsHelp) {
          "--help)\n"},
         {{"a", "--frobnicate"},
          "krt9-desktop: there is no option '--frobnicate' (see krt9-desktop --help)\n"},
-        {{"a", "b\n"}, "krt9-desktop: 'b?' is one word too many (see krt9-desktop --help)\n"},
+        {{"a", "b\n"}, "krt9-desktop: unexpected argument 'b?' (see krt9-desktop --help)\n"},
         {{"a", "--ready-fd", "x"},
          "krt9-desktop: --ready-fd: 'x' is not a whole number from 0 to 65535 (see krt9-desktop "
          "--help)\n"},

@@ -203,7 +203,7 @@ TEST(ZshCompletion, OffersVerbsThenTheirWordsThenTheirOptions) {
     EXPECT_THAT(InZsh("krt9ctl", {"krt9ctl", ""}),
                 IsSupersetOf({"value:the numeric value of a control",
                               "--version:print the version "
-                              "and leave"}));
+                              "and exit"}));
     EXPECT_THAT(InZsh("krt9ctl", {"krt9ctl", "number", ""}),
                 Not(Contains("value:the numeric value of a control")));
     EXPECT_THAT(InZsh("krt9ctl", {"krt9ctl", "--timeout", "5", "mouse", ""}),

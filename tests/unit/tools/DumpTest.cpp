@@ -206,7 +206,7 @@ TEST(Dump, LeavesOutAnElementThatGoesAwayWhileItIsRead) {
     EXPECT_EQ(outcome.code, ExitCode::ok);
     EXPECT_THAT(outcome.out, HasSubstr("AXButton"));
     EXPECT_THAT(outcome.out, Not(HasSubstr("AXImage")));
-    EXPECT_THAT(outcome.err, HasSubstr("1 elements went away"));
+    EXPECT_THAT(outcome.err, HasSubstr("1 elements disappeared"));
 }
 
 TEST(Dump, OfAnotherApplicationIsNotInFront) {

@@ -55,7 +55,7 @@ TEST(Usage, ACodeOfAnotherLengthIsRefused) {
 
 TEST(Usage, ATitleWithAZeroByteIsRefused) {
     EXPECT_EQ(ComplaintAbout({"window", std::string("a\0b", 3)}),
-              "TITLE: a zero byte cannot stand in a text");
+              "TITLE: a text cannot contain a zero byte");
 }
 
 TEST(Usage, ATitleThatIsNotUtf8IsRefused) {
@@ -130,7 +130,7 @@ TEST(Usage, TheNearestVerbAndOptionAreNamed) {
     EXPECT_EQ(ComplaintAbout({"drag", "1,2", "3,4", "--frobnicate"}),
               "there is no option '--frobnicate'");
     EXPECT_EQ(ComplaintAbout({"--frobnicate"}), "there is no option '--frobnicate'");
-    EXPECT_EQ(ComplaintAbout({"value", "1", "2"}), "'2' is one word too many");
+    EXPECT_EQ(ComplaintAbout({"value", "1", "2"}), "unexpected argument '2'");
 }
 
 TEST(Usage, ElementsAreNumbersOrIdentifiers) {
