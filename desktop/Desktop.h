@@ -59,8 +59,7 @@ class Desktop {
     // Seconds until something is due; none when nothing is.
     std::optional<double> NextDue() const { return schedule_.NextDue(); }
 
-    // Called whenever another application (or none) comes to the front. Returns a number for
-    // Unsubscribe.
+    // Called whenever the front application changes. Returns a number for Unsubscribe.
     int Subscribe(std::function<void(const desktop_link::Notification&)> listener);
     void Unsubscribe(int subscription);
 

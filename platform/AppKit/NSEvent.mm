@@ -4,7 +4,7 @@
 
 @implementation NSEvent
 
-// Without a screen the height to count from is 0, as for NSScreen's users.
+// Without a screen the height is 0, as it is for callers that ask NSScreen.
 + (NSPoint)mouseLocation {
     const application_services::Pointer pointer = application_services::CurrentPointer();
     const double height = pointer.firstScreen ? pointer.firstScreen->size.height : 0;

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Retained; nil for no text and for text that is no UTF-8.
+// Retained; nil without a text and for text that is not UTF-8.
 NSString* CreateString(const std::optional<std::string>& text) {
     if (!text) {
         return nil;
@@ -17,7 +17,7 @@ NSString* CreateString(const std::optional<std::string>& text) {
         static_cast<CFIndex>(text->size()), kCFStringEncodingUTF8, false);
 }
 
-// Retained; nil for no path.
+// Retained; nil without a path.
 NSURL* CreateBundleURL(const std::optional<std::string>& path) {
     NSString* string = CreateString(path);
     NSURL* url = nil;

@@ -63,7 +63,7 @@ void FrontApplicationChanged(const std::optional<desktop_link::Application>& act
     return _frontmostApplication;
 }
 
-// Nothing is autoreleased here: nobody may drain it.
+// Nothing is autoreleased here: there may be no pool to drain.
 - (void)announceActivationOf:(const desktop_link::Application&)application {
     NSRunningApplication* activated =
         desktop_link::FrontApplication() == application
@@ -83,7 +83,7 @@ void FrontApplicationChanged(const std::optional<desktop_link::Application>& act
 
 namespace {
 
-// Going to a state with nothing in front is no activation.
+// A change to a state with nothing in front is not an activation.
 void FrontApplicationChanged(const std::optional<desktop_link::Application>& activated) {
     if (activated) {
         [[NSWorkspace sharedWorkspace] announceActivationOf:*activated];

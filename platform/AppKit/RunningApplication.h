@@ -1,4 +1,4 @@
-// How this layer makes running applications.
+// How this layer creates running applications.
 #pragma once
 
 #import <AppKit/NSRunningApplication.h>

@@ -24,7 +24,7 @@ using platform_testing::EventCreationFails;
 @interface CGEventObject : NSObject {
   @public
     Event* _event;      // owned
-    BOOL _hasPosition;  // NO: it is where the pointer is, which is asked for when it matters
+    BOOL _hasPosition;  // NO: that of the pointer, which is requested when it is needed
 }
 @end
 
@@ -66,7 +66,7 @@ Event& EventOf(CGEventRef event) {
     return *((CGEventObject*)event)->_event;
 }
 
-// Nothing for a type that is no mouse event's.
+// Nothing for a type that is not a mouse event's.
 bool IsMouseType(CGEventType type) {
     switch (type) {
         case kCGEventLeftMouseDown:
@@ -167,7 +167,7 @@ CGEventRef CGEventCreateScrollWheelEvent(CGEventSourceRef source, CGScrollEventU
     va_list further;
     va_start(further, wheel1);
     for (std::uint32_t axis = 1; axis < wheelCount; ++axis) {
-        // The analyzer overlooks va_start in Objective-C++.
+        // The analyzer does not recognise va_start in Objective-C++.
         // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
         EventOf(event).wheels.push_back(va_arg(further, std::int32_t));
     }

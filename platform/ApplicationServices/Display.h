@@ -1,4 +1,4 @@
-// Screens and pointer, asked of the desktop anew each time. Global display coordinates, origin at
+// Screens and pointer, requested from the desktop each time. Global display coordinates, origin at
 // the top left of the first screen.
 #pragma once
 

@@ -16,10 +16,10 @@ AXUIElementRef CreateElement(const desktop_link::ElementReference& reference);
 // Of real elements only.
 desktop_link::ElementReference ReferenceOf(AXUIElementRef element);
 
-// The element that stands for the whole system, and for no control.
+// The element that represents the whole system rather than a control.
 bool IsSystemWide(AXUIElementRef element);
 
-// Seconds that a call on this very object waits for its answer.
+// Seconds that a call on this object waits for its answer.
 double TimeoutOf(AXUIElementRef element);
 
 }  // namespace application_services

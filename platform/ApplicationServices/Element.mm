@@ -7,7 +7,7 @@
 #include "platform/CoreFoundation/CFRuntime.h"
 #include "platform/DesktopLink/Session.h"
 
-// Immutable but for its time-out, which belongs to the object and not to the control.
+// Immutable except for its time-out, which belongs to the object and not to the control.
 @interface AXUIElementObject : NSObject <NSCopying> {
   @public
     uint64_t _identifier;

@@ -25,14 +25,14 @@ struct Answer {
     Reply reply;
 };
 
-// The system-wide element is here for its time-out only: it has no attributes and no actions.
+// The system-wide element exists for its time-out only: it has no attributes and no actions.
 AXError ErrorOfSystemWide(Operation operation) {
     return operation == Operation::performAction ? kAXErrorActionUnsupported
                                                  : kAXErrorAttributeUnsupported;
 }
 
-// One exchange. The desktop answers a process id that no application has like a destroyed element;
-// without a desktop nobody is trusted.
+// One exchange. The desktop treats a process id that no application has like a destroyed element;
+// without a desktop no process is trusted.
 Answer Ask(AXUIElementRef element, Request& request) {
     if (application_services::IsSystemWide(element)) {
         return {ErrorOfSystemWide(request.operation), {}};
@@ -77,7 +77,7 @@ AXError CopyNames(Operation operation, AXUIElementRef element, CFArrayRef* names
     return answer.error;
 }
 
-// The attribute's value, once there is one to be had.
+// The attribute's value, if there is one.
 AXError ValueIn(const Answer& answer, const Value*& value) {
     if (answer.error != kAXErrorSuccess) {
         return answer.error;
@@ -165,7 +165,7 @@ AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRe
             }
         }
     }
-    // Handed on as the application answered it: there are some that answer fewer.
+    // Passed on as the application answered: some applications return fewer values.
     *values = CreateArray(found);
     return kAXErrorSuccess;
 }

@@ -252,7 +252,7 @@ std::optional<std::string> Encoded(CFStringRef string) {
     return text;
 }
 
-// Constant strings never die, and a program has only as many as its source does. Nearly every name
+// Constant strings are never freed, and a program has only those of its source. Nearly every name
 // that is sent is one.
 const std::optional<std::string>& TextOfConstant(CFStringRef string) {
     static auto* texts = new std::unordered_map<CFStringRef, std::optional<std::string>>;

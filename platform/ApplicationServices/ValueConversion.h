@@ -1,4 +1,4 @@
-// Between the values of the desktop link and Core Foundation objects.
+// Conversion between the values of the desktop link and Core Foundation objects.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -11,13 +11,13 @@
 
 namespace application_services {
 
-// The caller releases it. Null for text that is no UTF-8 and for nesting beyond reason; inside an
+// The caller releases it. Null for text that is not UTF-8 and for excessive nesting; inside an
 // array an AXValue of kAXErrorFailure stands for such a value, and a dictionary leaves it out.
 CFTypeRef CreateObject(const desktop_link::Value& value);
 
 CFArrayRef CreateArray(std::span<const desktop_link::Value> values);
 
-// Nothing for objects that cannot be sent to an application, and for nesting beyond reason.
+// Nothing for objects that cannot be sent to an application, and for excessive nesting.
 std::optional<desktop_link::Value> ValueOf(CFTypeRef object);
 
 // UTF-8. Nothing for null, for objects of other types and for unpaired surrogates.

@@ -1,4 +1,4 @@
-// The constant objects. They are made with the runtime's C functions, from classes of the
+// The constant objects. They are created with the runtime's C functions, from classes of the
 // Foundation library alone: that library is complete before this one's first initialiser runs,
 // whereas the selectors of this library's own Objective-C files may not be registered yet.
 #include <CoreFoundation/CFArray.h>

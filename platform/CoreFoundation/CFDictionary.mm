@@ -25,7 +25,7 @@ const void* CopyString(CFAllocatorRef allocator, const void* value) {
     return CFStringCreateCopy(allocator, static_cast<CFStringRef>(value));
 }
 
-// Null for a dictionary that Foundation made.
+// Null for a dictionary that Foundation created.
 CallbackDictionary* Ours(CFTypeRef dictionary, const char* function) {
     id object = Require(dictionary, function);
     return [object isKindOfClass:[CallbackDictionary class]] ? (CallbackDictionary*)object : nil;

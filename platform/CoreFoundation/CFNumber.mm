@@ -94,8 +94,8 @@ SInt64 IntegerFor(const NumberValue& value, CFNumberType type) {
                                        : core_foundation::Truncated<SInt32>(value.real);
 }
 
-// Whether an integer survives. One that fits unsigned passes for 8 and 16 bits, though it comes out
-// negative: so does Core Foundation.
+// Whether an integer survives. For 8 and 16 bits one that fits unsigned does, though it comes out
+// negative, as in Core Foundation.
 template <typename Integer>
 bool Survives(SInt64 integer) {
     using Widest = std::conditional_t<(sizeof(Integer) < sizeof(SInt32)),

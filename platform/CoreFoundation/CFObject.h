@@ -1,5 +1,5 @@
 // Core Foundation types that are implemented in C++. The Foundation object that a reference points
-// to is a thin shell around the C++ object; both live and die together.
+// to is a thin wrapper around the C++ object; both have the same lifetime.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -12,7 +12,7 @@
 namespace core_foundation {
 
 // A derived class names its type by a static member `TypeID()` as well. It is made with `new`, with
-// one reference that belongs to whoever made it, and deleted by the last Release(). Any thread.
+// one reference that belongs to its creator, and deleted by the last Release(). Any thread.
 class Object {
   public:
     Object(const Object&) = delete;
@@ -26,15 +26,15 @@ class Object {
     void Release();
     long References() const { return references_.load(std::memory_order_relaxed); }
 
-    // Retains unless the last reference is gone already. For finding an object through a pointer
+    // Retains unless the last reference has been released. For finding an object through a pointer
     // that does not keep it alive; such a pointer is cleared in Finalize().
     bool TryRetain();
 
   protected:
     Object();
 
-    // The last reference is gone. The object may still be handed to callbacks, which may retain and
-    // release it.
+    // The last reference has been released. The object may still be passed to callbacks, which may
+    // retain and release it.
     virtual void Finalize() {}
 
   private:

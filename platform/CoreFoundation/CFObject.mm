@@ -37,8 +37,8 @@
 namespace core_foundation {
 namespace {
 
-// Added to the count of an object whose last reference is gone: what callbacks retain and release
-// from then on never reaches zero again.
+// Added to the count of an object whose last reference was released: retains and releases by
+// callbacks never bring it to zero again.
 constexpr long kFinalizing = 1L << 40;
 
 }  // namespace

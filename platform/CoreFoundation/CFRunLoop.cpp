@@ -44,7 +44,7 @@ void CFRunLoopAddCommonMode(CFRunLoopRef rl, CFRunLoopMode mode) {
 }
 
 void CFRunLoopRun(void) {
-    constexpr CFTimeInterval kForEver = 1e10;  // more than the clock counts
+    constexpr CFTimeInterval kForEver = 1e10;  // longer than the clock can count
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, kForEver, false);
 }
 

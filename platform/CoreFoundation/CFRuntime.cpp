@@ -9,7 +9,7 @@ namespace {
 
 struct TypeRegistry {
     std::mutex mutex;
-    std::vector<const char*> names{nullptr};  // 0 is no type
+    std::vector<const char*> names{nullptr};  // 0 is not a type
 };
 
 // Never destroyed: objects may be asked for their type while the process ends.

@@ -1,7 +1,7 @@
-// What the platform layer's own files need beside the public headers: type ids, and the stop that a
-// programming error meets.
+// What the platform layer's own files need besides the public headers: type ids, and the failure
+// for programming errors.
 //
-// A class that is a Core Foundation type of its own registers its id once and answers it:
+// A class that is a separate Core Foundation type registers its id once and returns it:
 //
 //     CFTypeID AXUIElementGetTypeID(void) {
 //         static const CFTypeID type = core_foundation::RegisterType("AXUIElement");
@@ -20,7 +20,7 @@
 
 namespace core_foundation {
 
-// A new type id. The name is what CFCopyTypeIDDescription answers; it must live for ever. Any
+// A new type id. The name is what CFCopyTypeIDDescription returns; it must be permanent. Any
 // thread.
 CFTypeID RegisterType(const char* name);
 
@@ -46,8 +46,8 @@ Object* Require(CFTypeRef reference, const char* function) {
 
 #ifdef __OBJC__
 @interface NSObject (CFRuntime)
-// The id of this object's Core Foundation type. Foundation objects that are none of the layer's
-// types share the id "CFType".
+// The id of this object's Core Foundation type. Foundation objects of types that are not the
+// layer's share the id "CFType".
 - (CFTypeID)cfTypeID;
 @end
 #endif

@@ -41,7 +41,7 @@
     _status = kCFStreamStatusError;
 }
 
-// O_NONBLOCK: to open a pipe that nobody writes to must not stop the caller.
+// O_NONBLOCK: opening a pipe without a writer must not block the caller.
 - (BOOL)open {
     if (_status != kCFStreamStatusNotOpen) {
         return NO;

@@ -30,7 +30,7 @@ CFStringRef StringOf(Bytes bytes, CFStringEncoding encoding) {
     return units ? (CFStringRef)core_foundation::NewString(*units) : nullptr;
 }
 
-// UTF-16 from elsewhere says its byte order with a mark, and is big-endian without one.
+// UTF-16 from elsewhere has its byte order in a mark, and is big-endian without one.
 CFStringRef StringOfExternal(Bytes bytes, CFStringEncoding encoding) {
     if (encoding == kCFStringEncodingUTF16) {
         if (StartsWith(bytes, {0xFF, 0xFE})) {
@@ -123,7 +123,7 @@ CFIndex CFStringGetBytes(CFStringRef theString, CFRange range, CFStringEncoding 
     }
     while (more && !rest.empty()) {
         const EncodedCharacter encoded = core_foundation::EncodeFront(rest, encoding);
-        // An unpaired surrogate has no place in UTF-8, not even as a loss.
+        // UTF-8 has no form for an unpaired surrogate, not even a lossy one.
         const bool lost = encoded.size == 0 && lossByte != 0 && encoding != kCFStringEncodingUTF8;
         more = lost ? output.Put(&lossByte, 1)
                     : encoded.size > 0 && output.Put(encoded.bytes, encoded.size);

@@ -28,7 +28,7 @@ std::string PercentEscaped(std::string_view path) {
     return escaped;
 }
 
-// With one slash at the end for a folder, and none for a file; the root is a slash either way.
+// With one slash at the end for a folder and none for a file; the root is a slash in both cases.
 std::string WithEnding(std::string path, bool isDirectory) {
     while (path.size() > 1 && path.back() == '/') {
         path.pop_back();

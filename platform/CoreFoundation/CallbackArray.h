@@ -1,4 +1,4 @@
-// The array behind CFArrayCreate and CFArrayCreateMutable: values under the callbacks it was made
+// The array behind CFArrayCreate and CFArrayCreateMutable: values with the callbacks it was created
 // with, an NSArray for Foundation.
 #pragma once
 

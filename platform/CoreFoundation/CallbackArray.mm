@@ -158,7 +158,7 @@ struct CallbackArrayStorage {
     return _storage->values.size();
 }
 
-// Values that are no objects cannot describe themselves.
+// Values that are not objects cannot describe themselves.
 - (NSString*)descriptionWithLocale:(id)locale indent:(NSUInteger)level {
     if (_storage->callBacks.copyDescription == CFCopyDescription) {
         return [super descriptionWithLocale:locale indent:level];

@@ -1,5 +1,5 @@
-// The dictionary behind CFDictionaryCreate and CFDictionaryCreateMutable: keys and values under the
-// callbacks it was made with, an NSDictionary for Foundation.
+// The dictionary behind CFDictionaryCreate and CFDictionaryCreateMutable: keys and values with the
+// callbacks it was created with, an NSDictionary for Foundation.
 #pragma once
 
 #import <Foundation/Foundation.h>

@@ -21,7 +21,7 @@ struct CallbackDictionaryStorage {
     Map map{0, KeyHash{keyCallBacks.hash}, KeyEqual{keyCallBacks.equal}};
 };
 
-// Walks the keys that were there when it was made.
+// Iterates over the keys that were there when it was created.
 @interface CallbackDictionaryKeyEnumerator : NSEnumerator {
     std::vector<const void*>* _keys;
     NSUInteger _next;
@@ -90,7 +90,7 @@ struct CallbackDictionaryStorage {
     return YES;
 }
 
-// An equal key takes the place of the old one: so it is in Core Foundation.
+// An equal key replaces the old one, as in Core Foundation.
 - (void)replace:(Map::iterator)found key:(const void*)key value:(const void*)value {
     const auto [oldKey, oldValue] = *found;
     const void* const ownKey = Retained(_storage->keyCallBacks, key);
@@ -168,7 +168,7 @@ struct CallbackDictionaryStorage {
     return [[[CallbackDictionaryKeyEnumerator alloc] initWithDictionary:self] autorelease];
 }
 
-// The place of the walk is kept in the state, where there is room for an iterator.
+// The position is kept in the state, which has room for an iterator.
 - (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
                                   objects:(id*)objects
                                     count:(NSUInteger)count {
@@ -210,7 +210,7 @@ struct CallbackDictionaryStorage {
     return _storage->map.size();
 }
 
-// Keys and values that are no objects cannot describe themselves.
+// Keys and values that are not objects cannot describe themselves.
 - (NSString*)descriptionWithLocale:(id)locale indent:(NSUInteger)level {
     if (_storage->keyCallBacks.copyDescription == CFCopyDescription &&
         _storage->valueCallBacks.copyDescription == CFCopyDescription) {

@@ -15,7 +15,7 @@ bool IsMark(UChar32 character) {
     return u_hasBinaryProperty(character, UCHAR_GRAPHEME_EXTEND);
 }
 
-// Core Foundation takes characters apart by its set of decomposable characters, which holds no
+// Core Foundation decomposes characters by its set of decomposable characters, which has no
 // Hangul syllables.
 bool IsHangulSyllable(UChar32 character) {
     return u_getIntPropertyValue(character, UCHAR_HANGUL_SYLLABLE_TYPE) >= U_HST_LV_SYLLABLE;
@@ -36,8 +36,8 @@ void AppendDecomposed(UChar32 character, std::u32string& decomposed) {
     }
 }
 
-// Takes the character at the front, with the marks after it, off the text. An unpaired surrogate is
-// a character of its own.
+// Removes the character at the front, with the marks after it, from the text. An unpaired surrogate
+// is a character of its own.
 std::u32string TakeCluster(std::u16string_view& text) {
     std::u32string cluster;
     std::size_t end = 0;
@@ -50,7 +50,7 @@ std::u32string TakeCluster(std::u16string_view& text) {
         AppendDecomposed(character, cluster);
     }
     text.remove_prefix(end);
-    // Marks of one class keep their order; no order is defined for what has class 0.
+    // Marks of one class keep their order; none is defined for class 0.
     const auto isBase = [](char32_t c) {
         return u_getCombiningClass(static_cast<UChar32>(c)) == 0;
     };

@@ -17,8 +17,8 @@ struct FoundText {
     std::size_t length;    // may differ from the length of the text that was looked for
 };
 
-// The first place of a text that is not empty. A place that ends between a letter and its marks, or
-// inside a composed character, is none.
+// The first occurrence of a text that is not empty. One that ends between a letter and its marks,
+// or inside a composed character, does not count.
 std::optional<FoundText> FindCanonically(std::u16string_view text, std::u16string_view wanted);
 
 }  // namespace core_foundation

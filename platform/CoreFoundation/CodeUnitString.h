@@ -1,4 +1,4 @@
-// A string of any code units at all. GNUstep makes no string of unpaired surrogates, and takes a
+// A string of arbitrary code units. GNUstep cannot represent unpaired surrogates, and takes a
 // leading U+FEFF for a byte-order mark; to Core Foundation both are text.
 #pragma once
 

@@ -1,5 +1,5 @@
 // The strings behind CFSTR. They are built as the compiler builds @"…", without a message, so that
-// they are there for every initialiser.
+// they exist before every initialiser.
 #include <CoreFoundation/CFString.h>
 #include <objc/runtime.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-// The layout of NSConstantString, which the compiler relies on as well.
+// The layout of NSConstantString, on which the compiler relies as well.
 struct ConstantString {
     Class isa;
     const char* text;     // UTF-8
@@ -18,7 +18,7 @@ struct ConstantString {
 
 struct Table {
     std::mutex mutex;
-    std::unordered_map<std::string, ConstantString> strings;  // its elements never move
+    std::unordered_map<std::string, ConstantString> strings;  // elements never move
 };
 
 // Never destroyed: constant strings are immortal.

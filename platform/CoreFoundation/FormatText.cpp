@@ -14,7 +14,7 @@ std::u16string_view Position(std::u16string_view conversion) {
 std::u16string Conversion(std::u16string_view before, char16_t conversion) {
     std::u16string text = u"%";
     const std::u16string_view position = Position(before);
-    // A width that is an argument has to be taken off the arguments.
+    // A width that is an argument has to be consumed.
     if (conversion == u'@' && before.find(u'*') == std::u16string_view::npos) {
         text += position;
     } else if (conversion == u'p' && before == position) {
@@ -39,7 +39,7 @@ std::u16string FormatForGNUstep(std::u16string_view format) {
         format.remove_prefix(plain + 1);
         const std::size_t end = format.find_first_not_of(kBeforeConversion);
         if (end == std::u16string_view::npos) {
-            break;  // a conversion without its end makes nothing
+            break;  // an unfinished conversion produces nothing
         }
         const std::u16string_view before = format.substr(0, end);
         const char16_t conversion = format[end];

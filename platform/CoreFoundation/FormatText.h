@@ -1,4 +1,4 @@
-// Formats as GNUstep is to read them.
+// Formats converted for GNUstep.
 #pragma once
 
 #include <string>
@@ -6,9 +6,9 @@
 
 namespace core_foundation {
 
-// The format that makes of the same arguments with GNUstep what `format` makes with Core
+// The format with which GNUstep produces from the same arguments what `format` produces with Core
 // Foundation: the width and precision of %@ are left out, and so is the beginning of a conversion
-// that does not exist, of which Core Foundation writes the last character. %p writes null as 0x0.
+// that does not exist, whose last character Core Foundation writes. %p writes null as 0x0.
 std::u16string FormatForGNUstep(std::u16string_view format);
 
 }  // namespace core_foundation

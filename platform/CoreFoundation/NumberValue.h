@@ -1,4 +1,4 @@
-// The value of a number, free of the class that holds it.
+// The value of a number, independent of the class that holds it.
 #pragma once
 
 #include <CoreFoundation/CFNumber.h>
@@ -20,7 +20,7 @@ struct NumberValue {
 
 NumberValue ValueOf(NSNumber* number);
 
-// Toward zero. What does not fit into the integer, NaN included, gives the least integer, as the
+// Toward zero. A value that does not fit into the integer, or NaN, gives the least integer, as the
 // processor's own instruction does.
 template <typename Integer>
 Integer Truncated(double real) {
@@ -30,7 +30,7 @@ Integer Truncated(double real) {
                                               : std::numeric_limits<Integer>::min();
 }
 
-// Equal means the very same number: an integer equals a real only if that is exactly it, 0 does not
+// Equal means exactly the same number: an integer equals a real only if both are exact, 0 does not
 // equal -0, and NaN equals NaN.
 bool SameNumber(const NumberValue& first, const NumberValue& second);
 

@@ -132,7 +132,7 @@ void RunLoop::Place(Timer& timer, Mode& mode) {
     mode.timers.emplace_back(&timer);
 }
 
-// The lower the order, the earlier it is told; of equal ones the earlier added.
+// Those of lower order are called earlier; of equal ones, those added earlier.
 void RunLoop::Place(Observer& observer, Mode& mode) {
     const auto place =
         std::upper_bound(mode.observers.begin(), mode.observers.end(), observer.Order(),

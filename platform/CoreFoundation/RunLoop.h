@@ -19,14 +19,14 @@
 
 namespace run_loop {
 
-// Guards what is in which mode of which loop, in the whole process. It is never held while a
-// callback runs, while a loop waits or while anything is released.
+// Guards which items are in which mode of which loop, in the whole process. It is never held while
+// a callback runs, while a loop waits or while anything is released.
 std::mutex& StructureMutex();
 
 // The token of the descriptor that wakes the loop, in every poller.
 constexpr std::uint64_t kWakeToken = 0;
 
-// Whether this is the name that stands for the loop's common set, and is no mode itself.
+// Whether this is the name that stands for the loop's common set, which is not a mode itself.
 bool IsCommonModes(CFRunLoopMode mode);
 
 struct Mode {
@@ -38,7 +38,7 @@ struct Mode {
     CFRunLoopMode name;  // owned copy
     bool common = false;
     std::vector<Retained<Timer>> timers;
-    std::vector<Retained<Observer>> observers;  // in the order in which they are told
+    std::vector<Retained<Observer>> observers;  // in the order in which they are called
     std::vector<Retained<Source>> sources;
     std::unordered_map<std::uint64_t, DescriptorSource*> watchers;  // by the token of the watch
     Poller poller;
@@ -73,7 +73,7 @@ class RunLoop final : public core_foundation::Object {
     CFRunLoopRunResult Run(CFRunLoopMode modeName, CFTimeInterval seconds,
                            bool returnAfterSourceHandled);
 
-    // Runs the mode, even one that is empty, until `done` says so or the deadline has come.
+    // Runs the mode, even an empty one, until `done` returns true or the deadline has passed.
     // Stopping the loop does not end it. On the loop's own thread, as Run().
     void RunUntil(CFRunLoopMode modeName, Instant deadline, const std::function<bool()>& done);
 
@@ -104,7 +104,7 @@ class RunLoop final : public core_foundation::Object {
     Retained<Item> WithdrawCommonItem(Item& item);
 
   private:
-    // One run that is under way. Runs nest.
+    // One run in progress. Runs nest.
     struct Activation {
         Mode* mode;
         bool stopped = false;
@@ -133,20 +133,20 @@ class RunLoop final : public core_foundation::Object {
     CFRunLoopRunResult RunPasses(Mode& mode, const Activation& activation, CFTimeInterval seconds,
                                  bool returnAfterSourceHandled);
 
-    // One pass; the answer is whether a source was handled.
+    // One pass; returns whether a source was handled.
     bool Pass(Mode& mode, Instant deadline, bool poll, bool onlyOneSource);
 
-    // The steps of a pass, with the mutex not held; the answer is whether a source was handled.
+    // The steps of a pass, with the mutex not held; each returns whether a source was handled.
     bool PerformSignalledSources(Mode& mode, bool onlyOne);
     bool WaitAndPerform(Mode& mode, Instant deadline, bool poll);
     void FireTimers(Mode& mode);
     bool PerformReady(Mode& mode, const Poller::Readiness& readiness);
     static bool PerformBacklog(DescriptorSource& source);
-    // Waits, and tells the observers before and afterwards.
+    // Waits, and calls the observers before and afterwards.
     std::optional<Poller::Readiness> Wait(Mode& mode, Instant deadline);
     std::optional<Poller::Readiness> WaitUntil(Mode& mode, Instant until);
 
-    // The observers of the mode that are to be told, in their order. The mutex is not held.
+    // The observers of the mode that are to be called, in their order. The mutex is not held.
     using Observers = std::vector<Retained<Observer>>;
     static Observers ObserversOf(const Mode& mode, CFRunLoopActivity activity);
     static void Tell(const Observers& observers, CFRunLoopActivity activity);

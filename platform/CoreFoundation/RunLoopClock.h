@@ -14,7 +14,7 @@ constexpr Instant kNever = std::numeric_limits<Instant>::max();
 
 Instant Now();
 
-// An interval in seconds as nanoseconds; what is too long to count is kNever, and NaN is 0.
+// An interval in seconds as nanoseconds; kNever when it is too long to count, and 0 for NaN.
 std::int64_t Nanoseconds(CFTimeInterval seconds);
 
 // start + interval; kNever when that is too late to count. The start is not negative.
@@ -27,7 +27,7 @@ CFAbsoluteTime DateOf(Instant instant);
 // Real nanoseconds, whatever clock is installed.
 Instant MonotonicNow();
 
-// See platform/Testing/TestClock.h. While one is installed no time passes by itself.
+// See platform/Testing/TestClock.h. While one is installed, time does not pass by itself.
 void InstallTestClock(CFAbsoluteTime start);
 void RemoveTestClock();
 bool TestClockInstalled();

@@ -1,5 +1,5 @@
 // A kind of run-loop source that is performed when a descriptor is ready. For the platform layer's
-// own connections; drivers have no such thing.
+// own connections; not available to drivers.
 #pragma once
 
 #include <CoreFoundation/CFRunLoop.h>
@@ -16,12 +16,12 @@ enum class Presence {
 };
 
 // Called on the thread of the loop, once for every pass in which a watched descriptor is ready; it
-// may find nothing there, for the nested run of a callback may have been faster. `events` are those
-// of epoll(7). The descriptor is -1 when the call is for the source's backlog. The answer is
+// may find nothing there, since the nested run of a callback may have been faster. `events` are
+// those of epoll(7). The descriptor is -1 when the call is for the source's backlog. Returns
 // whether this counts as a handled source for CFRunLoopRunInMode.
 using ReadinessHandler = std::function<bool(int descriptor, std::uint32_t events)>;
 
-// The caller owns the source, puts it into modes with CFRunLoopAddSource and ends it with
+// The caller owns the source, adds it to modes with CFRunLoopAddSource and ends it with
 // CFRunLoopSourceInvalidate. The handler lives as long as the source.
 CFRunLoopSourceRef CreateDescriptorSource(CFIndex order, Presence presence,
                                           ReadinessHandler handler);
@@ -32,8 +32,8 @@ CFRunLoopSourceRef CreateDescriptorSource(CFIndex order, Presence presence,
 void Watch(CFRunLoopSourceRef source, int descriptor, std::uint32_t events);
 void Unwatch(CFRunLoopSourceRef source, int descriptor);
 
-// Says that the source has work left which no descriptor announces. The loop then does not wait and
-// calls the handler in turn with ready descriptors until there is no backlog any more.
+// Marks the source as having work left that no descriptor announces. The loop then does not wait
+// and calls the handler in turn with ready descriptors until there is no backlog.
 void SetBacklog(CFRunLoopSourceRef source, bool backlog);
 
 }  // namespace run_loop

@@ -1,4 +1,4 @@
-// An observer of a run loop: told of what the loop is about to do.
+// An observer of a run loop: called with what the loop is about to do.
 #pragma once
 
 #include <CoreFoundation/CFRunLoop.h>
@@ -28,18 +28,18 @@ class Observer final : public core_foundation::Object {
 
     CFIndex Order() const { return order_; }
     bool IsValid() const { return valid_; }
-    // Whether it is to be told of the activity: interested, and not being told already. It is in a
-    // mode, and therefore valid.
+    // Whether it is to be called for the activity: interested, and not being called already. It is
+    // in a mode, and therefore valid.
     bool Wants(CFRunLoopActivity activity) const {
         return !calling_ && (activities_ & activity) != 0;
     }
 
-    // Tells it of the activity, unless it has become invalid. One that does not repeat is invalid
-    // afterwards. Takes no lock and no memory but for that: a program's signal handler may run
-    // just before and just after the callout of an observer that repeats, and use the loop.
+    // Calls it for the activity, unless it has become invalid. One that does not repeat is invalid
+    // afterwards. Takes no lock and allocates nothing except for that: a program's signal handler
+    // may run just before and just after the callout of an observer that repeats, and use the loop.
     void Call(CFRunLoopActivity activity);
 
-    // Takes the observer out of its loop for good. The mutex is not held.
+    // Removes the observer from its loop permanently. The mutex is not held.
     void Invalidate();
 
     // Its one loop, and the modes of that loop it is in. Guarded by StructureMutex().

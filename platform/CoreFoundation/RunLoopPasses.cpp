@@ -1,6 +1,6 @@
 // How a run loop runs. One pass performs the signalled sources, waits, fires the timers that became
-// due, performs what became ready, and then asks whether the run is over. Observers are told before
-// each of these steps as Core Foundation tells them.
+// due, performs what became ready, and then checks whether the run is over. Observers are called
+// before each of these steps as in Core Foundation.
 #include <CoreFoundation/CFString.h>
 #include <sys/eventfd.h>
 
@@ -99,7 +99,7 @@ bool RunLoop::Pass(Mode& mode, Instant deadline, bool poll, bool onlyOneSource) 
     return signalled || ready;
 }
 
-// The main thread's loop can always be given work by the system in a common mode.
+// In a common mode, the system can always give work to the main thread's loop.
 bool RunLoop::IsEmpty(const Mode& mode) const {
     return !(isMain_ && mode.common) && mode.timers.empty() &&
            std::none_of(mode.sources.begin(), mode.sources.end(),
@@ -138,7 +138,7 @@ bool RunLoop::PerformSignalledSources(Mode& mode, bool onlyOne) {
     return handled;
 }
 
-// A backlog and ready descriptors take turns, so that neither keeps the other waiting. A pass with
+// A backlog and ready descriptors take turns, so that neither delays the other. A pass with
 // a backlog goes to wait like any other, as it would for a message that lies in a Mach port.
 bool RunLoop::WaitAndPerform(Mode& mode, Instant deadline, bool poll) {
     const auto backlogged = SourceWithBacklog(mode);
@@ -153,8 +153,8 @@ bool RunLoop::WaitAndPerform(Mode& mode, Instant deadline, bool poll) {
 }
 
 // From the return of the last observer before the wait to the call of the first one after it, this
-// takes no lock, no memory and gives none back: an observer may have let a signal in whose handler
-// uses the loop.
+// takes no lock and neither allocates nor frees: an observer may have unblocked a signal whose
+// handler uses the loop.
 std::optional<Poller::Readiness> RunLoop::Wait(Mode& mode, Instant deadline) {
     const Observers before = ObserversOf(mode, kCFRunLoopBeforeWaiting);
     Observers after = ObserversOf(mode, kCFRunLoopAfterWaiting);
@@ -288,7 +288,7 @@ void RunLoop::Stop() {
     WakeUp();
 }
 
-// A loop that is awake on its own thread looks at everything again before it waits.
+// A loop that is awake on its own thread checks everything again before it waits.
 void RunLoop::WakeUp() {
     if (!OnOwnThread()) {
         eventfd_write(wake_.get(), 1);

@@ -9,7 +9,7 @@
 namespace run_loop {
 namespace {
 
-// A span of time as the kernel wants it: no span at all for kNever.
+// A span of time for the kernel: no limit for kNever.
 class Span {
   public:
     explicit Span(std::int64_t nanoseconds) : isLimited_(nanoseconds != kNever) {
@@ -45,7 +45,7 @@ void Poller::Remove(int descriptor) {
 std::optional<Poller::Readiness> Poller::Wait(std::int64_t longest) {
     const Span span(longest);
     if (!epoll_) {
-        // The process had no descriptor left for this mode: its timers go on all the same.
+        // The process had no descriptor left for this mode: its timers work nevertheless.
         ppoll(nullptr, 0, span.Get(), nullptr);
         return std::nullopt;
     }

@@ -19,13 +19,13 @@ class Poller {
 
     Poller();
 
-    // Takes effect for a wait that is under way too. Any thread.
+    // Takes effect for a wait in progress, too. Any thread.
     void Add(int descriptor, std::uint32_t events, std::uint64_t token);
     void Change(int descriptor, std::uint32_t events, std::uint64_t token);
     void Remove(int descriptor);
 
     // Waits until a descriptor is ready, at most `longest` nanoseconds (kNever: for ever), and
-    // answers the one that has been ready for longest. Nothing when the time is over or a signal
+    // returns the one that has been ready for longest. Nothing when the time is over or a signal
     // arrived.
     std::optional<Readiness> Wait(std::int64_t longest);
 
@@ -37,7 +37,7 @@ class Poller {
 // meanwhile. With a test clock the time passes at once.
 bool WaitUntilWritable(int socket, Instant deadline);
 
-// Lets the time pass until `until`; with a test clock, until `last` at once.
+// Waits until `until`; with a test clock, advances it to `last` at once.
 void Sleep(Instant until, Instant last);
 
 }  // namespace run_loop

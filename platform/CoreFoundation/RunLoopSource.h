@@ -1,4 +1,4 @@
-// What the sources of a run loop have in common, and the two kinds there are.
+// The base of the sources of a run loop, and the two kinds.
 #pragma once
 
 #include <CoreFoundation/CFRunLoop.h>
@@ -28,17 +28,17 @@ class Source : public core_foundation::Object {
     CFIndex Order() const { return order_; }
     bool IsValid() const { return valid_; }
 
-    // Takes the source out of every loop for good. The mutex is not held.
+    // Removes the source from every loop permanently. The mutex is not held.
     void Invalidate();
 
     // Whether a mode with this source has something to wait for.
     virtual bool OccupiesMode() const { return true; }
 
-    // The source comes into a mode or leaves it; what it waits for is put into the mode's poller.
+    // The source enters a mode or leaves it; what it waits for is added to the mode's poller.
     virtual void Enter(Mode&) {}
     virtual void Leave(Mode&) {}
 
-    // A loop put the source into a mode, or took it out. The mutex is not held.
+    // A loop has added the source to a mode, or removed it. The mutex is not held.
     virtual void Scheduled(RunLoop&, CFRunLoopMode) {}
     virtual void Cancelled(RunLoop&, CFRunLoopMode) {}
 
@@ -81,7 +81,7 @@ class SignalledSource final : public Source {
 // Performed because a descriptor it watches is ready; see RunLoopDescriptorSource.h.
 class DescriptorSource final : public Source {
   public:
-    // The answer is whether this counts as a handled source.
+    // Returns whether this counts as a handled source.
     using Handler = std::function<bool(int descriptor, std::uint32_t events)>;
 
     DescriptorSource(CFIndex order, bool occupiesMode, Handler handler)

@@ -32,7 +32,7 @@ Timer::Timer(CFAbsoluteTime fireDate, CFTimeInterval interval, CFRunLoopTimerCal
     }
 }
 
-// Marks the timer as firing, and sets it up for its next date however the callback is left.
+// Marks the timer as firing, and sets its next date however the callback is left.
 class Timer::Firing {
   public:
     explicit Firing(Timer& timer) : timer_(timer) { timer_.firing_ = true; }

@@ -24,7 +24,7 @@ class Timer final : public core_foundation::Object {
         return static_cast<CFRunLoopTimerRef>(const_cast<void*>(Reference()));
     }
 
-    // interval <= 0: fires once. The date must not be NaN to mean anything but now.
+    // interval <= 0: fires once. A date of NaN means now.
     Timer(CFAbsoluteTime fireDate, CFTimeInterval interval, CFRunLoopTimerCallBack callout,
           const CFRunLoopTimerContext& context);
 
@@ -40,7 +40,7 @@ class Timer final : public core_foundation::Object {
     // Calls the timer if it is due at `now` and in the mode. The mutex is not held.
     void FireIfDue(const Mode& mode, Instant now);
 
-    // Takes the timer out of its loop for good. The mutex is not held.
+    // Removes the timer from its loop permanently. The mutex is not held.
     void Invalidate();
 
     // Its one loop, and the modes of that loop it is in.
@@ -51,7 +51,7 @@ class Timer final : public core_foundation::Object {
     class Firing;
 
     void Finalize() override { Invalidate(); }
-    // The first date of the grid that is not over yet, after one that is.
+    // The first date of the grid that has not passed yet, after one that has.
     Instant NextOnGrid(Instant date) const;
 
     bool Repeats() const { return interval_ > 0; }

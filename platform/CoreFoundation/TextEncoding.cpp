@@ -55,7 +55,7 @@ int ByteOf(char16_t unit, CFStringEncoding encoding) {
 }
 
 // The unit of a byte in an eight-bit encoding, or -1. Bytes beyond ASCII are read as ISO Latin 1
-// when ASCII is asked for: so does Core Foundation.
+// when ASCII is requested, as in Core Foundation.
 int UnitOf(std::uint8_t byte, CFStringEncoding encoding) {
     if (encoding == kCFStringEncodingMacRoman && byte >= 0x80) {
         return kMacRomanUpperHalf[byte - 0x80U];
@@ -72,7 +72,7 @@ struct Composition {
     std::uint8_t units = 1;  // how many it was made of
 };
 
-// The letter at the front with the combining marks after it, as far as they melt into one unit.
+// The letter at the front with the combining marks after it, as far as they compose to one unit.
 Composition ComposeFront(std::u16string_view text) {
     UErrorCode error = U_ZERO_ERROR;
     static const UNormalizer2* const normalizer = unorm2_getNFCInstance(&error);

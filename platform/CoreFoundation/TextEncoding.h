@@ -26,10 +26,10 @@ struct EncodedCharacter {
 // does.
 EncodedCharacter EncodeFront(std::u16string_view text, CFStringEncoding encoding);
 
-// The whole text; nothing when a character is lacking or the encoding is not supported.
+// The whole text; nothing when the encoding lacks a character or is not supported.
 std::optional<std::string> Encode(std::u16string_view text, CFStringEncoding encoding);
 
-// UTF-8 to be read by people: an unpaired surrogate becomes U+FFFD.
+// UTF-8 for people to read: an unpaired surrogate becomes U+FFFD.
 std::string EncodeForPeople(std::u16string_view text);
 
 // Nothing when the bytes are not text of that encoding. Byte-order marks are characters here.

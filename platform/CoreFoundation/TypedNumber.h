@@ -1,5 +1,5 @@
-// The number behind CFNumberCreate. Foundation's own numbers forget whether they were made from 8,
-// 16 or 32 bits.
+// The number behind CFNumberCreate. Foundation's own numbers do not record whether they were made
+// from 8, 16 or 32 bits.
 #pragma once
 
 #import <Foundation/Foundation.h>

@@ -38,7 +38,7 @@ std::optional<Object> ReadObject(const json& entry) {
     return object;
 }
 
-// The entries of an array member that `read` makes something of.
+// The entries of an array member for which `read` returns something.
 template <typename Read>
 auto ReadList(const json& owner, const char* member, Read read) {
     std::vector<typename decltype(read(owner))::value_type> entries;
@@ -70,7 +70,7 @@ std::optional<Device> ReadDevice(const json& entry) {
     return Device{*object, ReadList(entry, "entities", ReadEntity)};
 }
 
-// As the system remembers it: with all it had when it was last there.
+// As the system remembers it: with everything it had when it was last online.
 Device OfflineDevice() {
     constexpr MIDIObjectRef kFirst = 0x7FFFFF00;
     const auto object = [](MIDIObjectRef number, const char* name) {

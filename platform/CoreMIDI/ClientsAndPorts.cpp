@@ -1,4 +1,4 @@
-// Clients and ports are bookkeeping of this process. What the desktop learns is that a source was
+// Clients and ports are local to this process. The desktop is told only that a source was
 // connected; it sends no MIDI data, so read procedures and notification procedures are never
 // called.
 #include <CoreMIDI/MIDIServices.h>
@@ -25,7 +25,7 @@ struct Port {
 struct Registry {
     std::set<MIDIClientRef> clients;
     std::map<MIDIPortRef, Port> ports;
-    MIDIObjectRef last = 0x80000000;  // apart from the references of the bus
+    MIDIObjectRef last = 0x80000000;  // distinct from the references of the bus
 
     MIDIObjectRef NewReference() { return ++last; }
 };

@@ -1,6 +1,6 @@
 #include <CoreServices/CoreServices.h>
 
-// The system's own documentation leaves malformed texts open; 0 is "no code" throughout it.
+// The system's documentation does not define malformed texts; 0 means "no code" throughout it.
 OSType UTGetOSTypeFromString(CFStringRef inString) {
     constexpr CFIndex kLength = 4;
     UInt8 characters[kLength] = {};

@@ -6,7 +6,7 @@
 #include "platform/DesktopLink/Messages.h"
 
 // Every message is an array of its fields in the order of their declaration. An optional field that
-// is not there, and an event that says nothing, are nil.
+// is missing, and an empty event, are nil.
 
 namespace desktop_link {
 

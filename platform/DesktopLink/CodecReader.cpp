@@ -11,7 +11,7 @@
 
 namespace desktop_link {
 
-// Collects the items of a message; answering false stops the parser.
+// Collects the items of a message; returning false stops the parser.
 struct CodecVisitor : msgpack::null_visitor {
     using Kind = CodecReader::Kind;
 
@@ -178,7 +178,7 @@ Value CodecReader::ReadValue() {
     return ValueOf(Take());
 }
 
-// Recursion is as deep as the visitor let the message be.
+// Recursion is limited to the depth that the visitor accepted.
 Value CodecReader::ValueOf(const Item& item) {
     if (failed_) {
         return {};
@@ -226,7 +226,7 @@ Value CodecReader::ValueOf(const Item& item) {
 
 namespace {
 
-// Copies the fields out of an extension's content when its length is exactly theirs.
+// Copies the fields from an extension's content when its length is exactly theirs.
 template <typename... Field>
 bool Unpack(const char* content, std::size_t size, Field&... field) {
     if (size != (sizeof(Field) + ...)) {

@@ -1,7 +1,7 @@
 // Reads one MessagePack message item by item, trusting nothing in it.
 //
 // Every item costs at least one byte of the message, announced lengths and counts reserve nothing:
-// what is allocated is in proportion to the bytes that came. Once a read has failed, all later ones
+// what is allocated is in proportion to the bytes received. Once a read has failed, all later ones
 // fail too, so a decoder may check at its end.
 #pragma once
 
@@ -25,7 +25,7 @@ class CodecReader {
 
     // Takes an array of exactly this many items; they are read next.
     void ReadArray(std::size_t count);
-    // Takes an array of any length and answers it; its items are read next.
+    // Takes an array of any length and returns the length; its items are read next.
     std::size_t ReadArray();
 
     // Takes a nil if one is next.

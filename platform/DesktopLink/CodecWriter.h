@@ -25,12 +25,12 @@ class CodecWriter {
     void WriteText(const std::string& text);
     void WriteElement(const ElementReference& element);
     void WritePoint(const Point& point);
-    // What lies deeper than kDeepestValue is written as nil.
+    // Anything deeper than kDeepestValue is written as nil.
     void WriteValue(const Value& value) { WriteValue(value, 0); }
 
     std::vector<std::uint8_t> TakeBytes() { return std::move(bytes_); }
 
-    // What the packer calls.
+    // Called by the packer.
     void write(const char* bytes, std::size_t count);
 
   private:

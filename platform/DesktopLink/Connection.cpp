@@ -64,7 +64,7 @@ Connection::Outcome Connection::WaitAndRead(Deadline deadline) {
     return WaitFor(POLLIN, deadline) ? Read() : Outcome::late;
 }
 
-// Only on the descriptor: as on macOS, a call to another application does not run the run loop.
+// On the descriptor only: as on macOS, a call to another application does not run the run loop.
 bool Connection::WaitFor(short events, Deadline deadline) const {
     pollfd entry{socket_.get(), events, 0};
     for (;;) {

@@ -15,12 +15,12 @@ namespace desktop_link {
 
 using Deadline = std::chrono::steady_clock::time_point;
 
-// Never more than a day ahead; now for anything that is no positive number.
+// Never more than a day ahead; now for anything that is not a positive number.
 Deadline DeadlineAfter(double seconds);
 
 class Connection {
   public:
-    // Nothing when nobody listens.
+    // Nothing when there is no listener.
     static std::optional<Connection> Open(std::string_view name);
 
     int descriptor() const { return socket_.get(); }

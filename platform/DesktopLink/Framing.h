@@ -4,7 +4,7 @@
 //   1 byte   kind
 //   4 bytes  sequence number, least significant byte first
 //   rest     one message (see Messages.h)
-// A reply bears the sequence number of its request; a notification bears 0. Replies may come late,
+// A reply has the sequence number of its request; a notification has 0. Replies may come late,
 // even after later requests were sent: the process drops those it no longer waits for. The first
 // request of a connection is `hello`; notifications are sent only after its reply.
 #pragma once
@@ -40,7 +40,7 @@ std::vector<std::uint8_t> MakePayload(FrameKind kind, std::uint32_t sequence,
                                       std::span<const std::uint8_t> message);
 
 // Nothing when the payload is shorter than its header or of an unknown kind. The message inside is
-// not looked at.
+// not examined.
 std::optional<Frame> ParsePayload(std::span<const std::uint8_t> payload);
 
 }  // namespace desktop_link

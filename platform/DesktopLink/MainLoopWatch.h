@@ -1,5 +1,5 @@
-// Has the main run loop call, in its common modes, for whatever the connection to the desktop waits
-// for. As with the system's own connections, a loop with one has something to run for.
+// Makes the main run loop call back, in its common modes, for whatever the connection to the
+// desktop waits for. As with the system's own connections, it keeps a run of the loop going.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -12,7 +12,7 @@ namespace desktop_link {
 
 class MainLoopWatch {
   public:
-    // `woken` answers whether it delivered anything. It may destroy the watch.
+    // `woken` returns whether it delivered anything. It may destroy the watch.
     explicit MainLoopWatch(std::function<bool()> woken);
     ~MainLoopWatch();
     MainLoopWatch(const MainLoopWatch&) = delete;
@@ -22,7 +22,7 @@ class MainLoopWatch {
     void Watch(int descriptor);
     void Unwatch(int descriptor);
 
-    // Whether `woken` has more to deliver although nothing comes.
+    // Whether `woken` has more to deliver even if nothing arrives.
     void SetBacklog(bool backlog);
 
     // True when something happened in the session's folder since the last call.

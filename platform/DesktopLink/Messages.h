@@ -85,18 +85,18 @@ struct Reply {
     friend bool operator==(const Reply&, const Reply&) = default;
 };
 
-// Sent by the desktop without being asked.
+// Sent by the desktop without a request.
 struct Notification {
     std::optional<Application> activated;  // none: nothing is in front any more
     friend bool operator==(const Notification&, const Notification&) = default;
 };
 
 // Arrays and dictionaries of a value nest at most this deep. Decoding refuses a message with deeper
-// ones; encoding writes the null object in the place of what lies deeper.
+// ones; encoding writes the null object in place of anything deeper.
 inline constexpr std::size_t kDeepestValue = 64;
 
-// Encoding: MessagePack. Decoding answers nothing for bytes that are not exactly one well-formed
-// message, whatever they are; nothing is allocated beyond what the bytes warrant.
+// Encoding: MessagePack. Decoding returns nothing for bytes that are not exactly one well-formed
+// message; nothing is allocated beyond what the bytes justify.
 std::vector<std::uint8_t> Encode(const Request& request);
 std::vector<std::uint8_t> Encode(const Reply& reply);
 std::vector<std::uint8_t> Encode(const Notification& notification);

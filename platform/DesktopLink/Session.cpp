@@ -32,7 +32,7 @@ void SetFront(const std::optional<Application>& application) {
     ++Remembered().frontRevision;
 }
 
-// There is a handler: without it no notification is asked for.
+// There is a handler: without one no notification is requested.
 void Announce(const std::optional<Application>& activated) {
     Remembered().handler(activated);
 }

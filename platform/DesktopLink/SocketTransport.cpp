@@ -70,8 +70,8 @@ bool SocketTransport::Connect() {
     return connection_.has_value();
 }
 
-// Said once, though every exchange tries anew. A refused folder is not mentioned here: the message
-// ports say so.
+// Logged once, though every exchange tries again. A refused folder is not mentioned here: the
+// message ports log it.
 void SocketTransport::ReportPlanted() {
     std::string problem = local_socket::NameProblem(socketName_);
     if (!problem.empty() && problem != reported_) {
@@ -157,7 +157,7 @@ bool SocketTransport::Take(const Frame& frame, std::uint32_t sequence,
     }
     const bool ofHello = helloSequence_ != 0 && frame.sequence == helloSequence_;
     if (!ofHello && frame.sequence != sequence) {
-        return true;  // the answer to a call that gave up waiting
+        return true;  // the reply to a call that has stopped waiting
     }
     std::optional<Reply> reply = DecodeReply(frame.message.data(), frame.message.size());
     if (!reply) {
@@ -206,7 +206,7 @@ bool SocketTransport::MainLoopWoke() {
         TakeReceived(0);
         if (outcome == Connection::Outcome::closed && connection_) {
             Disconnect();
-            Connect();  // another desktop may have come already
+            Connect();  // another desktop may already be there
         }
     }
     if (watch_->SessionFolderChanged() && !connection_) {

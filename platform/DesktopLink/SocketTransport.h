@@ -40,22 +40,22 @@ class SocketTransport final : public Transport {
     std::optional<Reply> Await(std::uint32_t sequence, Deadline deadline);
     std::optional<Reply> AwaitSession(Deadline deadline);
 
-    // Takes every frame received so far; answers the reply to `sequence` when it is among them.
+    // Takes every frame received so far; returns the reply to `sequence` when it is among them.
     // Disconnects from a desktop that sends anything but well-formed frames.
     std::optional<Reply> TakeReceived(std::uint32_t sequence);
     bool Take(const Frame& frame, std::uint32_t sequence, std::optional<Reply>& awaited);
     void TakeSession(const Reply& reply);
 
-    // Hands what became the front application on to the main run loop.
+    // Passes a new front application on to the main run loop.
     void Queue(const std::optional<Application>& front);
     void AnnounceIfNews(const std::optional<Application>& front);
 
-    // Whether a notification was delivered: one at a time, as each is an event of its own.
+    // Whether a notification was delivered: one at a time, as each is a separate event.
     bool MainLoopWoke();
     bool DeliverNotification();
 
     std::string socketName_;
-    std::string reported_;  // what was last said to lie in the socket's place
+    std::string reported_;  // what was last logged as being in the socket's place
     std::optional<Connection> connection_;
     bool unreachable_ = false;
     std::uint32_t lastSequence_ = 0;

@@ -1,5 +1,5 @@
-// The one way out of a process to the desktop. The socket transport is made on first use; unit
-// tests put a desktop model of their own process in its place.
+// How a process reaches the desktop. The socket transport is created on first use; unit
+// tests replace it with a desktop model in their own process.
 #pragma once
 
 #include <functional>
@@ -19,7 +19,7 @@ class Transport {
     // the two apart.
     virtual std::optional<Reply> Exchange(const Request& request, double timeout) = 0;
 
-    // True when the last exchange found no desktop to ask.
+    // True when the last exchange found no desktop.
     virtual bool Unreachable() const = 0;
 
     // Called on the main thread's run loop, once per notification, in order. Null: notifications

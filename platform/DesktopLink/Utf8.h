@@ -5,7 +5,7 @@
 
 namespace desktop_link {
 
-// False for overlong forms, surrogates, numbers above U+10FFFF and torn sequences.
+// False for overlong forms, surrogates, numbers above U+10FFFF and truncated sequences.
 bool IsUtf8(std::string_view text);
 
 }  // namespace desktop_link

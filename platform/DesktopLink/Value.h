@@ -1,5 +1,5 @@
 // A value that crosses between a process and the desktop: what an accessibility attribute can hold,
-// free of any framework's types.
+// independent of any framework's types.
 #pragma once
 
 #include <cstdint>
@@ -39,7 +39,7 @@ struct Range {
     friend bool operator==(const Range&, const Range&) = default;
 };
 
-// An accessibility error in the place of a value (numbers as in AXError).
+// An accessibility error in place of a value (numbers as in AXError).
 struct ErrorValue {
     std::int32_t code = 0;
     friend bool operator==(const ErrorValue&, const ErrorValue&) = default;

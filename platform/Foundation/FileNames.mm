@@ -2,7 +2,7 @@
 // for them, and it is MacRoman here as on macOS.
 #import <Foundation/Foundation.h>
 
-// To replace the class's own methods is what this category is for.
+// The purpose of this category is to replace the class's own methods.
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
 
 @implementation NSFileManager (FileNames)

@@ -1,5 +1,5 @@
 // The constant objects of Foundation that Core Foundation shares. GNUstep counts references to them
-// like to any other object, so that one release too many would free them for everybody.
+// like those to any other object, so that one release too many would free them for everyone.
 #import <Foundation/Foundation.h>
 
 @interface NSIntNumber : NSNumber

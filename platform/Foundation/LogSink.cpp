@@ -16,7 +16,7 @@ struct Listeners {
     int next = 1;
 };
 
-// Never destroyed: objects that go while the process ends may log.
+// Never destroyed: objects that are destroyed while the process ends may log.
 Listeners& AllListeners() {
     static Listeners& listeners = *new Listeners;
     return listeners;

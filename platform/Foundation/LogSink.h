@@ -1,4 +1,4 @@
-// Where log lines go: stderr, and whoever listens.
+// Where log lines go: stderr, and the registered listeners.
 #pragma once
 
 #include <functional>
@@ -15,12 +15,12 @@ enum class Log {
 // `text` is the text as it was logged, without a prefix; it may or may not end in a newline.
 using LogListener = std::function<void(Log log, int priority, std::string_view text)>;
 
-// Answers a number to remove it by. The listener is called on the logging thread, one line at a
-// time, and must not log.
+// Returns a number with which to remove it. The listener is called on the logging thread, one line
+// at a time, and must not log.
 int AddLogListener(LogListener listener);
 void RemoveLogListener(int number);
 
-// Writes one line to stderr, ended by exactly one newline, and tells the listeners. Any thread.
+// Writes one line to stderr, ended by exactly one newline, and calls the listeners. Any thread.
 void WriteLogLine(Log log, int priority, const std::string& prefix, std::string_view text);
 
 }  // namespace foundation

@@ -1,5 +1,5 @@
 // GNUstep reads every text of bytes through GSToUnicode, also the %s of a format. Its MacRoman has
-// two characters wrong; this function takes its place and puts them right.
+// two characters wrong; this function replaces it and corrects them.
 #import <Foundation/Foundation.h>
 
 #include <GNUstepBase/Unicode.h>
@@ -19,7 +19,7 @@ BOOL GSToUnicode(unichar** dst, unsigned int* size, const unsigned char* src, un
     static const auto original =
         reinterpret_cast<decltype(&GSToUnicode)>(dlsym(RTLD_NEXT, "GSToUnicode"));
     const BOOL converted = original(dst, size, src, slen, enc, zone, options);
-    // Without a place to go only the length was asked for. Each byte is one unit.
+    // Without a destination, only the length is requested. Each byte is one unit.
     if (enc == NSMacOSRomanStringEncoding && converted && dst != nullptr) {
         for (unsigned int index = 0; index < slen; ++index) {
             if (src[index] == kIncrementByte) {

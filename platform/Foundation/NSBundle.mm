@@ -1,10 +1,10 @@
 #import "platform/CoreFoundation/Bundle/Bundle.h"
 
-// To replace the class's own methods is what this category is for.
+// The purpose of this category is to replace the class's own methods.
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
 
-// Foundation's bundles don't know the shape of a macOS bundle and remember what they once read.
-// What the driver asks of a bundle goes to our own; Foundation's others, made by -initWithPath: for
+// Foundation's bundles do not support the layout of macOS bundles and keep what they once read.
+// The driver's calls go to our own bundles; Foundation's others, made by -initWithPath: for
 // its own libraries, stay as they are.
 @implementation NSBundle (MacLayout)
 

@@ -1,4 +1,4 @@
-// NSLog, in the place of GNUstep's, which converts the text to the default C string encoding. The
+// NSLog, in place of GNUstep's, which converts the text to the default C string encoding. The
 // line on stderr is UTF-8, as on macOS.
 #import <Foundation/Foundation.h>
 

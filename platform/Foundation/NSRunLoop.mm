@@ -5,7 +5,7 @@
 // Replacing the method is the purpose of this category.
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
 
-// Foundation's run loop and Core Foundation's are the same one. GNUstep's own would neither know
+// Foundation's run loop and Core Foundation's are the same. GNUstep's own would neither support
 // the common modes nor return after a timer, and its timers are not those of CFRunLoopAddTimer.
 @implementation NSRunLoop (CoreFoundation)
 

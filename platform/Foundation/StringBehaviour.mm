@@ -1,4 +1,4 @@
-// What NSString does differently in GNUstep than on macOS, put right where the driver can tell.
+// Where NSString of GNUstep differs from macOS in a way that the driver can notice, corrected.
 //
 // Most string classes of GNUstep implement these methods for themselves, so that a category on
 // NSString alone would not reach them.
@@ -35,7 +35,7 @@ CFStringEncoding CoreFoundationEncoding(NSStringEncoding encoding) {
         case NSMacOSRomanStringEncoding:
             return kCFStringEncodingMacRoman;
         default:
-            return kCFStringEncodingInvalidId;  // the driver asks for none of the others
+            return kCFStringEncodingInvalidId;  // the driver uses none of the others
     }
 }
 
@@ -43,13 +43,13 @@ std::optional<std::string> Encoded(NSString* string, NSStringEncoding encoding) 
     return core_foundation::Encode(StringUnits(string).view(), CoreFoundationEncoding(encoding));
 }
 
-// GNUstep wraps around; macOS stays at the limits.
+// GNUstep wraps around; macOS clamps to the limits.
 int IntValue(NSString* self, SEL) {
     return core_foundation::LeadingInteger(StringUnits(self).view());
 }
 
-// GNUstep raises an exception for a character that the encoding lacks; macOS answers NO. What does
-// not fit is cut, with the answer NO: GNUstep's mutable strings fetch all but the last character of
+// GNUstep raises an exception for a character that the encoding lacks; macOS returns NO. What does
+// not fit is cut, with the result NO: GNUstep's mutable strings fetch all but the last character of
 // a constant string that way.
 BOOL GetCString(NSString* self, SEL, char* buffer, NSUInteger size, NSStringEncoding encoding) {
     if (size == 0) {
@@ -90,7 +90,7 @@ BOOL IsEqual(NSString* self, SEL selector, id other) {
 }
 
 // Canonical equivalence, or code units when NSLiteralSearch says so. Nil, which macOS leaves
-// undefined, comes before every text. Other options are GNUstep's affair.
+// undefined, comes before every text. Other options are left to GNUstep.
 NSComparisonResult CompareWithOptions(NSString* self, SEL, NSString* other,
                                       NSStringCompareOptions options) {
     if (other == nil) {
@@ -119,7 +119,7 @@ std::optional<core_foundation::FoundText> FindLiterally(std::u16string_view text
                : std::optional(core_foundation::FoundText{location, wanted.size()});
 }
 
-// Finds like the comparison. An empty text is found nowhere, where GNUstep finds it at 0.
+// Finds as the comparison does. An empty text is not found, whereas GNUstep finds it at 0.
 NSRange RangeWithOptions(NSString* self, SEL, NSString* wanted, NSStringCompareOptions options) {
     if (wanted == nil) {
         [NSException raise:NSInvalidArgumentException format:@"rangeOfString: nil argument"];
@@ -153,7 +153,7 @@ bool Inherits(Class type, Class ancestor) {
     return type == ancestor;
 }
 
-// Gives every class the function as a method of its own, also those that would inherit it: GNUstep
+// Adds the function as a method to every class, also those that would inherit it: GNUstep
 // adds methods to some of them later, and does not look up the ones they inherit again.
 template <typename Function>
 void ReplaceEverywhere(const std::vector<Class>& classes, SEL selector, Function* function) {

@@ -1,4 +1,4 @@
-// syslog, in the place of the C library's. The driver logs at priority 0, which the real log would
+// syslog, in place of the C library's. The driver logs at priority 0, which the real log would
 // broadcast to every terminal of the machine; here a line goes to stderr as "<priority> text".
 //
 // <syslog.h> is not included: it may define these functions inline.
@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kPriorityMask = 7;  // the rest of the number is the facility
 
-// The analyzer does not see that every caller has started `arguments`.
+// The analyzer does not see that every caller has initialized `arguments`.
 // NOLINTBEGIN(clang-analyzer-valist.Uninitialized)
 std::string Formatted(const char* format, va_list arguments) {
     va_list again;

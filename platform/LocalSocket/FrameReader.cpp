@@ -24,7 +24,7 @@ std::size_t AnnouncedLength(const std::uint8_t* bytes) {
 
 FrameReader::Status FrameReader::ReadFrom(int descriptor) {
     MakeRoom();
-    // What does not fit into the memory at hand lands in the spill, so that one read is enough for
+    // What does not fit into the available memory goes to the spill, so that one read is enough for
     // most frames although little memory is held for a peer that sends little.
     std::array<std::uint8_t, kSpillSize> spill;
     const std::size_t room = capacity_ - end_;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kLargestKeptCapacity = std::size_t{64} * 1024;
 
-// The bytes that were sent: 0 when none can be sent without blocking, negative when the peer is
+// The number of bytes sent: 0 when none can be sent without blocking, negative when the peer is
 // gone.
 ssize_t Send(int descriptor, iovec* parts, std::size_t partCount) {
     msghdr message{};
@@ -23,7 +23,7 @@ ssize_t Send(int descriptor, iovec* parts, std::size_t partCount) {
     do {
         count = sendmsg(descriptor, &message, MSG_NOSIGNAL | MSG_DONTWAIT);
     } while (count < 0 && errno == EINTR);
-    // A kernel that is short of memory for the moment is no reason to give the peer up.
+    // A temporary shortage of kernel memory is not a reason to drop the peer.
     if (count < 0 && (errno == EAGAIN || errno == ENOBUFS)) {
         return 0;
     }

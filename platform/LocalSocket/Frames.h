@@ -10,7 +10,7 @@
 
 namespace local_socket {
 
-// A payload together with the memory it lies in.
+// A payload together with its memory.
 struct OwnedPayload {
     std::unique_ptr<std::uint8_t[]> memory;
     std::span<const std::uint8_t> bytes;
@@ -23,9 +23,9 @@ class FrameReader {
 
     enum class Status { open, closed, oversized };
 
-    // One read of what is there, without blocking; what it leaves behind keeps the descriptor
-    // ready. Memory grows with the bytes that came, never with the announced length. The frames
-    // before the peer's end, and those before an oversized one, are still answered by Next() and
+    // One read of what is available, without blocking; what it leaves behind keeps the descriptor
+    // ready. Memory grows with the bytes received, never with the announced length. The frames
+    // before the peer's end, and those before an oversized one, are still returned by Next() and
     // Take().
     Status ReadFrom(int descriptor);
 
@@ -35,10 +35,10 @@ class FrameReader {
     // The next whole payload; valid until the next call of any member.
     std::optional<std::span<const std::uint8_t>> Next();
 
-    // The next whole payload in memory of its own. Nothing is copied when it came alone.
+    // The next whole payload in separate memory. Nothing is copied when it was received alone.
     std::optional<OwnedPayload> Take();
 
-    // Bytes that came and were not answered yet.
+    // Bytes that were received and not returned yet.
     std::size_t Buffered() const { return end_ - begin_; }
 
   private:
@@ -51,7 +51,7 @@ class FrameReader {
     std::size_t capacity_ = 0;
     std::size_t begin_ = 0;  // first byte of the next frame
     std::size_t whole_ = 0;  // end of the last whole frame
-    std::size_t end_ = 0;    // end of the bytes that came
+    std::size_t end_ = 0;    // end of the bytes received
 };
 
 // Bytes on their way to one peer. A peer that went away never raises SIGPIPE.
@@ -60,15 +60,15 @@ class FrameWriter {
     enum class Status { done, pending, closed };
 
     // Queues a frame whose payload is `head` and then `rest`, and sends what can be sent without
-    // blocking, in one call of the system when nothing was queued before. The queue has no limit of
-    // its own: its owner looks at Queued(). A payload that 32 bits cannot measure counts as closed.
+    // blocking, in one system call when nothing was queued before. The queue itself has no limit:
+    // its owner checks Queued(). A payload longer than 32 bits can express counts as closed.
     Status Write(int descriptor, std::span<const std::uint8_t> head,
                  std::span<const std::uint8_t> rest = {});
-    // Goes on sending what is queued.
+    // Continues to send what is queued.
     Status Flush(int descriptor);
     std::size_t Queued() const { return buffer_.size() - sent_; }
 
-    // Forgets the one frame that is queued, and answers true, unless a part of it has been sent:
+    // Discards the one frame that is queued, and returns true, unless a part of it has been sent:
     // the peer must then get the rest.
     bool TakeBack();
 

@@ -16,11 +16,11 @@
 namespace local_socket {
 namespace {
 
-// A socket is bound under this name and gets its own once it listens, so that nobody ever meets a
-// socket that refuses. No name maps to it; whoever holds the folder's lock may use it.
+// A socket is bound under this name and gets its own once it listens, so that no client ever finds
+// a socket that refuses. No name maps to it; the holder of the folder's lock may use it.
 constexpr char kUnfinishedFileName[] = "#binding";
 
-// Holds every other process of the session off the names of the folder. Nothing under it waits for
+// Keeps every other process of the session from the names of the folder. Nothing under it waits for
 // another process.
 class DirectoryLock {
   public:
@@ -40,7 +40,7 @@ Descriptor NewSocket() {
     return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
 }
 
-// 0 or the error of the connection's attempt.
+// 0 or the error of the attempt to connect.
 int ConnectTo(int socket, int directory, const std::string& fileName) {
     const SocketAddress address = AddressInDirectory(directory, fileName);
     return connect(socket, address.Get(), address.length) == 0 ? 0 : errno;
@@ -53,13 +53,13 @@ bool PeerIsSameUser(int socket) {
            credentials.uid == geteuid();
 }
 
-// Why a file under a name of the session is no socket that this user's processes could have left
-// there, or nothing. The kernel follows a link to a socket, and says of a file that is none the
-// same as of a socket that nobody serves.
+// Why a file under a name of the session is not a socket that this user's processes could have left
+// there, or nothing. The kernel follows a link to a socket, and reports for a file that is not one
+// the same as for a socket that no process serves.
 std::string PlantedFileProblem(int directory, const std::string& fileName) {
     struct stat status {};
     if (fstatat(directory, fileName.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-        return {};  // what keeps it from being looked at also keeps it from being used
+        return {};  // what prevents looking at it also prevents using it
     }
     const std::string path = SessionDirectoryPath() + "/" + fileName;
     if (S_ISLNK(status.st_mode)) {

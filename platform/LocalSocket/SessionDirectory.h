@@ -1,4 +1,4 @@
-// The folder that stands for the log-in session: every socket of the session lies in it.
+// The folder that represents the log-in session: it contains every socket of the session.
 #pragma once
 
 #include <string>
@@ -11,11 +11,11 @@ enum class IfMissing { make, leave };
 
 // Opens the session's folder. Without a descriptor in the result the folder is refused, and
 // `problem` holds one line that says why; it stays empty when the folder is merely missing and is
-// to be left so.
+// not to be created.
 //
 // The folder is $KRT9_SESSION_DIR if that is set, else $XDG_RUNTIME_DIR/krt9, else /tmp/krt9-UID.
-// It is refused unless it is a real folder (no symbolic link), owned by this user, with mode 0700.
-// `problem` is never null.
+// It is refused unless it is a real folder (not a symbolic link), owned by this user, with mode
+// 0700. `problem` is never null.
 Descriptor OpenSessionDirectory(IfMissing ifMissing, std::string* problem);
 
 // The same folder as a path, for messages.

@@ -1,4 +1,4 @@
-// Where the socket of a name lies inside the session's folder.
+// Where the socket of a name is in the session's folder.
 #pragma once
 
 #include <sys/socket.h>

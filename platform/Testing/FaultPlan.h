@@ -1,4 +1,4 @@
-// Which of the coming calls of some kinds are to fail.
+// Which of the next calls of some kinds are to fail.
 #pragma once
 
 #include <map>

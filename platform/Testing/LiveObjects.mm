@@ -15,7 +15,7 @@ struct Tally {
     std::unordered_map<Class, long> counts;
 };
 
-// Never destroyed: objects die until the process ends.
+// Never destroyed: objects are destroyed until the process ends.
 Tally& TheTally() {
     static Tally& tally = *new Tally;
     return tally;
@@ -27,7 +27,7 @@ void Count(Class type, long change) {
     tally.counts[type] += change;
 }
 
-// The pools are the machinery that frees the others: GNUstep keeps some for later.
+// The pools themselves are left out: GNUstep keeps some for later.
 bool IsMachinery(Class type) {
     return type == [NSAutoreleasePool class];
 }

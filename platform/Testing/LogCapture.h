@@ -1,4 +1,4 @@
-// What a test sees of the logs.
+// What a test captures of the logs.
 #pragma once
 
 #include <iosfwd>
@@ -22,8 +22,8 @@ struct LogLine {
 // So that a failed expectation shows the line.
 void PrintTo(const LogLine& line, std::ostream* stream);
 
-// Collects every line that NSLog and syslog get while it lives, of all threads, in order. The lines
-// go to stderr as well. Several captures may live at once.
+// Collects every line that NSLog and syslog get during its lifetime, of all threads, in order. The
+// lines go to stderr as well. Several captures may exist at once.
 class LogCapture {
   public:
     LogCapture();

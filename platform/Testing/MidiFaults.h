@@ -6,7 +6,7 @@ namespace platform_testing {
 
 enum class MidiCreation { client, inputPort, outputPort };
 
-// The n-th creation of that kind from now on (1: the next one) answers kMIDIServerStartErr.
+// The n-th creation of that kind from now on (1: the next one) returns kMIDIServerStartErr.
 // Failures add up until ForgetMidiFaults().
 void FailMidiCreation(MidiCreation kind, unsigned long nth);
 

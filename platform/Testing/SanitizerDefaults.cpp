@@ -1,11 +1,11 @@
-// Options for AddressSanitizer and LeakSanitizer, compiled in so that a test program says the same
-// wherever it is started. The Objective-C runtime keeps what it allocates while classes register;
-// only these functions are excused, so that a leaked object of our own is still seen.
+// Options for AddressSanitizer and LeakSanitizer, compiled in so that every run of a program has
+// them. The Objective-C runtime keeps what it allocates while classes register; only these
+// functions are suppressed, so that a leaked object of our own is still reported.
 
 extern "C" {
 
 const char* __asan_default_options() {
-    // Exact stacks, by which the runtime's own functions can be told from ours; no longer than that
+    // Exact stacks, which distinguish the runtime's own functions from ours; no longer than that
     // takes, since finding them is what most of the time goes into.
     return "fast_unwind_on_malloc=0:malloc_context_size=15";
 }

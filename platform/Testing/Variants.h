@@ -2,7 +2,7 @@
 // usual one; the programs that could notice run under it, too (scripts/variants).
 //
 // A process is under the variants that KRT9_PLATFORM_VARIANT names when it starts, separated by
-// commas; a name that is none ends it with status 2 and one line. A test may put itself under one.
+// commas; an unknown name ends it with status 2 and one line. A test may select one for itself.
 #pragma once
 
 #include <optional>
@@ -24,9 +24,9 @@ enum class Variant {
     // Bundles.
     freshBundleInfo,  // an information dictionary is read anew; usually once in a process's life
 
-    // Message ports: a switch, and no variant. Nothing of the driver could fail under it; the tests
+    // Message ports: a switch, not a variant. Nothing of the driver could fail under it; the tests
     // of a full socket need it.
-    longPortQueue,  // a port's queue takes whatever comes; usually 5 messages
+    longPortQueue,  // a port's queue takes any number of messages; usually 5
 
     // Accessibility.
     missingIsNull,   // in the array of a read of several attributes what is missing is kCFNull;
@@ -50,7 +50,7 @@ bool IsOn(Variant variant);
 
 std::optional<Variant> VariantNamed(std::string_view name);
 
-// Puts the process under the variant for the life of this object.
+// Puts the process under the variant for the lifetime of this object.
 class UnderVariant {
   public:
     explicit UnderVariant(Variant variant);

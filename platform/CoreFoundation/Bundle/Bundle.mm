@@ -19,7 +19,7 @@ NSString* PathString(const std::filesystem::path& path) {
                                                                        length:path.native().size()];
 }
 
-// The dictionary that a property list file holds; nil when there is none in it.
+// The dictionary in a property list file; nil when it holds none.
 NSDictionary* ReadDictionary(const std::filesystem::path& path) {
     const auto bytes = bundle::ReadFile(path);
     if (!bytes) {
@@ -39,7 +39,7 @@ NSString* StringForKey(NSDictionary* dictionary, NSString* key) {
     return [value isKindOfClass:[NSString class]] ? value : nil;
 }
 
-// Bundles by their paths: one for each, for the life of the process, and with it what was read.
+// Bundles by their paths: one for each, kept with what was read for the life of the process.
 NSMutableDictionary* Remembered() {
     static NSMutableDictionary* const bundles = [[NSMutableDictionary alloc] init];
     return bundles;
@@ -77,7 +77,7 @@ NSMutableDictionary* Remembered() {
 
 - (instancetype)initWithFolder:(std::filesystem::path)folder {
     // Not NSBundle's designated initialiser: that one registers the path for the whole process and
-    // answers with what it found there the first time.
+    // keeps returning what it found there the first time.
     self = [super init];
     _layout = new bundle::Layout(std::move(folder));
     return self;
@@ -146,7 +146,7 @@ NSMutableDictionary* Remembered() {
     return key != nil ? key : @"";
 }
 
-// Plural rules (".stringsdict") stand before plain strings; a plain string among them counts too.
+// Plural rules (".stringsdict") come before plain strings; a plain string among them counts too.
 - (NSString*)stringForKey:(NSString*)key inTable:(NSString*)table {
     if (key == nil) {
         return nil;

@@ -12,7 +12,7 @@ namespace {
 
 class OpenFile {
   public:
-    // O_NONBLOCK: a pipe that nobody writes to must not stop the caller.
+    // O_NONBLOCK: a pipe without a writer must not block the caller.
     explicit OpenFile(const std::filesystem::path& path)
         : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
     OpenFile(const OpenFile&) = delete;
@@ -23,7 +23,7 @@ class OpenFile {
         }
     }
 
-    // The length that a regular file claims to have; nothing for what is none or is too long.
+    // The length that a regular file claims to have; nothing for other files and for long ones.
     std::optional<std::size_t> ClaimedLength() const {
         struct stat status {};
         fstat(descriptor_, &status);  // leaves nothing there when the file could not be opened
@@ -34,7 +34,7 @@ class OpenFile {
         return static_cast<std::size_t>(status.st_size);
     }
 
-    // As read(2), which no signal interrupts in a regular file.
+    // As read(2), which is not interrupted by signals for a regular file.
     ssize_t Read(std::uint8_t* buffer, std::size_t size) const {
         return read(descriptor_, buffer, size);
     }

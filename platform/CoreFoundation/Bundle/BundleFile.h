@@ -1,4 +1,4 @@
-// Reading the files of a bundle, which may be anybody's.
+// Reading the files of a bundle, which may come from anyone.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace bundle {
 
-// The bytes of a regular file. Nothing for what is no regular file, cannot be read, or is longer
-// than any property list that somebody wrote; none of them blocks or logs.
+// The bytes of a regular file. Nothing for a file that is not regular, cannot be read, or is longer
+// than the limit for property lists; none of them blocks or logs.
 std::optional<std::vector<std::uint8_t>> ReadFile(const std::filesystem::path& path);
 
 }  // namespace bundle

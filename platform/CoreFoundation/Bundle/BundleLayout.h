@@ -1,4 +1,4 @@
-// Where a bundle keeps its things, and which of its languages is used.
+// Where a bundle keeps its files, and which of its languages is used.
 #pragma once
 
 #include <filesystem>

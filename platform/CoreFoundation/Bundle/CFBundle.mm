@@ -4,7 +4,7 @@
 
 #import "Bundle.h"
 
-// Core Foundation's bundles are Foundation's.
+// Core Foundation's bundles are Foundation's bundles.
 
 CFBundleRef CFBundleGetMainBundle() {
     @autoreleasepool {

@@ -1,4 +1,4 @@
-// Which of a bundle's localizations speak the user's language.
+// Which of a bundle's localizations match the user's languages.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ namespace bundle {
 
 // The user's languages, the preferred one first: the environment variable KRT9_LANGUAGES, names
 // separated by commas; "en" when it is not set. It stands for the language list of the system
-// settings, which this layer has no other source for.
+// settings, for which this layer has no other source.
 std::vector<std::string> PreferredLanguages();
 
 // The available localizations in the order in which a resource is to be looked for. For each of the

@@ -12,7 +12,7 @@ using message_port::Retained;
 
 namespace {
 
-// Gives the caller a reference of its own.
+// Returns a reference that the caller owns.
 template <typename T>
 CFMessagePortRef HandOver(const Retained<T>& port) {
     return port ? port.HandOver()->Ref() : nullptr;
@@ -31,7 +31,7 @@ CFMessagePortRef CFMessagePortCreateLocal(CFAllocatorRef, CFStringRef name,
     if (shouldFreeInfo != nullptr) {
         *shouldFreeInfo = true;
     }
-    // A name that cannot be one leaves the port without a name.
+    // An invalid name leaves the port without a name.
     const std::string registeredName = message_port::RegisteredName(name).value_or("");
     if (const Retained<LocalPort> existing = LocalPort::Find(registeredName)) {
         return HandOver(existing);

@@ -13,13 +13,13 @@ namespace {
 
 using Table = PortTable<LocalPort>;
 
-// A peer whose requests are not yet served is read no further from here on.
+// Beyond this, nothing is read from a peer whose requests have not been served yet.
 constexpr std::size_t kEnoughBuffered = std::size_t{64} * 1024;
 
-// Peers are let in in portions, so that a crowd at the door does not keep the others waiting.
+// Connections are accepted in portions, so that many at once do not delay the connected peers.
 constexpr int kLargestPortion = 16;
 
-// Counts one up while it lives, also while an exception passes.
+// Increments the counter during its lifetime, which also ends with an exception.
 class Counted {
   public:
     explicit Counted(int& count) : count_(count) { ++count_; }
@@ -31,7 +31,7 @@ class Counted {
     int& count_;
 };
 
-// Owns one Core Foundation object, also while an exception passes.
+// Owns one Core Foundation object, which is released with an exception, too.
 struct Owned {
     explicit Owned(CFDataRef data) : object(data) {}
     Owned(const Owned&) = delete;
@@ -171,12 +171,12 @@ bool LocalPort::ServeNext() {
         peer = std::move(turns_.front());
         turns_.pop_front();
         peer->hasTurn = false;
-        // Replies that the peer has not read yet come first; the turn comes back after them.
+        // The peer must first read its replies; then it gets its turn again.
         if (peer->descriptor && peer->writer.Queued() == 0) {
             payload = peer->reader.Take();
         }
     }
-    // The callback may run the loop, so that all is in order before it begins.
+    // The callback may run the loop, so the state must be consistent before it is called.
     std::optional<Counted> serving;
     if (payload) {
         serving.emplace(peer->beingServed);
@@ -201,8 +201,8 @@ void LocalPort::Serve(const PeerPointer& peer, const local_socket::OwnedPayload&
         Drop(peer);
         return;
     }
-    // The context's info lives at least as long as the call. The data does not live longer: whoever
-    // keeps it without a copy reads memory that was given back.
+    // The context's info lives at least as long as the call. The data does not live longer: a
+    // callback that keeps it without a copy reads freed memory.
     const CFMessagePortContext context = context_;
     void* info =
         context.retain != nullptr ? const_cast<void*>(context.retain(context.info)) : context.info;
@@ -218,7 +218,7 @@ void LocalPort::Serve(const PeerPointer& peer, const local_socket::OwnedPayload&
     }
 }
 
-// No data at all is an answer, too.
+// Null data is a reply, too.
 void LocalPort::Answer(const PeerPointer& peer, const MessageHeader& request, CFDataRef reply) {
     if (!peer->descriptor) {
         return;
@@ -262,7 +262,7 @@ void LocalPort::Watch(Peer& peer, std::uint32_t events) {
         return;
     }
     peer.watched = events;
-    // A peer's hang-up would be reported even to one who asks for nothing.
+    // A peer's hang-up would be reported even if no event is requested.
     if (events == 0) {
         run_loop::Unwatch(source_, peer.descriptor.get());
     } else {

@@ -14,9 +14,9 @@
 namespace message_port {
 
 // Requests are served one at a time, in the order of their arrival, each by one call of the
-// callback. A peer hurts only itself: one that sends what is no message is disconnected, one that
-// does not read its replies is served no further, and one that floods has one turn among the
-// others' and is read only as fast as it is served.
+// callback. A peer can harm only itself: one that sends malformed messages is disconnected, one
+// that does not read its replies is not served any more, and one that floods the port has one turn
+// among the others' and is read only as fast as it is served.
 //
 // Created on any thread; then used on the thread whose run loop holds its source.
 class LocalPort final : public Port {
@@ -46,7 +46,7 @@ class LocalPort final : public Port {
         std::uint32_t watched = 0;  // epoll's events; 0: not watched
         int beingServed = 0;        // callbacks that run for it; they may nest
         bool hasTurn = false;
-        bool ended = false;  // sends no more; dropped once it has its replies
+        bool ended = false;  // has stopped sending; dropped once it has its replies
     };
     using PeerPointer = std::shared_ptr<Peer>;
 
@@ -63,7 +63,7 @@ class LocalPort final : public Port {
     bool ServeNext();
     void Serve(const PeerPointer& peer, const local_socket::OwnedPayload& payload);
     void Answer(const PeerPointer& peer, const MessageHeader& request, CFDataRef reply);
-    // After anything happened to the peer: its turn, what to wait for of it, or its end.
+    // After any event of the peer: gives it a turn, sets what to wait for, or drops it.
     void Settle(const PeerPointer& peer);
     static std::uint32_t EventsToWaitFor(const Peer& peer);
     void Watch(Peer& peer, std::uint32_t events);

@@ -1,4 +1,4 @@
-// Message data as Core Foundation objects, and the console line for a port that cannot be made.
+// Message data as Core Foundation objects, and the console line for a port that cannot be created.
 #pragma once
 
 #include <CoreFoundation/CFData.h>
@@ -11,7 +11,7 @@
 
 namespace message_port {
 
-// Shows the bytes without copying them: valid as long as they are. The caller releases.
+// Refers to the bytes without copying them: valid as long as they are. The caller releases.
 CFDataRef CreateView(std::span<const std::uint8_t> bytes);
 
 // A copy. The caller releases.
@@ -21,7 +21,7 @@ CFDataRef CreateCopy(std::span<const std::uint8_t> bytes);
 std::span<const std::uint8_t> BytesOf(CFDataRef data);
 
 // The name under which a port is registered: UTF-8, cut at 128 bytes. Nothing for a name that
-// cannot be one: empty, with a NUL inside, or no Unicode text.
+// is invalid: empty, with a NUL inside, or not Unicode text.
 std::optional<std::string> RegisteredName(CFStringRef name);
 
 void LogProblem(const std::string& name, const std::string& problem);

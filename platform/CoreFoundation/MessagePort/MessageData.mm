@@ -7,7 +7,7 @@ namespace {
 
 constexpr CFIndex kLongestName = 128;
 
-// A cut may not leave half a character of the UTF-8 text behind.
+// Truncation must not leave a partial UTF-8 character.
 CFIndex WholeCharacters(const std::string& text, CFIndex length) {
     while ((static_cast<unsigned char>(text[static_cast<std::size_t>(length)]) & 0xC0) == 0x80) {
         --length;

@@ -5,7 +5,7 @@
 //          1  flags     1 byte
 //          2  (zero)    2 bytes
 //          4  msgid     4 bytes, little-endian
-//          8  sequence  4 bytes, little-endian; a reply bears that of its request
+//          8  sequence  4 bytes, little-endian; a reply has that of its request
 #pragma once
 
 #include <array>
@@ -39,7 +39,7 @@ struct Message {
     std::span<const std::uint8_t> data;  // within the payload
 };
 
-// Nothing for a payload that is no message.
+// Nothing for a payload that is not a message.
 std::optional<Message> DecodeMessage(std::span<const std::uint8_t> payload);
 
 }  // namespace message_port

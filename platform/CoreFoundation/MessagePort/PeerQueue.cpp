@@ -22,7 +22,7 @@ int Untaken(int socket) {
 
 }  // namespace
 
-// What is gone is gone from the oldest on.
+// The oldest messages are taken first.
 void PeerQueue::Forget(int untaken) {
     int total = std::accumulate(sizes_.begin(), sizes_.end(), 0);
     while (!sizes_.empty() && total - sizes_.front() >= untaken) {

@@ -1,6 +1,6 @@
-// How many messages lie in a peer's queue, as far as this sender knows.
+// How many messages are in a peer's queue, as far as this sender knows.
 //
-// On macOS a port's queue holds 5 messages unless it is set otherwise, whoever sent them; a sender
+// On macOS a port's queue holds 5 messages by default, from all senders together; a sender
 // waits for room until its time-out. A socket's buffer holds hundreds. So the sender counts its
 // own: the system says how much of what was written the peer has not taken yet, and messages are
 // taken in their order.
@@ -19,7 +19,7 @@ class PeerQueue {
     void Sent(int socket);
 
   private:
-    // For each message that may still lie there, oldest first: how much memory was not taken when
+    // For each message that may still be there, oldest first: how much memory was not taken when
     // it had just been written, less what older messages held of it by then.
     std::deque<int> sizes_;
     void Forget(int untaken);

@@ -5,7 +5,7 @@
 
 namespace message_port {
 
-// The way from a source to its port; cut when the port's last reference goes.
+// The link from a source to its port; cut when the port's last reference is released.
 struct Port::Link {
     std::mutex mutex;
     Port* port;

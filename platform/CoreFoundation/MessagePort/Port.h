@@ -1,4 +1,4 @@
-// What local and remote ports have in common: a name, validity, and what happens once it ends.
+// The base of local and remote ports: a name, validity, and what happens when it ends.
 #pragma once
 
 #include <CoreFoundation/CFMessagePort.h>
@@ -27,10 +27,10 @@ class Port : public core_foundation::Object {
 
     virtual bool IsRemote() const = 0;
 
-    // Whether the port can still be used; a remote one looks whether its peer is there.
+    // Whether the port can still be used; a remote one checks whether its peer is there.
     virtual bool IsValid() { return valid_; }
 
-    // The first call ends the port for good and calls the invalidation callback.
+    // The first call invalidates the port permanently and calls the invalidation callback.
     void Invalidate();
 
     // A port that has ended already calls back at once.
@@ -45,9 +45,9 @@ class Port : public core_foundation::Object {
 
     void Finalize() override;
 
-    // Gives up the socket and whatever waits for it.
+    // Closes the socket and ends all waiting for it.
     virtual void End() = 0;
-    // What the invalidation callback is given.
+    // The argument of the invalidation callback.
     virtual void* Info() const { return nullptr; }
     // After the invalidation callback.
     virtual void ReleaseInfo() {}

@@ -9,11 +9,11 @@
 
 namespace message_port {
 
-// Does not keep its ports alive: a port takes itself out when it ends.
+// Does not keep its ports alive: a port removes itself when it ends.
 template <typename PortType>
 class PortTable {
   public:
-    // The one table of its kind. Never destroyed: ports may outlive it while the process ends.
+    // The only table. Never destroyed: ports may otherwise outlive it while the process ends.
     static PortTable& Instance() {
         static PortTable& table = *new PortTable;
         return table;

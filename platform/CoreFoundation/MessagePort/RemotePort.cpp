@@ -32,7 +32,7 @@ run_loop::Instant SendDeadline(CFTimeInterval timeout) {
 }  // namespace
 
 struct RemotePort::Awaited {
-    // Enters itself with the port while it lives.
+    // Registered with the port during its lifetime.
     explicit Awaited(RemotePort& remotePort) : port(remotePort) {
         const std::lock_guard lock(port.mutex_);
         sequence = ++port.lastSequence_;
@@ -90,7 +90,7 @@ void RemotePort::End() {
     run_loop::Unwatch(source_, descriptor_.get());
     CFRunLoopSourceInvalidate(source_);
     descriptor_.reset();
-    // Whoever waits for a reply on another thread learns that none will come.
+    // Wakes threads that wait for a reply which will not come.
     for (const Awaited* awaited : awaited_) {
         awaited->loop.WakeUp();
     }
@@ -116,7 +116,7 @@ SInt32 RemotePort::Send(std::int32_t msgid, std::span<const std::uint8_t> data,
     const Retained<RemotePort> alive(this);
     const run_loop::Instant deadline = SendDeadline(timeout);
     const SInt32 result = Queue({MessageHeader::Kind::request, false, msgid, 0}, data, deadline);
-    // The sender may never run its loop, so that what is left is seen off here.
+    // The sender may never run its loop, so the rest is sent here.
     SendProgress progress = SendProgress::begun;
     while (result == kCFMessagePortSuccess && progress == SendProgress::begun && HasUnsent() &&
            run_loop::WaitUntilWritable(descriptor_.get(), deadline)) {
@@ -145,7 +145,7 @@ SInt32 RemotePort::Exchange(std::int32_t msgid, std::span<const std::uint8_t> da
         const std::lock_guard lock(mutex_);
         return awaited.reply != nullptr || !StillValid();
     };
-    // The time to receive begins when the request is on its way.
+    // The receive time-out begins when the request has been sent.
     if (HasUnsent()) {
         awaited.loop.RunUntil(replyMode, sendDeadline, [&] { return !HasUnsent() || over(); });
     }
@@ -195,7 +195,7 @@ SInt32 RemotePort::Queue(const MessageHeader& header, std::span<const std::uint8
     return kCFMessagePortSuccess;
 }
 
-// Nothing tells when the peer has taken a message, so that this looks again and again.
+// There is no notification when the peer has taken a message, so this polls.
 bool RemotePort::WaitForRoom(run_loop::Instant deadline) {
     constexpr run_loop::Instant kLook = 500'000;  // 0.5 ms
     for (;;) {
@@ -281,7 +281,7 @@ bool RemotePort::ReadReplies(bool* delivered) {
     return status == local_socket::FrameReader::Status::open;
 }
 
-// A reply that nobody waits for any more is dropped.
+// A reply for which nobody waits any more is dropped.
 bool RemotePort::Deliver(const Message& reply) {
     for (Awaited* awaited : awaited_) {
         if (awaited->sequence == reply.header.sequence && awaited->reply == nullptr) {

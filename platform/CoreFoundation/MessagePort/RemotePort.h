@@ -20,8 +20,8 @@ namespace message_port {
 // runs.
 class RemotePort final : public Port {
   public:
-    // The valid remote port of that name if this process has one, else a new one. Null when nobody
-    // serves the name.
+    // The valid remote port of that name if this process has one, else a new one. Null when no
+    // process serves the name.
     static Retained<RemotePort> FindOrConnect(const std::string& name);
 
     ~RemotePort() override;
@@ -39,7 +39,7 @@ class RemotePort final : public Port {
                     CFRunLoopMode replyMode, CFDataRef* reply);
 
   private:
-    // A request whose reply somebody waits for.
+    // A request whose reply is awaited.
     struct Awaited;
 
     RemotePort(std::string name, local_socket::Descriptor descriptor);
@@ -47,20 +47,20 @@ class RemotePort final : public Port {
     void End() override;
     bool Ready(int descriptor, std::uint32_t events) override;
 
-    // A message counts as queued from its first byte on, for it cannot be called back then: what
-    // the peer does not take in time follows later. One that has not begun is forgotten.
+    // A message counts as queued from its first byte on, since it cannot be withdrawn then: what
+    // the peer does not take in time follows later. One that has not begun is discarded.
     SInt32 Queue(const MessageHeader& header, std::span<const std::uint8_t> data,
                  run_loop::Instant deadline);
     enum class SendProgress { notBegun, begun, sent, failed };
     SendProgress Begin(std::span<const std::uint8_t> header, std::span<const std::uint8_t> data);
     SendProgress Continue();
-    // Whether the peer's queue took another message before the deadline.
+    // Whether the peer's queue accepted another message before the deadline.
     bool WaitForRoom(run_loop::Instant deadline);
     bool HasUnsent();
 
     // The mutex is held.
     SendProgress AfterSending(local_socket::FrameWriter::Status status);
-    bool ReadReplies(bool* delivered);  // false when the connection is of no more use
+    bool ReadReplies(bool* delivered);  // false when the connection can no longer be used
     bool Deliver(const Message& reply);
 
     // Guards all that follows. Not held while anything waits or is called back.
@@ -73,7 +73,7 @@ class RemotePort final : public Port {
     std::uint32_t lastSequence_ = 0;
     std::vector<Awaited*> awaited_;
 
-    // Stands in the common modes of the creator's loop and in every mode in which a reply was
+    // It is in the common modes of the creator's loop and in every mode in which a reply was
     // awaited, for as long as the port is valid. No mode counts as occupied by it.
     const CFRunLoopSourceRef source_;
 };

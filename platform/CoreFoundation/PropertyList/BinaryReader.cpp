@@ -80,7 +80,7 @@ class BinaryReader {
     BinaryReader(const BinaryDocument& document, const ObjectMaker& make)
         : document_(document), make_(make), left_(document.objects_.size()) {}
 
-    // An object that several others refer to is made once. Unlike in XML a leaf counts as a level.
+    // An object that others refer to repeatedly is created once. Unlike in XML, a leaf is a level.
     Object ReadObject(std::uint64_t reference, int depth) {
         if (reference >= document_.objectCount_ || depth > kDeepestNesting) {
             return nullptr;
@@ -170,7 +170,7 @@ class BinaryReader {
                                 : nullptr;
     }
 
-    // A count of 15 or more stands after the marker, as an integer object of its own.
+    // A count of 15 or more follows the marker, as a separate integer object.
     static std::optional<std::uint64_t> TakeCount(Bytes& rest, unsigned low) {
         if (low != 0xF) {
             return low;
@@ -188,8 +188,8 @@ class BinaryReader {
     }
 
     // Objects do not overlap, so that all of them together are no longer than their part of the
-    // document. Without this check a document could mean its square: a text at every byte, each of
-    // which goes on to the end.
+    // document. Without this check its content could take the square of its size: a text at every
+    // byte, each of which continues to the end.
     bool TakeItems(std::uint64_t count) {
         if (count > left_) {
             return false;
@@ -269,7 +269,7 @@ class BinaryReader {
             objects, [](const Object& object) { return ObjectMaker::MayBeKey(object.get()); });
     }
 
-    // Containers as items are refused: to compare two that share their parts at every level takes
+    // Containers as items are refused: comparing two that share their parts at every level takes
     // time that doubles with each level.
     Object ReadSet(Bytes rest, std::uint64_t count, int depth) {
         std::vector<Object> items;
@@ -291,7 +291,7 @@ class BinaryReader {
 
     const BinaryDocument& document_;
     const ObjectMaker& make_;
-    std::size_t left_;                                // items that the document still has room for
+    std::size_t left_;  // items for which the document still has bytes
     std::unordered_map<std::uint64_t, Object> made_;  // by offset
     std::unordered_set<std::uint64_t> beingRead_;     // offsets of the containers around
 };

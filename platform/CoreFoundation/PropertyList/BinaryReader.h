@@ -10,10 +10,10 @@
 namespace property_list {
 
 // A binary document whose trailer agrees with its length and whose offset table stays within its
-// objects. Nothing else is known of it.
+// objects. Nothing else about it has been checked.
 class BinaryDocument {
   public:
-    // Nothing when the bytes are no such document.
+    // Nothing when the bytes are not such a document.
     static std::optional<BinaryDocument> Open(std::span<const std::uint8_t> bytes);
 
     // Empty when the top object, or any object it leads to, is malformed or contains itself.

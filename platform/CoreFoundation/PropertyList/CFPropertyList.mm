@@ -37,7 +37,7 @@ CFPropertyListRef Create(std::span<const UInt8> bytes, CFOptionFlags options,
     }
 }
 
-// False after a read error; a stream that ends before `longest` bytes is none.
+// False after a read error; the end of the stream before `longest` bytes is not an error.
 bool ReadUpTo(std::size_t longest, CFReadStreamRef stream, std::vector<UInt8>& bytes) {
     std::array<UInt8, 16384> piece;
     while (bytes.size() < longest) {

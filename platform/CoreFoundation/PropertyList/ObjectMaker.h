@@ -1,5 +1,5 @@
-// Makes the objects that a property list consists of. The readers of the three formats know nothing
-// of how Core Foundation's objects are made; this is the one place that does.
+// Creates the objects of which a property list consists. The readers of the three formats do not
+// depend on how Core Foundation's objects are created; only this does.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -19,8 +19,8 @@ struct Release {
 // An owned object; empty after any failure.
 using Object = std::unique_ptr<const void, Release>;
 
-// Containers deeper than this in each other are refused: every reader descends by recursion, and so
-// does the release of what it made.
+// Containers nested deeper than this are refused: every reader descends by recursion, and so
+// does the release of what it created.
 constexpr int kDeepestNesting = 512;
 
 class ObjectMaker {
@@ -51,7 +51,7 @@ class ObjectMaker {
     static bool MayBeKey(CFTypeRef object);
 
     // The XML form of a keyed archiver's UID is a dictionary whose only key is "CF$UID", with a
-    // number. Gives that UID for such a dictionary, and any other dictionary back.
+    // number. Returns that UID for such a dictionary, and any other dictionary unchanged.
     static Object UIDOrDictionary(Object dictionary);
 
   private:

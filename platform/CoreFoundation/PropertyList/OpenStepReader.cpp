@@ -49,7 +49,7 @@ class Reader {
     }
 
   private:
-    // Past white space and comments; false at the end of the text. A comment may lack its end.
+    // Skips white space and comments; false at the end of the text. A comment may lack its end.
     bool SkipToToken() {
         while (!rest_.empty()) {
             if (IsSpace(rest_.front())) {

@@ -8,7 +8,7 @@
 namespace property_list {
 
 // A value, or the entries of a dictionary without the braces around them (a strings file), of which
-// anything after the last entry is not looked at. Nothing but white space and comments is an empty
+// anything after the last entry is ignored. Nothing but white space and comments is an empty
 // dictionary. Empty when malformed.
 Object ReadOpenStep(std::u16string_view text, const ObjectMaker& make);
 

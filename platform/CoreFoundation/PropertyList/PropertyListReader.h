@@ -11,15 +11,15 @@
 
 namespace property_list {
 
-// Bytes. No property list that anyone writes is longer; a device file would never end.
+// Bytes. Real property lists are shorter; a device file would never end.
 inline constexpr std::size_t kLongestDocument = std::size_t{32} << 20U;
 
 struct Document {
-    Object root;                  // empty when the bytes are no property list
+    Object root;                  // empty when the bytes are not a property list
     CFPropertyListFormat format;  // meaningless without a root
 };
 
-// Whatever the bytes are, it takes time and memory in proportion to their number.
+// Takes time and memory in proportion to the number of bytes, whatever they are.
 Document ReadPropertyList(std::span<const std::uint8_t> bytes, CFOptionFlags options);
 
 }  // namespace property_list

@@ -110,7 +110,7 @@ class Converter {
     }
 
   private:
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): how iconv_open tells that it failed.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): how iconv_open reports failure.
     bool IsOpen() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
     iconv_t handle_;

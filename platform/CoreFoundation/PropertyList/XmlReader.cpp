@@ -96,7 +96,7 @@ class Reader {
         return true;
     }
 
-    // Past white space, comments and processing instructions; false when one of them has no end.
+    // Skips white space, comments and processing instructions; false when one of them has no end.
     bool SkipToMarkup(Doctype doctype) {
         for (;;) {
             SkipSpace();
@@ -116,7 +116,7 @@ class Reader {
         }
     }
 
-    // Attributes are not looked at, and the first '>' ends the tag even within quotes.
+    // Attributes are ignored, and the first '>' ends the tag even within quotes.
     std::optional<Tag> ReadTag() {
         const std::size_t end = rest_.find(u'>');
         if (!At(u"<") || end == std::u16string_view::npos) {

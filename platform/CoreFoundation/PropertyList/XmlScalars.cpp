@@ -43,7 +43,7 @@ void SkipIntegerSpace(std::u16string_view& text) {
     text.remove_prefix(static_cast<std::size_t>(end - text.begin()));
 }
 
-// Takes one of the prefixes off the text.
+// Removes one of the prefixes from the text.
 bool Take(std::u16string_view& text, std::u16string_view prefix) {
     if (!text.starts_with(prefix)) {
         return false;
@@ -66,7 +66,7 @@ std::optional<std::uint64_t> ParseDigits(std::u16string_view digits, unsigned ba
     return digits.empty() ? std::nullopt : std::optional(value);
 }
 
-// The next `count` digits and the mark after them, taken off the text.
+// The next `count` digits and the mark after them, removed from the text.
 std::optional<int> TakeField(std::u16string_view& text, std::size_t count, char16_t mark) {
     if (text.size() <= count || text[count] != mark) {
         return std::nullopt;
@@ -208,7 +208,7 @@ Object ParseDate(std::u16string_view text) {
     const std::optional<int> hour = TakeField(text, 2, u':');
     const std::optional<int> minute = TakeField(text, 2, u':');
     const std::optional<int> second = TakeField(text, 2, u'Z');
-    constexpr int kLastYear = 32766;  // what std::chrono counts to, less one for month 13
+    constexpr int kLastYear = 32766;  // the last year of std::chrono, less one for month 13
     if (!year || !month || !day || !hour || !minute || !second || !text.empty() ||
         *year > kLastYear || *month > 13) {
         return nullptr;

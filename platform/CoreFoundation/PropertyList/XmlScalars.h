@@ -20,8 +20,8 @@ Object ParseDate(std::u16string_view text);
 // Base64. Characters outside its alphabet are skipped, an incomplete last group is dropped.
 Object ParseData(std::u16string_view text, const ObjectMaker& make);
 
-// `rest` begins with '&': appends the character that the entity names and takes the entity off
-// `rest`. False for an unknown entity or a number that is no character.
+// `rest` begins with '&': appends the character that the entity names and removes the entity from
+// `rest`. False for an unknown entity or a number that is not a character.
 bool AppendEntity(std::u16string_view& rest, std::u16string& text);
 
 }  // namespace property_list

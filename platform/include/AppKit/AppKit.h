@@ -1,4 +1,4 @@
-// The slice of AppKit that the driver calls. Objective-C only, as on macOS.
+// The part of AppKit that the driver calls. Objective-C only, as on macOS.
 #pragma once
 
 #import <AppKit/NSEvent.h>

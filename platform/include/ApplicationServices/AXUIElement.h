@@ -1,4 +1,4 @@
-// Controls of other applications, and what can be asked of them.
+// Controls of other applications, and the calls on them.
 //
 // Every call that takes an element and is not said to be local is one message to the element's
 // application and waits for its answer, without running the run loop. Results common to all of
@@ -36,7 +36,7 @@ Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options);  // null: no pro
 
 CFTypeID AXUIElementGetTypeID(void);
 
-// Local: makes no contact, so it answers an object for any process id.
+// Local: makes no contact, so it returns an object for any process id.
 AXUIElementRef AXUIElementCreateApplication(pid_t pid);
 AXUIElementRef AXUIElementCreateSystemWide(void);
 
@@ -49,9 +49,9 @@ AXError AXUIElementCopyActionNames(AXUIElementRef element, CFArrayRef* names);
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                       CFTypeRef* value);
 
-// One value per name, in order; in place of one that cannot be had stands an AXValue with its
+// One value per name, in order; in place of one that cannot be read, an AXValue with its
 // error. With kAXCopyMultipleAttributeOptionStopOnError the first such error is the result instead.
-// An application that misbehaves can answer fewer values, or none.
+// An application that misbehaves can return fewer values, or none.
 AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRef attributes,
                                                AXCopyMultipleAttributeOptions options,
                                                CFArrayRef* values);
@@ -63,7 +63,7 @@ AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribu
 AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action);
 
 // Local. Seconds; 0 goes back to the default, less is an illegal argument. On the system-wide
-// element it holds for the whole process, on another for that very object only, not for objects
+// element it applies to the whole process, on another to that object only, not to objects
 // equal to it.
 AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds);
 

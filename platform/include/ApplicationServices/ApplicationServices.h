@@ -1,4 +1,4 @@
-// The slice of Application Services that the driver calls: accessibility and Quartz events.
+// The part of Application Services that the driver calls: accessibility and Quartz events.
 #pragma once
 
 #include <ApplicationServices/AXConstants.h>

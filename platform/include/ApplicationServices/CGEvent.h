@@ -1,8 +1,8 @@
 // Events of the system's input stream.
 //
 // Events and sources are local objects; posting one is a message to the window server. Positions
-// are global display coordinates, origin at the top left of the main screen. Creators answer null
-// on failure; the caller releases what they answer. A null source is allowed everywhere.
+// are global display coordinates, origin at the top left of the main screen. Creators return null
+// on failure; the caller releases what they return. A null source is allowed everywhere.
 #pragma once
 
 #include <ApplicationServices/CGEventTypes.h>

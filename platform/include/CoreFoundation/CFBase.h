@@ -74,7 +74,7 @@ enum CFComparisonResult : CFIndex {
 
 extern "C" {
 
-extern const CFAllocatorRef kCFAllocatorDefault;  // null; the only allocator there is
+extern const CFAllocatorRef kCFAllocatorDefault;  // null; the only allocator
 extern const CFNullRef kCFNull;                   // immortal
 
 // Null arguments are a programming error here as on macOS: the process stops.

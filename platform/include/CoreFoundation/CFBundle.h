@@ -6,7 +6,7 @@
 extern "C" {
 
 // The bundle that holds the running program, or for a program in no bundle its folder. Never null;
-// not the caller's to release.
+// the caller does not release it.
 CFBundleRef CFBundleGetMainBundle();
 
 // The string for `key` in the table, by default (null or empty) "Localizable", in the user's

@@ -25,14 +25,14 @@ enum : CFIndex {
 
 extern "C" {
 
-// Both answer a property list that the caller releases, or null. `format` and `error` may be null:
+// Both return a property list that the caller releases, or null. `format` and `error` may be null:
 // the format is written on success, an error that the caller releases on failure.
 CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
                                                CFOptionFlags options, CFPropertyListFormat* format,
                                                CFErrorRef* error);
 
 // The stream must be open. Reads `streamLength` bytes, or with 0 all that are left; of fewer than
-// six bytes it makes no property list.
+// six bytes it creates no property list.
 CFPropertyListRef CFPropertyListCreateWithStream(CFAllocatorRef allocator, CFReadStreamRef stream,
                                                  CFIndex streamLength, CFOptionFlags options,
                                                  CFPropertyListFormat* format, CFErrorRef* error);

@@ -105,8 +105,8 @@ Boolean CFRunLoopContainsObserver(CFRunLoopRef rl, CFRunLoopObserverRef observer
 
 // Called for the activities whose bits are set, the lower its order the earlier; never inside its
 // own callback. One that does not repeat is invalid after its first call. A pass that only looks
-// (a run of 0 seconds, or one that has performed a signalled source) does not wait and tells
-// nobody of waiting. Observers alone do not keep a run going.
+// (a run of 0 seconds, or one that has performed a signalled source) does not wait and calls
+// none for waiting. Observers alone do not keep a run going.
 CFTypeID CFRunLoopObserverGetTypeID(void);
 CFRunLoopObserverRef CFRunLoopObserverCreate(CFAllocatorRef allocator, CFOptionFlags activities,
                                              Boolean repeats, CFIndex order,

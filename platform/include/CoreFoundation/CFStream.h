@@ -29,7 +29,7 @@ CFIndex CFReadStreamRead(CFReadStreamRef stream, UInt8* buffer, CFIndex bufferLe
 
 CFStreamStatus CFReadStreamGetStatus(CFReadStreamRef stream);
 
-// The error that the status tells of; the caller releases it. Null without one.
+// The error behind the status; the caller releases it. Null without one.
 CFErrorRef CFReadStreamCopyError(CFReadStreamRef stream);
 
 }  // extern "C"

@@ -65,7 +65,7 @@ CFStringRef CFStringCreateWithCharacters(CFAllocatorRef alloc, const UniChar* ch
 CFStringRef CFStringCreateCopy(CFAllocatorRef alloc, CFStringRef theString);
 
 // printf conversions, %@ for objects; %s text is in the system encoding. A width or precision of %@
-// is ignored; a letter that is no conversion stands for itself. formatOptions is not used.
+// is ignored; a letter that is not a conversion stands for itself. formatOptions is not used.
 CFStringRef CFStringCreateWithFormat(CFAllocatorRef alloc, CFDictionaryRef formatOptions,
                                      CFStringRef format, ...);
 
@@ -82,7 +82,7 @@ void CFStringGetCharacters(CFStringRef theString, CFRange range, UniChar* buffer
 // does not fit or has a character that the encoding lacks.
 Boolean CFStringGetCString(CFStringRef theString, char* buffer, CFIndex bufferSize,
                            CFStringEncoding encoding);
-// Answers how many code units of the range were converted. lossByte 0: stops at the first character
+// Returns how many code units of the range were converted. lossByte 0: stops at the first character
 // that the encoding lacks. buffer may be null to learn the size.
 CFIndex CFStringGetBytes(CFStringRef theString, CFRange range, CFStringEncoding encoding,
                          UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,

@@ -313,7 +313,7 @@ TEST(Applications, DeadOneHasInvalidElements) {
         EXPECT_EQ(client.Ask(operation, {501, 0}, {"AXValue"})->error, -25202);
     }
     EXPECT_THAT(client.ProblemOf({{"command", "kill"}, {"application", "com.example.editor"}}),
-                HasSubstr("dead already"));
+                HasSubstr("already dead"));
 }
 
 TEST(Applications, UntrustedProcessGetsNoAccessibilityAtAll) {

@@ -85,7 +85,7 @@ TEST(Conversation, EachTransportResultHasItsSentenceAndCode) {
         {-1, ExitCode::timeOut, "did not take the request in time"},
         {-2, ExitCode::timeOut, "did not answer in time"},
         {-3, ExitCode::transport, "no longer valid"},
-        {-4, ExitCode::transport, "could not be carried"},
+        {-4, ExitCode::transport, "could not be delivered"},
         {-5, ExitCode::transport, "ended before it answered"},
         {-99, ExitCode::transport, "not documented"},
     };
