@@ -61,6 +61,21 @@
 
 @end
 
+// Counts the ends of its instances.
+@interface MortalObserver : VEK_Driver_FrontAppObserver
+@end
+
+static int deaths = 0;
+
+@implementation MortalObserver
+
+- (void)dealloc {
+    ++deaths;
+    [super dealloc];
+}
+
+@end
+
 namespace {
 
 constexpr UInt32 kUnknown = 0x3F3F3F3F;  // "????"
@@ -435,6 +450,17 @@ TEST_F(FrontApplication, SharedInstanceLivesOnWhenItsMakerLetsGoOfIt) {
     Activate("com.example.odd");
     EXPECT_EQ([VEK_Driver_FrontAppObserver frontAppObserver], another);
     EXPECT_EQ(CurrentBundleID(), "com.example.odd");
+}
+
+TEST_F(FrontApplication, SharedInstanceSurvivesBeingInitializedAgain) {
+    deaths = 0;
+    MortalObserver* shared = [[MortalObserver alloc] init];
+    [shared release];
+    ASSERT_EQ([shared retainCount], 1u) << "only the process holds it";
+    shared = [shared init];
+    EXPECT_EQ(deaths, 0);
+    [[[VEK_Driver_FrontAppObserver alloc] init] release];
+    EXPECT_EQ(deaths, 1);
 }
 
 TEST_F(FrontApplication, CallbackIsKeptAndNeverCalled) {

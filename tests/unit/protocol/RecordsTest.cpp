@@ -17,6 +17,28 @@ const double kNoNumber = std::nan("");
 
 }  // namespace
 
+// Nobody may rely on it, and what is sent by mistake tells nothing of the process's memory.
+TEST(Records, MadeByDefaultHoldZeros) {
+    SOneIntSpec one;
+    EXPECT_EQ(Serialized(one), Integers({0}));
+    STwoIntSpec two;
+    EXPECT_EQ(Serialized(two), Integers({0, 0}));
+    SThreeIntSpec three;
+    EXPECT_EQ(Serialized(three), Integers({0, 0, 0}));
+    SPointSpec point;
+    EXPECT_EQ(Serialized(point), Integers({0, 0}));
+    SPointSizeSpec frame;
+    EXPECT_EQ(Serialized(frame), Integers({0, 0, 0, 0}));
+    STargetPointSizeSpec target;
+    EXPECT_EQ(Serialized(target), Integers({0, 0, 0, 0, 0}));
+    SSendKeystrokeSpec keystroke;
+    EXPECT_EQ(Serialized(keystroke), Integers({0, 0, 0}));
+    SSendMouseSpec mouse;
+    EXPECT_EQ(Serialized(mouse), Integers({0, 0, 0, 0}));
+    SServerSpec envelope;
+    EXPECT_EQ(Serialized(envelope), Integers({0, 0}));
+}
+
 TEST(OneIntRecord, HoldsItsNumber) {
     SOneIntSpec record(0xFFFFFFFE);
     EXPECT_EQ(Serialized(record), Integers({0xFFFFFFFE}));

@@ -76,6 +76,12 @@ TEST(SharedFamilyRecords, IncomingLongArrayIsReadOnlyAndItsElementsAreInHostOrde
     EXPECT_EQ(record.Serialize(), nullptr);
 }
 
+TEST(SharedFamilyRecords, IncomingLongArrayMayHoldASingleElement) {
+    SIncommingLongArraySpec record;
+    record.Deserialize(Integers({1, 0, 7}).data());
+    EXPECT_EQ(record.elements[0], 7u);
+}
+
 TEST(SharedFamilyRecords, IncomingLongArrayReadTwiceFreesItsFirstElements) {
     SIncommingLongArraySpec record;
     record.Deserialize(Integers({3, 0, 1, 2, 3}).data());
