@@ -58,6 +58,13 @@ Info Longest() {
 
 }  // namespace
 
+TEST(TargetWindowInfo, HasPlaceForNamesOf255BytesAnd1024Units) {
+    EXPECT_EQ(sizeof(Info::windowName), 256u);
+    EXPECT_EQ(sizeof(Info::windowNameUnicode), 1024 * sizeof(UniChar));
+    EXPECT_EQ(sizeof(Info::subWindowName), 256u);
+    EXPECT_EQ(sizeof(Info::subWindowNameUnicode), 1024 * sizeof(UniChar));
+}
+
 TEST(TargetWindowList, CopiesEveryFieldOfItsCandidatesInTheirOrder) {
     const std::vector<Info> infos = {EveryFieldDifferent(), Info{}, Longest()};
     const TargetWindowList list(infos.data(), infos.size());
