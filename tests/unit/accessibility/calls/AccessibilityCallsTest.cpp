@@ -50,6 +50,17 @@ TEST_F(AccessibilityCalls, SuccessWithoutAValueIsAValueThatIsNotThere) {
     FrameworkAnswers::Current().attributeValues = true;
 }
 
+TEST_F(AccessibilityCalls, ReadingSeveralAttributesNamesItsFailure) {
+    const void* names[] = {kAXRoleAttribute, kAXValueAttribute};
+    const OwnedReference<CFArrayRef> list(
+        CFArrayCreate(kCFAllocatorDefault, names, std::size(names), &kCFTypeArrayCallBacks));
+    EXPECT_TRUE(ReadAttributes(object_.get(), list.get()));
+    editor_.Fail(element_, kAXErrorCannotComplete);
+    auto result = ReadAttributes(object_.get(), list.get());
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.Failure().kind, CallFailureKind::timedOut);
+}
+
 TEST_F(AccessibilityCalls, WindowsThatAreNoListAreOfTheWrongType) {
     editor_.Set(editor_.Application(), "AXWindows", Number(3));
     auto result = ReadWindows(Object(editor_.Application()).get());
