@@ -13,28 +13,10 @@ constexpr SInt32 FourCharacterCode(const char (&characters)[5]) {
     return code;
 }
 
-// Requests, which the companion sends to the driver's port.
-constexpr SInt32 kJAcF = FourCharacterCode("JAcF");  // refresh the front application, observe
-constexpr SInt32 kJBtP = FourCharacterCode("JBtP");  // press a button
-constexpr SInt32 kJCPK = FourCharacterCode("JCPK");  // post a keystroke
-constexpr SInt32 kJEPp = FourCharacterCode("JEPp");  // position of an element's parent
-constexpr SInt32 kJESI = FourCharacterCode("JESI");  // an element's text as a number
-constexpr SInt32 kJElP = FourCharacterCode("JElP");  // position of an element
-constexpr SInt32 kJElV = FourCharacterCode("JElV");  // value of an element
-constexpr SInt32 kJGRV = FourCharacterCode("JGRV");  // selected button of a radio group
-constexpr SInt32 kJGlM = FourCharacterCode("JGlM");  // pointer position
-constexpr SInt32 kJObE = FourCharacterCode("JObE");  // observe the clip selection
-constexpr SInt32 kJObT = FourCharacterCode("JObT");  // observe the timeline timecode
-constexpr SInt32 kJPMC = FourCharacterCode("JPMC");  // continue a mouse gesture
-constexpr SInt32 kJPME = FourCharacterCode("JPME");  // end a mouse gesture
-constexpr SInt32 kJPMS = FourCharacterCode("JPMS");  // start a mouse gesture
-constexpr SInt32 kJPth = FourCharacterCode("JPth");  // accepted, does nothing
-constexpr SInt32 kJSIS = FourCharacterCode("JSIS");  // set an element's text to a number
-constexpr SInt32 kJSRV = FourCharacterCode("JSRV");  // select a button of a radio group
-constexpr SInt32 kJStO = FourCharacterCode("JStO");  // stop observing
-constexpr SInt32 kJTWP = FourCharacterCode("JTWP");  // frame of the first open window of a list
-constexpr SInt32 kJWiP = FourCharacterCode("JWiP");  // frame of a window
-constexpr SInt32 kJXRs = FourCharacterCode("JXRs");  // forget cached elements and the clip name
+// Requests, which the companion sends to the driver's port: kJElV is 'JElV', and so on.
+#define REQUEST(code, ...) constexpr SInt32 k##code = FourCharacterCode(#code);
+#include "VEKCommon/Requests.def"
+#undef REQUEST
 
 // Messages that the driver sends to the companion's port.
 constexpr SInt32 kStus = FourCharacterCode("Stus");  // asks for the controller's status

@@ -20,29 +20,21 @@ struct KnownRequest {
     Record record;
 };
 
-constexpr KnownRequest kKnown[] = {{kJAcF, Record::three},
-                                   {kJBtP, Record::element},
-                                   {kJCPK, Record::keystroke},
-                                   {kJEPp, Record::element},
-                                   {kJESI, Record::element},
-                                   {kJElP, Record::element},
-                                   {kJElV, Record::element},
-                                   {kJGRV, Record::element},
-                                   {kJGlM, Record::none},
-                                   {kJObE, Record::none},
-                                   {kJObT, Record::none},
-                                   {kJPMC, Record::mouse},
-                                   {kJPME, Record::mouse},
-                                   {kJPMS, Record::mouse},
-                                   {kJPth, Record::none},
-                                   {kJSIS, Record::elementAndNumber},
-                                   {kJSRV, Record::elementAndNumber},
-                                   {kJStO, Record::none},
-                                   {kJTWP, Record::targets},
-                                   {kJWiP, Record::window},
-                                   {kJXRs, Record::none},
-                                   {kStus, Record::none},
-                                   {kJFSC, Record::three}};
+// Named for the records of the bodies.
+constexpr Record kRecordOfNoBody = Record::none;
+constexpr Record kRecordOfElementIdentifier = Record::element;
+constexpr Record kRecordOfSTwoIntSpec = Record::elementAndNumber;
+constexpr Record kRecordOfSThreeIntSpec = Record::three;
+constexpr Record kRecordOfSSendKeystrokeSpec = Record::keystroke;
+constexpr Record kRecordOfSSendMouseSpec = Record::mouse;
+constexpr Record kRecordOfSWindowRequestSpec = Record::window;
+constexpr Record kRecordOfSTargetWindowRequestSpec = Record::targets;
+
+constexpr KnownRequest kKnown[] = {
+#define REQUEST(code, guard, body, operation, reply) {k##code, kRecordOf##body},
+#include "VEKCommon/Requests.def"
+#undef REQUEST
+    {kStus, Record::none}, {kJFSC, Record::three}};
 
 constexpr std::uint32_t kElements[] = {59,  16, 62, 66,  100, 128, 139,       159,
                                        352, 63, 0,  393, 99,  49,  989855744, 0xFFFFFFFF};

@@ -62,34 +62,12 @@ template <SInt32 code, Guard guard, class Body, auto operation>
 constexpr Request Row<code, guard, Body, operation, NoReply> = {
     code, guard, &Body::SkipOver, &ServeWithoutReply<Body, operation>};
 
-// 'JGRV' deliberately has no guard, unlike the other requests whose body is an element. 'JSIS',
-// 'JSRV', 'JTWP' and 'JWiP' have none either, so that their empty body counts as too short.
-// clang-format off
 constexpr Request kRequests[] = {
-    //  code   guard                    body                      operation                       reply
-    Row<kJAcF, Guard::kNonEmpty,        SThreeIntSpec,            &Do::RefreshAndObserve,         NoReply>,
-    Row<kJBtP, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::PressButton,               NoReply>,
-    Row<kJCPK, Guard::kNonEmpty,        SSendKeystrokeSpec,       &Do::PostKeystroke,             NoReply>,
-    Row<kJEPp, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::ParentPosition,            SPointSpec>,
-    Row<kJESI, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::TextAsNumber,              SOneIntSpec>,
-    Row<kJElP, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::Position,                  SPointSpec>,
-    Row<kJElV, Guard::kPresentNonEmpty, ElementIdentifier,        &Do::Value,                     SOneIntSpec>,
-    Row<kJGRV, Guard::kNone,            ElementIdentifier,        &Do::SelectedRadioButton,       SOneIntSpec>,
-    Row<kJGlM, Guard::kNone,            NoBody,                   &Do::PointerPosition,           SPointSpec>,
-    Row<kJObE, Guard::kNone,            NoBody,                   &Do::ObserveClipSelection,      NoReply>,
-    Row<kJObT, Guard::kNone,            NoBody,                   &Do::ObserveTimelineTimecode,   NoReply>,
-    Row<kJPMC, Guard::kNonEmpty,        SSendMouseSpec,           &Do::ContinueMouseGesture,      NoReply>,
-    Row<kJPME, Guard::kNonEmpty,        SSendMouseSpec,           &Do::EndMouseGesture,           NoReply>,
-    Row<kJPMS, Guard::kNonEmpty,        SSendMouseSpec,           &Do::StartMouseGesture,         NoReply>,
-    Row<kJPth, Guard::kNone,            NoBody,                   &Do::DoNothing,                 NoReply>,
-    Row<kJSIS, Guard::kNone,            STwoIntSpec,              &Do::SetNumberAsText,           NoReply>,
-    Row<kJSRV, Guard::kNone,            STwoIntSpec,              &Do::SelectRadioButton,         NoReply>,
-    Row<kJStO, Guard::kNone,            NoBody,                   &Do::StopObserving,             NoReply>,
-    Row<kJTWP, Guard::kNone,            STargetWindowRequestSpec, &Do::TargetWindowFrame,         STargetPointSizeSpec>,
-    Row<kJWiP, Guard::kNone,            SWindowRequestSpec,       &Do::WindowFrame,               SPointSizeSpec>,
-    Row<kJXRs, Guard::kNone,            NoBody,                   &Do::ForgetElementsAndClipName, NoReply>,
+#define REQUEST(code, guard, Body, operation, Reply) \
+    Row<k##code, Guard::guard, Body, &Do::operation, Reply>,
+#include "VEKCommon/Requests.def"
+#undef REQUEST
 };
-// clang-format on
 
 // A copy of the body that lasts for the whole operation, whatever becomes of the port's data.
 class BodyCopy {

@@ -17,30 +17,32 @@ constexpr std::array kFrame{ReplyField{"x", true}, ReplyField{"y", true}, ReplyF
 constexpr std::array kTargetFrame{ReplyField{"target", false}, ReplyField{"x", true},
                                   ReplyField{"y", true}, ReplyField{"width", true},
                                   ReplyField{"height", true}};
-constexpr std::span<const ReplyField> kNone{};
+
+struct ReplyForm {
+    std::span<const ReplyField> fields;
+    std::string_view text;
+};
+
+// Named for the record that the reply is.
+constexpr ReplyForm kFormOfNoReply{{}, ""};
+constexpr ReplyForm kFormOfSOneIntSpec{kSignedValue, "{value}"};
+constexpr ReplyForm kFormOfSPointSpec{kPoint, "{x},{y}"};
+constexpr ReplyForm kFormOfSPointSizeSpec{kFrame, "at {x},{y} size {width}x{height}"};
+constexpr ReplyForm kFormOfSTargetPointSizeSpec{kTargetFrame,
+                                                "target {target} at {x},{y} size {width}x{height}"};
+
+constexpr RequestRow Row(MessageCode code, const ReplyForm& form) {
+    // The one integer of this request is the index of a button.
+    if (code == kJGRV) {
+        return {code, kIndex, "{index}"};
+    }
+    return {code, form.fields, form.text};
+}
 
 constexpr std::array kRequests{
-    RequestRow{kJAcF, kNone, ""},
-    RequestRow{kJBtP, kNone, ""},
-    RequestRow{kJCPK, kNone, ""},
-    RequestRow{kJEPp, kPoint, "{x},{y}"},
-    RequestRow{kJESI, kSignedValue, "{value}"},
-    RequestRow{kJElP, kPoint, "{x},{y}"},
-    RequestRow{kJElV, kSignedValue, "{value}"},
-    RequestRow{kJGRV, kIndex, "{index}"},
-    RequestRow{kJGlM, kPoint, "{x},{y}"},
-    RequestRow{kJObE, kNone, ""},
-    RequestRow{kJObT, kNone, ""},
-    RequestRow{kJPMC, kNone, ""},
-    RequestRow{kJPME, kNone, ""},
-    RequestRow{kJPMS, kNone, ""},
-    RequestRow{kJPth, kNone, ""},
-    RequestRow{kJSIS, kNone, ""},
-    RequestRow{kJSRV, kNone, ""},
-    RequestRow{kJStO, kNone, ""},
-    RequestRow{kJTWP, kTargetFrame, "target {target} at {x},{y} size {width}x{height}"},
-    RequestRow{kJWiP, kFrame, "at {x},{y} size {width}x{height}"},
-    RequestRow{kJXRs, kNone, ""},
+#define REQUEST(code, guard, body, operation, reply) Row(k##code, kFormOf##reply),
+#include "VEKCommon/Requests.def"
+#undef REQUEST
 };
 
 }  // namespace

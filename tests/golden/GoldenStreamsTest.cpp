@@ -138,10 +138,12 @@ Content::Content(const Lines& recording) {
 // So that a recording made anew cannot lose what it is there for.
 TEST_P(GoldenStreams, HoldEveryRequestReplyMessageAndEvent) {
     const Content content(ReadLines(PathOf(GetParam().scene)));
-    EXPECT_THAT(content.requests,
-                IsSupersetOf({"JAcF", "JBtP", "JCPK", "JEPp", "JESI", "JElP", "JElV",
-                              "JGRV", "JGlM", "JObE", "JObT", "JPMC", "JPME", "JPMS",
-                              "JPth", "JSIS", "JSRV", "JStO", "JTWP", "JWiP", "JXRs"}));
+    const std::vector<std::string> requests = {
+#define REQUEST(code, ...) #code,
+#include "VEKCommon/Requests.def"
+#undef REQUEST
+    };
+    EXPECT_THAT(content.requests, IsSupersetOf(requests));
     EXPECT_THAT(content.answered,
                 ElementsAre("JEPp", "JESI", "JElP", "JElV", "JGRV", "JGlM", "JTWP", "JWiP"));
     EXPECT_THAT(content.messages, ElementsAre("JFSC", "JFTC", "JSLg", "Stus"));

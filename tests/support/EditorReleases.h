@@ -1,6 +1,8 @@
 // The releases of the editing application that the driver knows, as tests go through them.
 #pragma once
 
+#include <ostream>
+
 #include "accessibility/VersionProfiles.h"
 
 namespace test_support {
@@ -23,5 +25,10 @@ inline constexpr EditorRelease kEditorReleases[] = {
 #undef EDITOR_RELEASE
 #undef EDITOR_RELEASE_ALIKE
 };
+
+// What GoogleTest calls one.
+inline void PrintTo(const EditorRelease& release, std::ostream* out) {
+    *out << release.scene;
+}
 
 }  // namespace test_support
