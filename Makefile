@@ -2,7 +2,11 @@
 
 needs_linux := demo check check-sanitize check-variants check-variants-sanitize coverage mutants \
 	endurance fuzz fuzz-coverage build lint packages
-.PHONY: $(needs_linux) clean
+.PHONY: $(needs_linux) clean help
+
+## help: this list
+help:
+	@sed -n 's/^## \([a-z-]*\): /make \1\t/p' Makefile | expand -t 30
 
 ifeq ($(shell uname),Darwin)
 # The packages, the layer and the simulated desktop need Linux; on a Mac, CMake builds and tests.
@@ -10,72 +14,78 @@ $(needs_linux):
 	@echo "make $@ needs Linux: on a Mac, cmake -B build && cmake --build build && ctest --test-dir build" >&2; exit 1
 else
 
+## demo: a session with the driver, shown to a person
 demo: packages
 	@cmake --preset linux >/dev/null
 	@cmake --build --preset linux --target KRT9Background krt9-desktop krt9ctl
 	@scripts/demo
 
+## check: every test; the last line counts them
 check: build
 	@scripts/run-tests build
 
-# The whole suite again under AddressSanitizer (leaks included) and UndefinedBehaviorSanitizer.
+## check-sanitize: the same under AddressSanitizer, with leaks, and UndefinedBehaviorSanitizer
 check-sanitize: packages
 	@cmake --preset sanitize >/dev/null
 	@cmake --build --preset sanitize
 	@scripts/run-tests build-sanitize
 
-# The suite in a build that measures coverage, and the branches it reaches. Fails when a branch of
-# the driver is missed.
+## coverage: the branches that the tests reach; fails when they miss one of the driver
 coverage: packages
 	@cmake --preset coverage >/dev/null
 	@cmake --build --preset coverage
 	@scripts/coverage
 
-# Whether the tests notice single-line changes: 400 in the driver's folders, 200 below it. Hours.
+## mutants: whether the tests notice single changed lines, 400 in the driver, 200 below; hours
 mutants: packages
 	@scripts/mutants --count 400 --seed 7
 	@scripts/mutants --count 200 --seed 7 platform desktop
 
-# Under each variant of the platform layer, the tests that could notice it (docs/platform.md).
+## check-variants: tests under each way in which macOS may behave (docs/platform.md)
 check-variants: build
 	@scripts/variants build
 
+## check-variants-sanitize: the same under the sanitizers
 check-variants-sanitize: packages
 	@cmake --preset sanitize >/dev/null
 	@cmake --build --preset sanitize
 	@scripts/variants build-sanitize
 
-# The tests in their long form: a million requests, a thousand interrupts, ten thousand
-# repetitions of each request; then each fuzz target for a quarter of an hour.
+# A million requests, a thousand interrupts, ten thousand repetitions of each request.
+## endurance: tests in their long form, then each fuzz target for a quarter of an hour
 endurance: build
 	@KRT9_ENDURANCE=1 scripts/run-tests build
 	@$(MAKE) fuzz SECONDS=900
 
-# Every fuzz target for SECONDS seconds.
+## fuzz: every fuzz target for SECONDS seconds (30)
 SECONDS ?= 30
 fuzz: packages
 	@cmake --preset fuzz >/dev/null
 	@cmake --build --preset fuzz
 	@scripts/fuzz $(SECONDS)
 
-# For each fuzz target, the lines of its sources that its corpus reaches.
+## fuzz-coverage: for each fuzz target, the lines of its sources that its corpus reaches
 fuzz-coverage: packages
 	@cmake --preset fuzz-coverage >/dev/null
 	@cmake --build --preset fuzz-coverage
 	@scripts/fuzz --coverage
 
+## build: the driver, krt9ctl, the simulated desktop and the tests
 build: packages
 	@cmake --preset linux >/dev/null
 	@cmake --build --preset linux
 
+## lint: style, includes, static analysis, and that what macOS compiles compiles
 lint: build
 	@scripts/lint
 
+## packages: installs what is missing, as root or with sudo
 packages:
 	@scripts/install-packages
 
 endif
 
+## clean: removes every build folder
 clean:
 	rm -rf build build-sanitize build-coverage build-fuzz build-fuzz-coverage build-apple \
 	    build-libcxx

@@ -266,7 +266,6 @@ class Editor:
                        "framesPerSecond": 25},
             "windows": windows}
 
-
     def name_places(self):
         """Addresses of the texts with the clip's name; one when both sources are the same text."""
         return ["/AXWindow/AXSplitGroup/AXSplitGroup/AXGroup[2]/AXGroup/%d" % i
