@@ -6,7 +6,7 @@
 #include "desktop/Desktop.h"
 #include "desktop/SceneValue.h"
 #include "desktop/Script.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 namespace desktop {
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 namespace desktop {
 

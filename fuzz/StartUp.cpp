@@ -6,7 +6,7 @@
 // of it when it runs with ASAN_OPTIONS=fast_unwind_on_malloc=0.
 #include "fuzz/StartUp.h"
 
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 extern "C" {
 

@@ -1,7 +1,7 @@
 #import <AppKit/NSScreen.h>
 
 #include "platform/ApplicationServices/Display.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 using platform_testing::IsOn;
 using platform_testing::Variant;

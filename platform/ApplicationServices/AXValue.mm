@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "platform/CoreFoundation/CFRuntime.h"
+#include "platform/CoreFoundation/Runtime/CFRuntime.h"
 
 namespace {
 

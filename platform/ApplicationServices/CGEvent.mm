@@ -6,10 +6,10 @@
 #include <memory>
 
 #include "platform/ApplicationServices/Display.h"
-#include "platform/CoreFoundation/CFRuntime.h"
+#include "platform/CoreFoundation/Runtime/CFRuntime.h"
 #include "platform/DesktopLink/Session.h"
 #include "platform/DesktopLink/Transport.h"
-#include "platform/Testing/EventFaults.h"
+#include "platform/Variants/EventFaults.h"
 
 using desktop_link::Event;
 using platform_testing::EventCreation;

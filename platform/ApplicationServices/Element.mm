@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "platform/CoreFoundation/CFRuntime.h"
+#include "platform/CoreFoundation/Runtime/CFRuntime.h"
 #include "platform/DesktopLink/Session.h"
 
 // Immutable except for its time-out, which belongs to the object and not to the control.

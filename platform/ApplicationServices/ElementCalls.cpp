@@ -6,7 +6,7 @@
 #include "platform/ApplicationServices/Element.h"
 #include "platform/ApplicationServices/ValueConversion.h"
 #include "platform/DesktopLink/Transport.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 using application_services::CreateArray;
 using application_services::CreateObject;

@@ -6,7 +6,7 @@
 
 #include "platform/DesktopLink/Session.h"
 #include "platform/DesktopLink/Transport.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 namespace core_midi {
 

@@ -8,7 +8,7 @@
 
 #include "platform/DesktopLink/Session.h"
 #include "platform/DesktopLink/Transport.h"
-#include "platform/Testing/MidiFaults.h"
+#include "platform/Variants/MidiFaults.h"
 
 using platform_testing::MidiCreation;
 using platform_testing::MidiCreationFails;

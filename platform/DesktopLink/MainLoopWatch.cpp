@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "platform/CoreFoundation/RunLoopDescriptorSource.h"
+#include "platform/CoreFoundation/RunLoop/RunLoopDescriptorSource.h"
 #include "platform/LocalSocket/SessionDirectory.h"
 
 namespace desktop_link {

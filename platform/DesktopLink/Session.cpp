@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "platform/DesktopLink/Transport.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 namespace desktop_link {
 

@@ -9,9 +9,9 @@
 #include <cstdio>
 #include <ctime>
 
-#include "platform/CoreFoundation/FormatText.h"
-#include "platform/CoreFoundation/StringUnits.h"
-#include "platform/CoreFoundation/TextEncoding.h"
+#include "platform/CoreFoundation/Strings/FormatText.h"
+#include "platform/CoreFoundation/Strings/StringUnits.h"
+#include "platform/CoreFoundation/Strings/TextEncoding.h"
 #include "platform/Foundation/LogSink.h"
 
 namespace {

@@ -11,10 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/CoreFoundation/CanonicalText.h"
-#include "platform/CoreFoundation/IntegerText.h"
-#include "platform/CoreFoundation/StringUnits.h"
-#include "platform/CoreFoundation/TextEncoding.h"
+#include "platform/CoreFoundation/Numbers/IntegerText.h"
+#include "platform/CoreFoundation/Strings/CanonicalText.h"
+#include "platform/CoreFoundation/Strings/StringUnits.h"
+#include "platform/CoreFoundation/Strings/TextEncoding.h"
 
 using core_foundation::StringUnits;
 

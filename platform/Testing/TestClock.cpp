@@ -1,6 +1,6 @@
 #include "platform/Testing/TestClock.h"
 
-#include "platform/CoreFoundation/RunLoopClock.h"
+#include "platform/CoreFoundation/RunLoop/RunLoopClock.h"
 
 namespace platform_testing {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "VEKCommon/MessageCodes.h"
-#include "platform/Testing/EventFaults.h"
+#include "platform/Variants/EventFaults.h"
 #include "tests/unit/protocol/DispatcherTest.h"
 
 namespace adversary {

@@ -13,7 +13,7 @@
 #include "platform/DesktopLink/Session.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/adversary/HostileDocuments.h"
 #include "tests/support/DriverInspector.h"

@@ -17,7 +17,7 @@
 
 #include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/TestClock.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/adversary/DriverUnderAttack.h"
 #include "tests/adversary/Operations.h"
 #include "tests/support/CallClock.h"

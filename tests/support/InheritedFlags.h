@@ -4,7 +4,7 @@
 #include <regex>
 #include <string>
 
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 namespace test_support {
 

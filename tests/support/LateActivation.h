@@ -3,7 +3,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 namespace test_support {
 

@@ -1,4 +1,4 @@
-#import "Bundle.h"
+#import "platform/CoreFoundation/Bundle/Bundle.h"
 
 #include <CoreFoundation/CFPropertyList.h>
 
@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "BundleFile.h"
-#include "BundleLayout.h"
-#include "Languages.h"
-#include "platform/Testing/Variants.h"
+#include "platform/CoreFoundation/Bundle/BundleFile.h"
+#include "platform/CoreFoundation/Bundle/BundleLayout.h"
+#include "platform/CoreFoundation/Bundle/Languages.h"
+#include "platform/Variants/Variants.h"
 
 namespace {
 

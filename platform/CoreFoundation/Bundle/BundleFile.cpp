@@ -1,4 +1,4 @@
-#include "BundleFile.h"
+#include "platform/CoreFoundation/Bundle/BundleFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "BundleLayout.h"
+#include "platform/CoreFoundation/Bundle/BundleLayout.h"
 
 #include <algorithm>
 #include <set>

@@ -2,7 +2,7 @@
 
 #include <CoreFoundation/CFBundle.h>
 
-#import "Bundle.h"
+#import "platform/CoreFoundation/Bundle/Bundle.h"
 
 // Core Foundation's bundles are Foundation's bundles.
 

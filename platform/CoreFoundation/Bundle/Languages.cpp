@@ -1,4 +1,4 @@
-#include "Languages.h"
+#include "platform/CoreFoundation/Bundle/Languages.h"
 
 #include <algorithm>
 #include <array>

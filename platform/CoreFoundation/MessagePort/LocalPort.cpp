@@ -6,7 +6,7 @@
 
 #include "platform/CoreFoundation/MessagePort/MessageData.h"
 #include "platform/CoreFoundation/MessagePort/PortTable.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 namespace message_port {
 namespace {

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 namespace message_port {
 namespace {

@@ -9,8 +9,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/CoreFoundation/CFObject.h"
-#include "platform/CoreFoundation/RunLoopDescriptorSource.h"
+#include "platform/CoreFoundation/RunLoop/RunLoopDescriptorSource.h"
+#include "platform/CoreFoundation/Runtime/CFObject.h"
 
 namespace message_port {
 

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string>
 
-#include "platform/CoreFoundation/CFObject.h"
+#include "platform/CoreFoundation/Runtime/CFObject.h"
 
 namespace message_port {
 

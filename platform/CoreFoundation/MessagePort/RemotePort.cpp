@@ -9,7 +9,7 @@
 
 #include "platform/CoreFoundation/MessagePort/MessageData.h"
 #include "platform/CoreFoundation/MessagePort/PortTable.h"
-#include "platform/CoreFoundation/RunLoopPoller.h"
+#include "platform/CoreFoundation/RunLoop/RunLoopPoller.h"
 
 namespace message_port {
 namespace {

@@ -11,7 +11,7 @@
 #include "platform/CoreFoundation/MessagePort/MessageFrame.h"
 #include "platform/CoreFoundation/MessagePort/PeerQueue.h"
 #include "platform/CoreFoundation/MessagePort/Port.h"
-#include "platform/CoreFoundation/RunLoop.h"
+#include "platform/CoreFoundation/RunLoop/RunLoop.h"
 #include "platform/LocalSocket/Socket.h"
 
 namespace message_port {

@@ -1,4 +1,4 @@
-#include "BinaryReader.h"
+#include "platform/CoreFoundation/PropertyList/BinaryReader.h"
 
 #include <algorithm>
 #include <array>

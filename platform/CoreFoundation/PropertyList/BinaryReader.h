@@ -5,7 +5,7 @@
 #include <optional>
 #include <span>
 
-#include "ObjectMaker.h"
+#include "platform/CoreFoundation/PropertyList/ObjectMaker.h"
 
 namespace property_list {
 

@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "PropertyListReader.h"
+#include "platform/CoreFoundation/PropertyList/PropertyListReader.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#import "KeyedArchiverUID.h"
+#import "platform/CoreFoundation/PropertyList/KeyedArchiverUID.h"
 
 @implementation CFKeyedArchiverUID
 

@@ -1,4 +1,4 @@
-#include "ObjectMaker.h"
+#include "platform/CoreFoundation/PropertyList/ObjectMaker.h"
 
 #include <CoreFoundation/CFArray.h>
 #include <CoreFoundation/CFData.h>
@@ -8,7 +8,7 @@
 #include <CoreFoundation/CFString.h>
 #import <Foundation/Foundation.h>
 
-#import "KeyedArchiverUID.h"
+#import "platform/CoreFoundation/PropertyList/KeyedArchiverUID.h"
 
 namespace property_list {
 

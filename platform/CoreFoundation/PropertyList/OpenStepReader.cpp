@@ -1,4 +1,4 @@
-#include "OpenStepReader.h"
+#include "platform/CoreFoundation/PropertyList/OpenStepReader.h"
 
 #include <algorithm>
 #include <optional>

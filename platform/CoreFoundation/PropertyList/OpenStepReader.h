@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "ObjectMaker.h"
+#include "platform/CoreFoundation/PropertyList/ObjectMaker.h"
 
 namespace property_list {
 

@@ -1,12 +1,12 @@
-#include "PropertyListReader.h"
+#include "platform/CoreFoundation/PropertyList/PropertyListReader.h"
 
 #include <optional>
 #include <string>
 
-#include "BinaryReader.h"
-#include "OpenStepReader.h"
-#include "Text.h"
-#include "XmlReader.h"
+#include "platform/CoreFoundation/PropertyList/BinaryReader.h"
+#include "platform/CoreFoundation/PropertyList/OpenStepReader.h"
+#include "platform/CoreFoundation/PropertyList/Text.h"
+#include "platform/CoreFoundation/PropertyList/XmlReader.h"
 
 namespace property_list {
 

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <span>
 
-#include "ObjectMaker.h"
+#include "platform/CoreFoundation/PropertyList/ObjectMaker.h"
 
 namespace property_list {
 

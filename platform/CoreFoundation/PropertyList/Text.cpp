@@ -1,4 +1,4 @@
-#include "Text.h"
+#include "platform/CoreFoundation/PropertyList/Text.h"
 
 #include <iconv.h>
 

@@ -1,4 +1,4 @@
-#include "XmlReader.h"
+#include "platform/CoreFoundation/PropertyList/XmlReader.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "XmlScalars.h"
+#include "platform/CoreFoundation/PropertyList/XmlScalars.h"
 
 namespace property_list {
 

@@ -1,4 +1,4 @@
-#include "XmlScalars.h"
+#include "platform/CoreFoundation/PropertyList/XmlScalars.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/CoreFoundation/IntegerText.h"
+#include "platform/CoreFoundation/Numbers/IntegerText.h"
 
 namespace property_list {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "ObjectMaker.h"
+#include "platform/CoreFoundation/PropertyList/ObjectMaker.h"
 
 namespace property_list {
 

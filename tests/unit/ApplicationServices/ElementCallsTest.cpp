@@ -3,7 +3,7 @@
 
 #include "platform/ApplicationServices/Element.h"
 #include "platform/Testing/LiveObjects.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/SessionFixture.h"

@@ -1,8 +1,8 @@
 #include <ApplicationServices/ApplicationServices.h>
 #include <gtest/gtest.h>
 
-#include "platform/Testing/EventFaults.h"
 #include "platform/Testing/LiveObjects.h"
+#include "platform/Variants/EventFaults.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/SessionFixture.h"

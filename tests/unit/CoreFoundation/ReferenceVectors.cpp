@@ -1,4 +1,4 @@
-#include "ReferenceVectors.h"
+#include "tests/unit/CoreFoundation/ReferenceVectors.h"
 
 #include <algorithm>
 #include <fstream>

@@ -3,7 +3,7 @@
 
 #include <set>
 
-#include "platform/Testing/MidiFaults.h"
+#include "platform/Variants/MidiFaults.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/SessionFixture.h"
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "Samples.h"
+#include "tests/unit/DesktopLink/Samples.h"
 
 namespace desktop_link {
 

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "Samples.h"
+#include "tests/unit/DesktopLink/Samples.h"
 
 namespace desktop_link {
 

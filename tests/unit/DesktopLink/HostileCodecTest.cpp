@@ -3,8 +3,8 @@
 
 #include <random>
 
-#include "Samples.h"
 #include "platform/DesktopLink/Utf8.h"
+#include "tests/unit/DesktopLink/Samples.h"
 
 namespace desktop_link {
 

@@ -5,7 +5,7 @@
 
 #include "platform/DesktopLink/Session.h"
 #include "platform/DesktopLink/Transport.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/DesktopLink/FakeDesktop.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 
 namespace {
 

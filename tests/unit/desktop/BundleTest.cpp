@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "Client.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

@@ -1,8 +1,8 @@
 // Commands and scenes in their less common forms.
-#include "Client.h"
 #include "desktop/InProcessTransport.h"
 #include "desktop/JsonFields.h"
 #include "desktop/Timecode.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

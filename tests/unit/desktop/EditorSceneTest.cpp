@@ -1,10 +1,10 @@
 // The editor scenes: every control that observation needs is where a search reaches it.
 #include <fstream>
 
-#include "Client.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/EditorReleases.h"
 #include "tests/support/Paths.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

@@ -1,5 +1,5 @@
 // What elements answer and how they react.
-#include "Client.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

@@ -1,5 +1,5 @@
 // Posted events, the modifier keys they hold down, and the pointer.
-#include "Client.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

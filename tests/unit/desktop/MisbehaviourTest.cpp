@@ -1,5 +1,5 @@
 // Every way in which elements and applications can deviate.
-#include "Client.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

@@ -6,8 +6,8 @@
 
 #include <fstream>
 
-#include "SocketClient.h"
 #include "tests/support/Paths.h"
+#include "tests/unit/desktop/SocketClient.h"
 
 namespace desktop {
 

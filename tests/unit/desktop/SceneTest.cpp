@@ -1,7 +1,7 @@
 // Loading scenes, refusing bad ones, and writing them back.
 #include <random>
 
-#include "Client.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

@@ -1,5 +1,5 @@
 // Commands, activation, the playing of scripts.
-#include "Client.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

@@ -2,9 +2,9 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include "SocketClient.h"
 #include "desktop/InProcessTransport.h"
 #include "desktop/Server.h"
+#include "tests/unit/desktop/SocketClient.h"
 
 namespace desktop {
 

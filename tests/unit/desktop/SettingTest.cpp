@@ -2,7 +2,7 @@
 #include <cmath>
 #include <limits>
 
-#include "Client.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

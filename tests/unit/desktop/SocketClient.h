@@ -11,10 +11,10 @@
 #include <string>
 #include <thread>
 
-#include "Client.h"
 #include "platform/DesktopLink/Framing.h"
 #include "platform/LocalSocket/Frames.h"
 #include "platform/LocalSocket/Socket.h"
+#include "tests/unit/desktop/Client.h"
 
 namespace desktop {
 

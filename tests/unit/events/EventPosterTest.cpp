@@ -7,9 +7,9 @@
 
 #include "events/VEK_EventPoster.h"
 #include "platform/DesktopLink/Transport.h"
-#include "platform/Testing/EventFaults.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
+#include "platform/Variants/EventFaults.h"
 #include "tests/unit/events/QuartzCalls.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/Testing/LiveObjects.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"

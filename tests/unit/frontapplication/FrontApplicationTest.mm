@@ -10,7 +10,7 @@
 #import "frontapplication/VEK_Driver_FrontAppObserver.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/TestClock.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/support/InProcessDesktop.h"
 #include "tests/support/LateActivation.h"
 #include "tests/support/TemporaryFolder.h"

@@ -6,7 +6,7 @@
 
 #include "VEKCommon/MessageCodes.h"
 #include "platform/DesktopLink/Transport.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/support/LateActivation.h"
 #include "tests/unit/protocol/DispatcherTest.h"
 

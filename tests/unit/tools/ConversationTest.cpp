@@ -4,8 +4,8 @@
 
 #include <sstream>
 
-#include "PlanOf.h"
 #include "VEKCommon/MessageCodes.h"
+#include "tests/unit/tools/PlanOf.h"
 #include "tools/Conversation.h"
 
 namespace krt9ctl {

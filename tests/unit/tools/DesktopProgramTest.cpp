@@ -5,10 +5,10 @@
 #include <fstream>
 #include <sstream>
 
-#include "OnTerminal.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
+#include "tests/unit/tools/OnTerminal.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <set>
 #include <sstream>
 
-#include "DesktopSession.h"
 #include "tests/support/Paths.h"
+#include "tests/unit/tools/DesktopSession.h"
 
 namespace krt9ctl {
 namespace {

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "DesktopSession.h"
+#include "tests/unit/tools/DesktopSession.h"
 
 namespace krt9ctl {
 namespace {

@@ -4,7 +4,7 @@
 #include <set>
 #include <sstream>
 
-#include "PlanOf.h"
+#include "tests/unit/tools/PlanOf.h"
 #include "tools/Grammar.h"
 
 namespace krt9ctl {

@@ -6,9 +6,9 @@
 #include <cmath>
 #include <functional>
 
-#include "DesktopSession.h"
 #include "scenes/notation/Names.h"
 #include "scenes/notation/Values.h"
+#include "tests/unit/tools/DesktopSession.h"
 #include "tools/Reference.h"
 #include "tools/SceneValue.h"
 #include "tools/Text.h"

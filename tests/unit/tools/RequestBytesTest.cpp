@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "PlanOf.h"
+#include "tests/unit/tools/PlanOf.h"
 
 namespace krt9ctl {
 namespace {

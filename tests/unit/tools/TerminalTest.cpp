@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "OnTerminal.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
+#include "tests/unit/tools/OnTerminal.h"
 #include "tools/Reference.h"
 #include "tools/terminal/Help.h"
 #include "tools/terminal/Terminal.h"

@@ -9,7 +9,7 @@
 
 #include "platform/LocalSocket/Socket.h"
 #include "platform/Testing/TestClock.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/CoreFoundation/MessagePort/Ports.h"
 #include "tests/unit/CoreFoundation/MessagePort/RawPeer.h"

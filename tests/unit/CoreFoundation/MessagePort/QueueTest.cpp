@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Testing/TestClock.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/CoreFoundation/MessagePort/Ports.h"
 

@@ -12,7 +12,7 @@
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
 #include "platform/Testing/TestClock.h"
-#include "platform/Testing/Variants.h"
+#include "platform/Variants/Variants.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/CoreFoundation/MessagePort/Ports.h"
 

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "platform/CoreFoundation/RunLoopDescriptorSource.h"
+#include "platform/CoreFoundation/RunLoop/RunLoopDescriptorSource.h"
 #include "platform/LocalSocket/Socket.h"
 #include "tests/unit/CoreFoundation/RunLoop/Scene.h"
 

@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/CoreFoundation/RunLoopPoller.h"
+#include "platform/CoreFoundation/RunLoop/RunLoopPoller.h"
 #include "platform/LocalSocket/Socket.h"
 #include "platform/Testing/TestClock.h"
 #include "tests/unit/CoreFoundation/RunLoop/Scene.h"
