@@ -121,7 +121,7 @@ void CFRunLoopSourceSignal(CFRunLoopSourceRef source) {
     auto* signalled = dynamic_cast<SignalledSource*>(&Implementation<Source>(source, __func__));
     if (signalled != nullptr) {
         const std::lock_guard lock(run_loop::StructureMutex());
-        signalled->signalled = true;
+        signalled->SetSignalled(true);
     }
 }
 

@@ -123,8 +123,7 @@ bool RunLoop::Insert(Source& source, Mode& mode) {
         return false;
     }
     mode.sources.emplace_back(&source);
-    source.placements.push_back({this, &mode});
-    source.Enter(mode);
+    source.Placed(*this, mode);
     return true;
 }
 
@@ -145,8 +144,7 @@ void RunLoop::Insert(Item& item, Mode& mode) {
     if (!Contains(mode.Items<Item>(), item)) {
         Place(item, mode);
         ++mode.revision;
-        item.loop = this;
-        item.modes.push_back(&mode);
+        item.Join(*this, mode);
     }
 }
 
@@ -176,7 +174,7 @@ template <typename Item>
 void RunLoop::AddItem(Item& item, CFRunLoopMode modeName) {
     {
         const std::lock_guard lock(StructureMutex());
-        if (!item.IsValid() || (item.loop != nullptr && item.loop != this)) {
+        if (!item.IsValid() || !item.MayJoin(*this)) {
             return;
         }
         if (auto& common = CommonItems<Item>();
@@ -201,8 +199,7 @@ void RunLoop::RemoveSource(Source& source, CFRunLoopMode modeName) {
         for (Mode* mode : ModesFor(modeName)) {
             if (auto taken = Withdraw(source, *mode)) {
                 withdrawn.push_back(std::move(taken));
-                std::erase_if(source.placements,
-                              [mode](const auto& placement) { return placement.mode == mode; });
+                source.Displaced(*mode);
                 left.push_back(mode);
             }
         }
@@ -216,19 +213,19 @@ template <typename Item>
 void RunLoop::RemoveItem(Item& item, CFRunLoopMode modeName) {
     std::vector<Retained<Item>> withdrawn;  // released after the mutex
     const std::lock_guard lock(StructureMutex());
-    if (item.loop != this) {
+    if (!item.IsOf(*this)) {
         return;
     }
     if (IsCommonModes(modeName)) {
         withdrawn.push_back(WithdrawCommonItem(item));
     }
+    bool leftLoop = false;
     for (Mode* mode : ModesFor(modeName)) {
         withdrawn.push_back(Withdraw(item, *mode));
-        std::erase(item.modes, mode);
+        leftLoop = item.Leave(*mode);
     }
-    if (item.modes.empty()) {
+    if (leftLoop) {
         withdrawn.push_back(WithdrawCommonItem(item));
-        item.loop = nullptr;
     }
 }
 

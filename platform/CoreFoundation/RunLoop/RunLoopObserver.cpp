@@ -37,12 +37,12 @@ void Observer::Invalidate() {
         if (!valid_.exchange(false)) {
             return;
         }
-        if (loop != nullptr) {
-            withdrawn.push_back(loop->WithdrawCommonItem(*this));
-            for (Mode* mode : std::exchange(modes, {})) {
-                withdrawn.push_back(loop->Withdraw(*this, *mode));
+        const Membership membership = LeaveAll();
+        if (membership.loop != nullptr) {
+            withdrawn.push_back(membership.loop->WithdrawCommonItem(*this));
+            for (Mode* mode : membership.modes) {
+                withdrawn.push_back(membership.loop->Withdraw(*this, *mode));
             }
-            loop = nullptr;
         }
     }
     if (context_.release != nullptr) {

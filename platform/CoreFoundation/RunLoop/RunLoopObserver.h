@@ -6,16 +6,13 @@
 #include <atomic>
 #include <vector>
 
-#include "platform/CoreFoundation/Runtime/CFObject.h"
+#include "platform/CoreFoundation/RunLoop/RunLoopMember.h"
 
 namespace run_loop {
 
 using core_foundation::Retained;
 
-class RunLoop;
-struct Mode;
-
-class Observer final : public core_foundation::Object {
+class Observer final : public LoopMember {
   public:
     static CFTypeID TypeID() { return CFRunLoopObserverGetTypeID(); }
     CFTypeID Type() const override { return TypeID(); }
@@ -41,10 +38,6 @@ class Observer final : public core_foundation::Object {
 
     // Removes the observer from its loop permanently. The mutex is not held.
     void Invalidate();
-
-    // Its one loop, and the modes of that loop it is in. Guarded by StructureMutex().
-    RunLoop* loop = nullptr;
-    std::vector<Mode*> modes;
 
   private:
     void Finalize() override { Invalidate(); }

@@ -111,7 +111,7 @@ bool RunLoop::PerformSignalledSources(Mode& mode, bool onlyOne) {
     {
         const std::lock_guard lock(StructureMutex());
         for (const auto& source : mode.sources) {
-            if (source->signalled) {
+            if (source->IsSignalled()) {
                 if (auto* candidate = dynamic_cast<SignalledSource*>(source.get())) {
                     signalled.emplace_back(candidate);
                 }
@@ -125,7 +125,7 @@ bool RunLoop::PerformSignalledSources(Mode& mode, bool onlyOne) {
     for (const auto& source : signalled) {
         {
             const std::lock_guard lock(StructureMutex());
-            if (!source->IsValid() || !std::exchange(source->signalled, false)) {
+            if (!source->IsValid() || !source->TakeSignal()) {
                 continue;
             }
         }
@@ -245,11 +245,7 @@ bool RunLoop::PerformReady(Mode& mode, const Poller::Readiness& readiness) {
             return false;
         }
         source = Retained(watcher->second);
-        for (const auto& watch : source->watches) {
-            if (watch.token == readiness.token) {
-                descriptor = watch.descriptor;
-            }
-        }
+        descriptor = source->DescriptorOf(readiness.token);
     }
     return source->Perform(descriptor, readiness.events);
 }
@@ -257,7 +253,7 @@ bool RunLoop::PerformReady(Mode& mode, const Poller::Readiness& readiness) {
 Retained<DescriptorSource> RunLoop::SourceWithBacklog(const Mode& mode) {
     const std::lock_guard lock(StructureMutex());
     for (const auto& source : mode.sources) {
-        if (source->signalled) {
+        if (source->IsSignalled()) {
             if (auto* candidate = dynamic_cast<DescriptorSource*>(source.get())) {
                 return Retained(candidate);
             }
@@ -270,7 +266,7 @@ bool RunLoop::PerformBacklog(DescriptorSource& source) {
     {
         // A timer that fired in the meantime may have ended the source.
         const std::lock_guard lock(StructureMutex());
-        if (!source.IsValid() || !source.signalled) {
+        if (!source.IsValid() || !source.IsSignalled()) {
             return false;
         }
     }

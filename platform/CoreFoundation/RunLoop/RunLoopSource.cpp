@@ -34,7 +34,7 @@ void Source::Invalidate() {
             return;
         }
         valid_ = false;
-        for (const auto& [loop, mode] : std::exchange(placements, {})) {
+        for (const auto& [loop, mode] : std::exchange(placements_, {})) {
             withdrawn.push_back(loop->Withdraw(*this, *mode));
             withdrawn.push_back(loop->WithdrawCommonItem(*this));
             if (loop->TryRetain()) {
@@ -46,6 +46,16 @@ void Source::Invalidate() {
         Cancelled(*departure.loop, departure.mode);
     }
     Invalidated();
+}
+
+void Source::Placed(RunLoop& loop, Mode& mode) {
+    placements_.push_back({&loop, &mode});
+    Enter(mode);
+}
+
+void Source::Displaced(const Mode& mode) {
+    std::erase_if(placements_,
+                  [&mode](const Placement& placement) { return placement.mode == &mode; });
 }
 
 SignalledSource::SignalledSource(CFIndex order, const CFRunLoopSourceContext& context)
@@ -80,14 +90,14 @@ void SignalledSource::Invalidated() {
 }
 
 void DescriptorSource::Enter(Mode& mode) {
-    for (const auto& watch : watches) {
+    for (const Watched& watch : watches_) {
         mode.watchers[watch.token] = this;
         mode.poller.Add(watch.descriptor, watch.events, watch.token);
     }
 }
 
 void DescriptorSource::Leave(Mode& mode) {
-    for (const auto& watch : watches) {
+    for (const Watched& watch : watches_) {
         mode.watchers.erase(watch.token);
         mode.poller.Remove(watch.descriptor);
     }
@@ -101,44 +111,59 @@ CFRunLoopSourceRef CreateDescriptorSource(CFIndex order, Presence presence,
         ->Ref();
 }
 
-void Watch(CFRunLoopSourceRef sourceRef, int descriptor, std::uint32_t events) {
-    DescriptorSource& source = DescriptorSourceBehind(sourceRef);
-    const std::lock_guard lock(StructureMutex());
-    const auto watch = std::find_if(source.watches.begin(), source.watches.end(),
-                                    [&](const auto& w) { return w.descriptor == descriptor; });
-    if (watch == source.watches.end()) {
-        source.watches.push_back({descriptor, events, NextToken()});
-        for (const auto& placement : source.placements) {
-            placement.mode->watchers[source.watches.back().token] = &source;
-            placement.mode->poller.Add(descriptor, events, source.watches.back().token);
+void DescriptorSource::Watch(int descriptor, std::uint32_t events) {
+    const auto watch = Find(descriptor);
+    if (watch == watches_.end()) {
+        const Watched added = watches_.emplace_back(Watched{descriptor, events, NextToken()});
+        for (const Placement& placement : Placements()) {
+            placement.mode->watchers[added.token] = this;
+            placement.mode->poller.Add(descriptor, events, added.token);
         }
     } else if (watch->events != events) {
         watch->events = events;
-        for (const auto& placement : source.placements) {
+        for (const Placement& placement : Placements()) {
             placement.mode->poller.Change(descriptor, events, watch->token);
         }
     }
 }
 
-void Unwatch(CFRunLoopSourceRef sourceRef, int descriptor) {
-    DescriptorSource& source = DescriptorSourceBehind(sourceRef);
-    const std::lock_guard lock(StructureMutex());
-    const auto watch = std::find_if(source.watches.begin(), source.watches.end(),
-                                    [&](const auto& w) { return w.descriptor == descriptor; });
-    if (watch == source.watches.end()) {
+void DescriptorSource::Unwatch(int descriptor) {
+    const auto watch = Find(descriptor);
+    if (watch == watches_.end()) {
         return;
     }
-    for (const auto& placement : source.placements) {
+    for (const Placement& placement : Placements()) {
         placement.mode->watchers.erase(watch->token);
         placement.mode->poller.Remove(descriptor);
     }
-    source.watches.erase(watch);
+    watches_.erase(watch);
 }
 
-void SetBacklog(CFRunLoopSourceRef sourceRef, bool backlog) {
-    DescriptorSource& source = DescriptorSourceBehind(sourceRef);
+int DescriptorSource::DescriptorOf(std::uint64_t token) const {
+    const auto watch = std::find_if(watches_.begin(), watches_.end(),
+                                    [token](const Watched& each) { return each.token == token; });
+    return watch != watches_.end() ? watch->descriptor : -1;
+}
+
+std::vector<DescriptorSource::Watched>::iterator DescriptorSource::Find(int descriptor) {
+    return std::find_if(watches_.begin(), watches_.end(), [descriptor](const Watched& each) {
+        return each.descriptor == descriptor;
+    });
+}
+
+void Watch(CFRunLoopSourceRef source, int descriptor, std::uint32_t events) {
     const std::lock_guard lock(StructureMutex());
-    source.signalled = backlog;
+    DescriptorSourceBehind(source).Watch(descriptor, events);
+}
+
+void Unwatch(CFRunLoopSourceRef source, int descriptor) {
+    const std::lock_guard lock(StructureMutex());
+    DescriptorSourceBehind(source).Unwatch(descriptor);
+}
+
+void SetBacklog(CFRunLoopSourceRef source, bool backlog) {
+    const std::lock_guard lock(StructureMutex());
+    DescriptorSourceBehind(source).SetSignalled(backlog);
 }
 
 }  // namespace run_loop

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "platform/CoreFoundation/Runtime/CFObject.h"
@@ -42,16 +43,22 @@ class Source : public core_foundation::Object {
     virtual void Scheduled(RunLoop&, CFRunLoopMode) {}
     virtual void Cancelled(RunLoop&, CFRunLoopMode) {}
 
+    // It has entered the mode, or left it.
+    void Placed(RunLoop& loop, Mode& mode);
+    void Displaced(const Mode& mode);
+
+    // Whether it has work to do that no descriptor announces.
+    bool IsSignalled() const { return signalled_; }
+    void SetSignalled(bool signalled) { signalled_ = signalled; }
+    bool TakeSignal() { return std::exchange(signalled_, false); }  // whether there was one
+
+  protected:
     struct Placement {
         RunLoop* loop;
         Mode* mode;
     };
-    std::vector<Placement> placements;
+    const std::vector<Placement>& Placements() const { return placements_; }
 
-    // Has work to do that no descriptor announces.
-    bool signalled = false;
-
-  protected:
     explicit Source(CFIndex order) : order_(order) {}
     void Finalize() override { Invalidate(); }
 
@@ -61,6 +68,8 @@ class Source : public core_foundation::Object {
   private:
     const CFIndex order_;
     bool valid_ = true;
+    bool signalled_ = false;
+    std::vector<Placement> placements_;
 };
 
 // Performed because it was signalled.
@@ -87,12 +96,12 @@ class DescriptorSource final : public Source {
     DescriptorSource(CFIndex order, bool occupiesMode, Handler handler)
         : Source(order), occupiesMode_(occupiesMode), handler_(std::move(handler)) {}
 
-    struct Watch {
-        int descriptor;
-        std::uint32_t events;
-        std::uint64_t token;
-    };
-    std::vector<Watch> watches;
+    // Watches the descriptor for those events of epoll(7), in the place of others; or no more.
+    void Watch(int descriptor, std::uint32_t events);
+    void Unwatch(int descriptor);
+
+    // The descriptor that is watched under the token; -1 for none.
+    int DescriptorOf(std::uint64_t token) const;
 
     bool OccupiesMode() const override { return occupiesMode_; }
     void Enter(Mode& mode) override;
@@ -101,6 +110,14 @@ class DescriptorSource final : public Source {
     bool Perform(int descriptor, std::uint32_t events) { return handler_(descriptor, events); }
 
   private:
+    struct Watched {
+        int descriptor;
+        std::uint32_t events;
+        std::uint64_t token;
+    };
+    std::vector<Watched>::iterator Find(int descriptor);
+
+    std::vector<Watched> watches_;
     const bool occupiesMode_;
     const Handler handler_;
 };

@@ -55,7 +55,7 @@ class Timer::Firing {
 
 void Timer::FireIfDue(const Mode& mode, Instant now) {
     std::unique_lock lock(StructureMutex());
-    const bool inMode = std::find(modes.begin(), modes.end(), &mode) != modes.end();
+    const bool inMode = IsIn(mode);
     if (!inMode || NextDue() > now) {
         return;
     }
@@ -90,12 +90,12 @@ void Timer::Invalidate() {
             return;
         }
         valid_ = false;
-        if (loop != nullptr) {
-            withdrawn.push_back(loop->WithdrawCommonItem(*this));
-            for (Mode* mode : std::exchange(modes, {})) {
-                withdrawn.push_back(loop->Withdraw(*this, *mode));
+        const Membership membership = LeaveAll();
+        if (membership.loop != nullptr) {
+            withdrawn.push_back(membership.loop->WithdrawCommonItem(*this));
+            for (Mode* mode : membership.modes) {
+                withdrawn.push_back(membership.loop->Withdraw(*this, *mode));
             }
-            loop = nullptr;
         }
     }
     if (context_.release != nullptr) {

@@ -3,20 +3,15 @@
 
 #include <CoreFoundation/CFRunLoop.h>
 
-#include <vector>
-
 #include "platform/CoreFoundation/RunLoop/RunLoopClock.h"
-#include "platform/CoreFoundation/Runtime/CFObject.h"
+#include "platform/CoreFoundation/RunLoop/RunLoopMember.h"
 
 namespace run_loop {
 
 using core_foundation::Retained;
 
-class RunLoop;
-struct Mode;
-
 // All members that are not constant are guarded by StructureMutex(), unless they say otherwise.
-class Timer final : public core_foundation::Object {
+class Timer final : public LoopMember {
   public:
     static CFTypeID TypeID() { return CFRunLoopTimerGetTypeID(); }
     CFTypeID Type() const override { return TypeID(); }
@@ -42,10 +37,6 @@ class Timer final : public core_foundation::Object {
 
     // Removes the timer from its loop permanently. The mutex is not held.
     void Invalidate();
-
-    // Its one loop, and the modes of that loop it is in.
-    RunLoop* loop = nullptr;
-    std::vector<Mode*> modes;
 
   private:
     class Firing;
