@@ -1,12 +1,7 @@
 #include "accessibility/VEK_C_AXUtils.h"
 #include "platform/Testing/LogCapture.h"
+#include "tests/unit/accessibility/AXUtilsInspector.h"
 #include "tests/unit/accessibility/AccessibilityTest.h"
-
-struct AXUtilsInspector {
-    static CFMutableDictionaryRef Cache(VEK_C_AXUtils& utils) { return utils.cache_; }
-    static unsigned int Level(VEK_C_AXUtils& utils) { return utils.searchLevel_; }
-    static CFArrayRef Attributes() { return VEK_C_AXUtils::sMultipleAttributes; }
-};
 
 namespace {
 

@@ -1,3 +1,4 @@
+#include "tests/unit/accessibility/AXUtilsInspector.h"
 #include "tests/unit/accessibility/ObservationTest.h"
 
 namespace {
@@ -413,6 +414,16 @@ TEST_F(TimelineIndex, IsNotVisibleWithoutTheToggleOrWithAValueThatIsNoNumber) {
         ShowRadioToggle("_NS:59", children);
         EXPECT_FALSE(driver_->IsTimelineIndexVisible());
     }
+}
+
+// The way of profile rows 0 and 1 begins no search then.
+TEST_F(TimelineIndex, AskedForSetsTheSearchLevelBackAlsoWithoutAFrontApplication) {
+    VEK_C_AXUtils& utils = DriverInspector::AXUtils(*driver_);
+    test_support::SetFrontApplication({nullptr, nullptr, 7});
+    Profile() = 0;
+    utils.SetDebugLevel(7);
+    EXPECT_FALSE(driver_->IsTimelineIndexVisible());
+    EXPECT_EQ(AXUtilsInspector::Level(utils), 0U);
 }
 
 // Identifiers are used for several controls: the role tells them apart.
