@@ -191,6 +191,17 @@ TEST_F(ElementCache, LetsGoOfTheIdentifierWhenReset) {
     EXPECT_EQ(CFGetRetainCount(identifier.get()), before);
 }
 
+TEST_F(ElementCache, LetsGoOfTheIdentifierWhenDestroyed) {
+    auto identifier = String("com.apple.FinalCut of a while ago");
+    CFIndex before = CFGetRetainCount(identifier.get());
+    {
+        VEK_C_AXUtils utils;
+        utils.CachedElementsForApplication(identifier.get());
+        EXPECT_EQ(CFGetRetainCount(identifier.get()), before + 1);
+    }
+    EXPECT_EQ(CFGetRetainCount(identifier.get()), before);
+}
+
 TEST_F(ElementCache, SearchesNeverConsultIt) {
     Fill();
     editor_.ShowWindow({});
