@@ -234,6 +234,23 @@ TEST_F(ChildByDescription, LogsEachChildWhenToldTo) {
                     "   elem 2: got role AXButton"));
 }
 
+TEST_F(ChildByDescription, LogsNothingOtherwise) {
+    auto array =
+        ArrayOf({Child("first", "AXImage", Text("Play")), Child("second", "AXButton", Text("Stop")),
+                 Child("wanted", "AXButton", Text("Play"))});
+    platform_testing::LogCapture console;
+    EXPECT_EQ(Find(array.get()), "wanted");
+    EXPECT_EQ(Find(nullptr), "(none)");
+    EXPECT_THAT(console.Lines(), testing::IsEmpty());
+}
+
+TEST_F(ChildByDescription, LogsTheRoleOfTheFirstChildToo) {
+    auto array = ArrayOf({Child("wanted", "AXButton", Text("Play"))});
+    platform_testing::LogCapture console;
+    EXPECT_EQ(Find(array.get(), true), "wanted");
+    EXPECT_EQ(console.ConsoleTexts().back(), "   elem 0: got role AXButton");
+}
+
 TEST_F(ChildByDescription, LogsTheAddressOfEachChildAndNullForWhatIsNone) {
     auto array = ArrayOf({editor_.Add("AXImage"), editor_.Add("AXImage")});
     platform_testing::LogCapture console;
