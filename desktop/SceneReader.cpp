@@ -143,20 +143,20 @@ Application& SceneReader::AddApplication(json application, const std::string& pl
 Element& SceneReader::AddElement(Element& parent, std::size_t position, json element,
                                  const std::string& place) {
     const bool hadChildren = parent.hasChildren;
-    Element nursery;
-    nursery.pid = parent.pid;
+    Element holder;
+    holder.pid = parent.pid;
     Element* added = nullptr;
     try {
         json::array_t sources;
         sources.push_back(std::move(element));
-        ReadChildren(nursery, std::move(sources), place);
-        added = nursery.children.front();
+        ReadChildren(holder, std::move(sources), place);
+        added = holder.children.front();
         Detach(*added);
         ElementArena::Insert(parent, position, *added);
         ResolveDeferred();
     } catch (const SceneError&) {
         deferred_.clear();
-        model_.arena.DestroyChildren(nursery);
+        model_.arena.DestroyChildren(holder);
         if (added != nullptr) {
             model_.arena.Destroy(*added);
         }

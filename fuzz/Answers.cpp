@@ -23,8 +23,8 @@ using desktop_link::Size;
 
 namespace {
 
-// More than any request of a bounded input needs: a walk that goes on is told that the application
-// answers no more.
+// More than any request of a bounded input needs: after that, a walk is told that the application
+// no longer answers.
 constexpr int kMostAnswers = 4000;
 
 constexpr const char* kRoles[] = {
@@ -94,8 +94,8 @@ constexpr const char* kBuses[] = {
     R"("entities":[{"id":6,"name":"Private","sources":[],"destinations":[]}]}]})",
     "[]", ""};
 
-// As it would come over the wire: what cannot travel does not arrive here either. The copy has
-// exactly the message's size, so that reads beyond it are seen.
+// As received over the wire: what cannot be sent does not arrive here either. The copy has
+// exactly the message's size, so that reads beyond it are detected.
 std::optional<Reply> OverTheWire(const std::vector<std::uint8_t>& message) {
     const auto exact = std::make_unique<std::uint8_t[]>(message.size());
     std::copy(message.begin(), message.end(), exact.get());

@@ -1,6 +1,6 @@
 // A desktop whose every answer the input decides: mostly what an application would say, so that
-// the driver gets deep, but at any place also a value of any other type, any error, no answer at
-// all, or bytes that are no message.
+// the driver gets far, but at any place also a value of any other type, any error, no answer at
+// all, or bytes that are not a message.
 #pragma once
 
 #include <cstdint>

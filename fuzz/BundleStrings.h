@@ -1,4 +1,4 @@
-// What the frameworks make of a bundle's files.
+// Reads a bundle's files as the frameworks do.
 #pragma once
 
 #include <string>

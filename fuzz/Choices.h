@@ -1,4 +1,4 @@
-// What a fuzz input decides, byte by byte. An input that ends decides 0 from then on.
+// The decisions of a fuzz input, byte by byte. At its end an input decides 0.
 #pragma once
 
 #include <algorithm>

@@ -32,7 +32,7 @@ using Payload = std::vector<std::uint8_t>;
 
 constexpr int kMostSteps = 48;
 
-// A NaN is not equal to itself, so that what is compared are the bytes.
+// A NaN is not equal to itself, so the bytes are compared.
 template <typename Message>
 void DecodeAndEncode(std::span<const std::uint8_t> bytes,
                      std::optional<Message> (*decode)(const std::uint8_t*, std::size_t)) {
@@ -130,7 +130,7 @@ class Conversation {
         return request;
     }
 
-    // Of the desktops, one in two reads what it is asked.
+    // Every other desktop reads what it is sent.
     void Ask(unsigned kind) {
         Request request;
         request.operation = Operation::copyAttribute;
@@ -191,7 +191,7 @@ class Conversation {
         }
     }
 
-    // After whatever was sent: a desktop that behaves is understood.
+    // After whatever was sent, a well-behaved desktop is understood.
     void CheckNextDesktop() {
         desktop_.reset();
         BeThere();

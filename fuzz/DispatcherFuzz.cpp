@@ -1,4 +1,4 @@
-// The driver among a companion and a desktop that both do what the input says: requests from the
+// The driver between a companion and a desktop that both do what the input says: requests from the
 // input's front, what the desktop answers from its back.
 //
 // What must hold: no crash, nothing undefined, no endless loop, and no object left over but those
@@ -228,7 +228,7 @@ class Play {
         }
     }
 
-    // The driver remembers for ever where it last looked for a clip's name: after a text that is
+    // The driver permanently remembers where it last looked for a clip's name: after a text that is
     // found by the first of its ways, it begins there again.
     void Settle(CVEK_UserSpaceDriver& driver) {
         answers_.OnlyTheFirstStaticText();

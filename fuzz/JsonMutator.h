@@ -13,7 +13,7 @@ namespace fuzz {
 std::vector<std::string> Lines(const std::uint8_t* data, std::size_t size);
 
 // Changes one place of the tree of one line: a value taken from another place, of another kind,
-// repeated, removed, or with other characters. A line that is no JSON stays as it is.
+// repeated, removed, or with other characters. A line that is not JSON is left unchanged.
 std::vector<std::string> MutateOneLine(std::vector<std::string> lines, unsigned seed);
 
 }  // namespace fuzz

@@ -1,7 +1,7 @@
 // The wire of the message ports, with a peer that sends anything: to a port of this process, and
 // back to a client in this process.
 //
-// What must hold: a peer hurts only itself. One that sends nothing but requests gets the reply to
+// What must hold: a peer harms only itself. One that sends nothing but requests gets the reply to
 // each that wants one, in order unless a callback runs the loop, whatever the others do.
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -239,7 +239,7 @@ class ServedPort {
         }
     }
 
-    // Answers how many bytes there were.
+    // Replies with the number of bytes.
     std::size_t TakeReplies() {
         std::size_t count = 0;
         for (Sender& sender : senders_) {
@@ -270,7 +270,7 @@ class ServedPort {
         sender.expected.erase(found);
     }
 
-    // Answers the data itself.
+    // Replies with the data itself.
     static CFDataRef Receive(CFMessagePortRef, SInt32 msgid, CFDataRef data, void*) {
         fuzz::Check(data != nullptr, "a request has data");
         const CFDataRef copy = CFDataCreate(nullptr, CFDataGetBytePtr(data), CFDataGetLength(data));
@@ -366,7 +366,7 @@ class AskedPort {
 
     static void PortEnds(CFMessagePortRef, void*) { --valid_; }
 
-    // A port whose peer is gone is not valid, and is told so when it is asked.
+    // A port whose peer is gone is not valid, and notices it when it is queried.
     void CheckValidity() {
         const bool valid = CFMessagePortIsValid(port_);
         fuzz::Check(valid_ == (valid ? 1 : 0), "a port that ended is not valid");
@@ -423,7 +423,7 @@ class AskedPort {
     std::optional<local_socket::Listener> listener_;
     std::optional<fuzz::Peer> peer_;
     Inbox inbox_;
-    static inline int valid_ = 0;  // ports whose end was not told yet
+    static inline int valid_ = 0;  // ports whose end was not reported yet
     CFMessagePortRef port_ = nullptr;
     std::uint32_t sequence_ = 0;
 };

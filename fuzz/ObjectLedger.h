@@ -1,4 +1,4 @@
-// Which Foundation and Core Foundation objects live: what one input leaves over is found at once,
+// Which Foundation and Core Foundation objects exist: what one input leaves over is found at once,
 // by the class of the object, even when something still points to it.
 #pragma once
 

@@ -1,7 +1,7 @@
 // Property lists and language files of every format. The first byte chooses the options and who
 // reads: the reader itself, the driver's translations, or a bundle.
 //
-// What must hold: no more time and memory than the bytes warrant, the same bytes are read alike
+// What must hold: no more time and memory than the bytes justify, the same bytes are read alike
 // twice, and what is read is a well-formed tree.
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -120,7 +120,7 @@ void Read(Bytes bytes, CFOptionFlags options) {
     Inspection other;
     one.Inspect(first.root.get());
     other.Inspect(second.root.get());
-    // A binary list's sharing lets comparison take time without bound.
+    // With the sharing in a binary list, a comparison can take unbounded time.
     if (first.format != kCFPropertyListBinaryFormat_v1_0) {
         fuzz::Check(CFEqual(first.root.get(), second.root.get()), "bytes are read alike twice");
     }

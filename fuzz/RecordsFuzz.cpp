@@ -26,7 +26,7 @@ namespace {
 
 using Body = std::span<const std::uint8_t>;
 
-// Memory of exactly that size: a read beyond it is seen.
+// Memory of exactly that size: a read beyond it is detected.
 class Exact {
   public:
     explicit Exact(Body bytes) : memory_(new std::uint8_t[bytes.size()]), size_(bytes.size()) {

@@ -31,7 +31,7 @@ desktop::DesktopOptions Options() {
     return {(fuzz::PrivateFolder() / "bundles").string()};
 }
 
-// Changes nothing when it answers an error, whatever that is.
+// Changes nothing when it returns an error, whichever it is.
 void Run(desktop::Desktop& desktop, const std::string& command) {
     const std::string before = desktop.Dump();
     const std::string answer = desktop.Run(command);
@@ -57,7 +57,7 @@ std::string Text(const nlohmann::json& object, const char* key) {
     return found != object.end() && found->is_string() ? found->get<std::string>() : "";
 }
 
-// Throws SceneError for an element that is not there and a value that is none.
+// Throws SceneError for an element that does not exist and for an invalid value.
 desktop_link::Request ReadRequest(desktop::Desktop& desktop, const nlohmann::json& line) {
     using desktop_link::Operation;
     desktop_link::Request request;

@@ -45,7 +45,7 @@ __attribute__((section(".preinit_array"), used)) void (*const kBeginStart)() = B
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     // Each input writes its bundles where those of the last one lay.
     static const platform_testing::UnderVariant fresh(platform_testing::Variant::freshBundleInfo);
-    // What a socket that is full does is reached only so.
+    // Only this way is the behaviour of a full socket reached.
     static const platform_testing::UnderVariant longQueue(platform_testing::Variant::longPortQueue);
     fuzz::PrepareTarget();
     if (__lsan_enable != nullptr) {

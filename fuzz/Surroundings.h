@@ -7,7 +7,7 @@
 
 namespace fuzz {
 
-// Made at the first call, removed when the process ends in order; KRT9_SESSION_DIR and HOME name
+// Made at the first call, removed when the process ends normally; KRT9_SESSION_DIR and HOME name
 // folders in it from then on.
 const std::filesystem::path& PrivateFolder();
 

@@ -40,7 +40,7 @@ struct AdversaryDesktop::State {
         std::optional<Reply> reply = transport->Exchange(request, timeout);
         if (hasEffect) {
             Moment();
-            // An application that hangs by now keeps its answer to itself.
+            // An application that hangs by now does not answer.
             const std::optional<Reply> sign = SignOfLife(request.element.pid);
             if (!sign || sign->error == kAXErrorCannotComplete) {
                 reply = sign;
@@ -49,7 +49,7 @@ struct AdversaryDesktop::State {
         return reply;
     }
 
-    // What its application element answers, or the system in its place.
+    // The answer of its application element, or of the system in its place.
     std::optional<Reply> SignOfLife(std::int32_t pid) {
         Request anything;
         anything.operation = Operation::attributeNames;

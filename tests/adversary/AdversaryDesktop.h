@@ -21,33 +21,33 @@ struct Exchange {
 
 class AdversaryDesktop {
   public:
-    // Is the transport of this process for the life of the object; nothing is in front yet.
+    // Is the transport of this process for the lifetime of the object; nothing is in front yet.
     AdversaryDesktop();
     ~AdversaryDesktop();
     AdversaryDesktop(const AdversaryDesktop&) = delete;
     AdversaryDesktop& operator=(const AdversaryDesktop&) = delete;
 
-    // Another desktop in the place of the present one, without a word to the process.
+    // Replaces the desktop by another one, without notifying the process.
     void Load(const std::string& scene);
 
-    // Throws when the desktop does not take the command.
+    // Throws when the desktop refuses the command.
     void Run(const std::string& command);
 
     // Of the application in front. Throws when there is no such element.
     desktop_link::ElementReference Find(const std::string& address);
     bool Has(const std::string& address);
 
-    // Forgets the exchanges and both adversaries below; counting begins anew.
+    // Forgets the exchanges and both adversaries below; counting starts again.
     void Restart();
 
-    // Called at every moment at which a request is under way: inside each attribute read, of which
+    // Called at every moment of a request in progress: inside each attribute read, of which
     // one exchange may hold several, and before and after each setting and action. Counted from 1.
     std::function<void(unsigned moment)> onMoment;
 
     // May change the reply to an exchange, counted from 0.
     std::function<void(std::size_t exchange, std::optional<desktop_link::Reply>& reply)> onReply;
 
-    // An exchange was not answered for so many seconds, all the time that the process waits.
+    // An exchange was not answered for this many seconds, all the time that the process waits.
     // Restart() leaves it.
     std::function<void(double seconds)> onSilence;
 

@@ -1,5 +1,5 @@
-// What this process takes from the heap while a meter lives, whoever asks for it: operator new,
-// malloc, and the Objective-C runtime.
+// What this process allocates on the heap while a meter exists, by whichever function: operator
+// new, malloc, and the Objective-C runtime.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// A meter that saw nothing would let every bound pass.
+// With a meter that sees nothing, every bound would hold.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // One operation of the driver, run in a session that turns against it.
 //
-// Each run answers what was wrong with it, empty when nothing was: the driver must have asked
-// exactly what its rules say after the answers that it got, have made of them what the rules say,
-// and have left no object behind; and it must work on afterwards.
+// Each run returns what was wrong with it, empty when nothing was: the driver must have asked
+// exactly what its rules require after the answers that it got, have derived from them what they
+// require, and have left no object behind; and it must still work afterwards.
 #pragma once
 
 #include <functional>

@@ -1,5 +1,5 @@
-// The transport to an application with any number of windows, all of them made up when they are
-// asked for. Nothing is kept, so that what grows is not the test.
+// The transport to an application with any number of windows, each generated when it is
+// requested. Nothing is stored, so that the test itself does not grow.
 #pragma once
 
 #include <cstdint>

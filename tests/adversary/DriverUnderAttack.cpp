@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int32_t kProcess = 501;
 
-// Sent behind everything else, on the same connection: what came before it has all arrived.
+// Sent after everything else on the same connection: when it arrives, all before it has arrived.
 constexpr SInt32 kLast = FourCharacterCode("Last");
 constexpr CFTimeInterval kPatience = 10;  // seconds; passes only when a test fails
 
@@ -68,7 +68,7 @@ void DriverUnderAttack::LookForClipNameIn(unsigned source) {
     if (!sourceIsKnown_) {
         FindFirstSource();
     }
-    // A source that cannot be asked makes room for the next.
+    // After a source that cannot be read, the next one is tried.
     desktop_.onReply = [](std::size_t, auto& reply) { reply.reset(); };
     for (; expected_.clipNameSource != source;
          expected_.clipNameSource = (expected_.clipNameSource + 1) % 3) {

@@ -1,4 +1,4 @@
-// A driver between a companion that listens and a desktop that can turn against it.
+// A driver between a companion that listens and a desktop that can become hostile.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -1,8 +1,8 @@
-// What the driver must do with the answers that it got: its rules written down a second time, as
+// What the driver must do with the answers that it got: its rules written a second time, as
 // plainly as can be, on the values of the desktop link, and without regard to what they cost.
 //
-// Every operation takes the exchanges that the driver made, in their order, and answers what it had
-// to make of them.
+// Every operation takes the exchanges that the driver made, in their order, and returns what it had
+// to derive from them.
 #pragma once
 
 #include <cstdint>

@@ -39,8 +39,8 @@ void Remove(AdversaryDesktop& desktop, const std::string& address) {
     desktop.Run(R"({"command": "remove", "element": )" + Quoted(address) + "}");
 }
 
-// Before everything else that the same parent holds: a group with a control that bears identifiers
-// in use, but is none that any request looks for.
+// Before everything else in the same parent: a group with a control that has identifiers
+// in use, but is not one that any request looks for.
 void InsertBefore(AdversaryDesktop& desktop, const std::string& control) {
     const std::string parent = ParentOf(control);
     desktop.Run(R"({"command": "insert", "parent": )" + Quoted(parent.empty() ? "/" : parent) +

@@ -1,4 +1,4 @@
-// What can happen to a request while it asks the session around it.
+// What can happen in the session while a request is in progress.
 #pragma once
 
 #include <functional>
@@ -23,14 +23,14 @@ struct Event {
 };
 std::vector<Event> AllEvents();
 
-// Something that comes in the place of the true reply to one exchange.
+// A replacement for the true reply to one exchange.
 struct FalseReply {
     std::string name;
     std::function<void(std::optional<desktop_link::Reply>& reply)> falsify;
 };
 std::vector<FalseReply> AllFalseReplies();
 
-// Something that comes in the place of one value that was read, given the request for it.
+// A replacement for one value that was read, given the request for it.
 struct FalseValue {
     std::string name;
     std::function<desktop_link::Value(const desktop_link::Request& request)> make;

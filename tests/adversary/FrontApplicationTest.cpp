@@ -1,5 +1,5 @@
-// The front application as its enemies would make it: without a bundle, with a bundle that is none,
-// with an Info.plist that no one would write, with a version that is none.
+// Malformed front applications: without a bundle, with something that is not a bundle,
+// with an unusual Info.plist, with a version that is not one.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
@@ -262,7 +262,7 @@ TEST_P(LocalizedInformation, ThatHoldsNoDictionaryLeavesTheInformationItself) {
     ExpectProfile(3);
 }
 
-// None of it is anything that the driver's logs would tell of.
+// The driver logs nothing about any of it.
 TEST_F(FrontApplication, HostileOneIsNotLogged) {
     log_.Clear();
     for (const HostileFile& file : FilesWithoutDictionary()) {

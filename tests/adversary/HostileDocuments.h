@@ -1,4 +1,4 @@
-// Files that are no property list that anyone would write.
+// Files that are malformed or unusual property lists.
 #pragma once
 
 #include <filesystem>
@@ -12,7 +12,7 @@ namespace adversary {
 // byte refers to an object.
 std::string BinaryPropertyList(const std::vector<std::string>& objects);
 
-// What lies at a path in the place of a property list. None of these holds a dictionary.
+// What can be at a path in place of a property list. None of these holds a dictionary.
 struct HostileFile {
     std::string name;
     std::function<void(const std::filesystem::path& path)> make;

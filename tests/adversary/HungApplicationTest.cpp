@@ -1,9 +1,9 @@
 // What an application that does not answer costs: a request, and a tick, one messaging time-out,
 // wherever in it the application stops answering.
 //
-// A search goes on after a control that fails, since the one sought may stand behind it; but a call
-// that was waited for to the end of its time-out means that its whole process hangs, and the calls
-// on that process that would follow are not made. What belongs to other processes is found.
+// A search goes on after a control that fails, since the one sought may come after it; but a call
+// that has timed out means that its whole process hangs, and further calls
+// to that process are not made. Elements of other processes are found.
 //
 // Where a call to an application that hangs fails earlier (variants hang-at-once and
 // hang-for-a-second), it cannot be told from one that the application failed by itself: the calls
@@ -95,7 +95,7 @@ class HungApplication : public testing::Test {
         return seconds;
     }
 
-    // What so many calls to a process that hangs cost when every one of them is made; usually the
+    // What this many calls to a hung process cost when every one of them is made; usually the
     // first is the only one.
     static double CostOf(int calls) {
         if (IsOn(Variant::hangAtOnce)) {
@@ -113,7 +113,7 @@ class HungApplication : public testing::Test {
     }
 
     // The exchange with that number, counted from 0, ends with the error of a hung application, but
-    // so many seconds after it began.
+    // this many seconds after it began.
     void FailAfter(double seconds, std::size_t exchange) {
         driver_.Desktop().onReply = [=](std::size_t now, auto& reply) {
             if (now == exchange) {
@@ -207,7 +207,7 @@ class HungForTheTimeOut : public HungApplication {
 
 }  // namespace
 
-// Every request and every tick, from whichever of its calls on nobody answers.
+// Every request and every tick, from each of its calls on without an answer.
 TEST_F(HungForTheTimeOut, CostsOneTimeOutFromWhicheverExchangeOnItHangs) {
     for (const DriverOperation& operation : AllOperations()) {
         const std::size_t exchanges = RunFrom(operation, std::nullopt);
@@ -304,7 +304,7 @@ TEST_F(HungApplication, IsNotTakenForAGroupThatCannotCompleteAfterAWhile) {
     }
 }
 
-// A call that takes no time at all, while somebody sets the clock.
+// A call that takes no time at all, while the clock is being set.
 TEST_F(HungApplication, IsNotTakenForAStepOfTheWallClock) {
     for (const double step : {7.0, 86'400.0, -86'400.0}) {
         driver_.Desktop().Restart();

@@ -1,4 +1,4 @@
-// Translation files that no one would write: a target-window request reads its language's file for
+// Malformed and unusual translation files: a target-window request reads its language's file for
 // every window.
 
 #include <filesystem>
@@ -108,8 +108,8 @@ TEST_F(LanguageFile, MayHaveKeysThatAreNoText) {
     const std::string color =
         "\x55"
         "Color";
-    // { 7: "Color", "Board": "Color" }, in which case all of it is no property list, or only the
-    // odd key is passed over; there is no third way.
+    // { 7: "Color", "Board": "Color" }, in which case either the whole is not a property list, or
+    // only the odd key is skipped; there is no third possibility.
     Write(BinaryPropertyList({"\xD2\x01\x02\x03\x03", number, board, color}));
     EXPECT_EQ(AskForBoard(), frame_);
     EXPECT_THAT(log_.Lines(), IsEmpty());

@@ -1,4 +1,4 @@
-// A MIDI bus on which nothing is as it should be: the driver starts all the same, connected or not.
+// MIDI buses with all kinds of errors: the driver starts nevertheless, connected or not.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

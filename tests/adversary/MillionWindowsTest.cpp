@@ -1,4 +1,4 @@
-// An application with a million windows: every look-up ends, asks each window as often as it must,
+// An application with a million windows: every lookup ends, reads each window as often as it must,
 // and takes no more memory than the list of windows itself.
 
 #include <ApplicationServices/ApplicationServices.h>
@@ -124,7 +124,7 @@ TEST_F(MillionWindows, WindowIsSoughtAmongThemToTheLast) {
     EXPECT_EQ(application_.TakeCount(), 1 + kMany + 1 + 1) << "titles, and AXMain of the last";
 }
 
-// Regression: each look-up of a candidate's title used to stay until the end of the request.
+// Regression: each title of a candidate used to be kept until the end of the request.
 TEST_F(MillionWindows, CandidatesAreSoughtAmongThemWithoutKeepingTheirTitles) {
     EXPECT_LT(PeakOf([] { EXPECT_FALSE(Ask(kJTWP, Targets(2))); }), PeakOfTheList() + kSmallChange);
     EXPECT_EQ(application_.TakeCount(), 1 + kMany + 1);
@@ -141,7 +141,7 @@ TEST_F(MillionWindows, TickLooksForEachOfItsControlsInEachOfThem) {
     EXPECT_EQ(application_.TakeCount(), 2 * (1 + kMany) + 1);
 }
 
-// The same look-ups with a translation for every candidate, which is read anew for every window.
+// The same lookups with a translation for every candidate, which is read again for every window.
 TEST_F(MillionWindows, TranslatedTitlesAreNotKeptEither) {
     constexpr unsigned kCandidates = 300;
     Translate(kCandidates);

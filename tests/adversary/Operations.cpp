@@ -13,7 +13,7 @@ namespace adversary {
 namespace {
 
 // The controls in the second window, between others that must not be mistaken for them: one that is
-// searched and holds nothing, a search field that bears an identifier in use, one behind.
+// searched and holds nothing, a search field that has an identifier in use, one after it.
 std::string SceneWith(const std::string& controls) {
     return R"({"front": "com.apple.FinalCut", "pointer": [100.75, 200.25], "applications": [
       {"bundleID": "com.apple.FinalCut", "name": "Editor", "pid": 501, "windows": [
@@ -124,7 +124,7 @@ void AddTicks(std::vector<DriverOperation>& operations) {
                               toggleTableRowArea));
 }
 
-// --- Searches that no request makes; what they find is told like a reply ---
+// --- Searches that no request makes; what they find is reported like a reply ---
 
 Outcome Found(const std::optional<ElementReference>& element) {
     Outcome outcome;

@@ -1,7 +1,7 @@
-// The exchanges that a driver made, handed out again one by one to whoever says what it had to ask.
+// The exchanges that a driver made, returned one by one to a caller that says what it had to ask.
 //
 // An exchange that is not the one expected, or that is missing, is a deviation; after the first one
-// nothing is answered any more.
+// nothing is returned any more.
 #pragma once
 
 #include <optional>
@@ -20,7 +20,7 @@ class Replay {
   public:
     explicit Replay(const std::vector<Exchange>& exchanges) : exchanges_(exchanges) {}
 
-    // The attribute's value, if there is one to be had.
+    // The attribute's value, if there is one.
     std::optional<Value> Copy(const ElementReference& element, const std::string& attribute);
 
     // Several attributes in one exchange. None: the call failed.

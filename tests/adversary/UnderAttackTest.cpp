@@ -1,4 +1,4 @@
-// Every operation of the driver, attacked at every point at which it depends on somebody else:
+// Every operation of the driver, attacked at every point at which it depends on another process:
 // operation x fault x point, from three lists.
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ void PrintTo(const DriverOperation& operation, std::ostream* stream) {
 
 namespace {
 
-constexpr int kMostFailures = 10;  // told of one operation
+constexpr int kMostFailures = 10;  // reported for one operation
 
 // A run costs seventy times as much under the sanitizer, which walks the stack at every allocation:
 // half an hour for all. There every 29th combination has its turn, a number that no list's length

@@ -54,7 +54,7 @@ struct HungCall {
     double seconds;
 };
 
-// One call to an application that stands still. A time-out of 0 leaves the system's own.
+// One call to a stopped application. A time-out of 0 keeps the system's own.
 HungCall CallHung(Program& program, AXUIElementRef application, float timeout) {
     AXUIElementSetMessagingTimeout(application, timeout);
     program.Signal(SIGSTOP);

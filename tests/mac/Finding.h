@@ -1,4 +1,4 @@
-// What a Mac was found to do, beside what platform/ does in its place.
+// What a Mac was found to do, compared with what platform/ does.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,8 +8,8 @@
 
 namespace mac_test {
 
-// Prints the finding, and fails when the layer does otherwise: then the layer is to change, and the
-// driver's tests are to pass with what was found.
+// Prints the finding, and fails when the layer behaves differently: then the layer has to change,
+// and the driver's tests have to pass with the finding.
 template <typename Value>
 void ExpectAsInLayer(const std::string& question, const Value& found, const Value& layer) {
     std::cout << "[    FOUND ] " << question << ": " << testing::PrintToString(found)

@@ -16,7 +16,7 @@ NSRect Row(int row) {
     return NSMakeRect(10, 10 + row * (kHeight + 10), kWidth, kHeight);
 }
 
-// A view that stands for what AppKit has no control of.
+// A view in place of controls that AppKit does not have.
 NSView* NewPlainView(NSRect frame, NSString* role, NSString* identifier) {
     NSView* view = [[NSView alloc] initWithFrame:frame];
     [view setAccessibilityElement:YES];

@@ -1,4 +1,4 @@
-// An application that the driver takes for the editor. Says "ready" on standard output when it is
+// An application that the driver treats as the editor. Prints "ready" on standard output when it is
 // in front with its window, and ends when standard input does.
 #import <AppKit/AppKit.h>
 

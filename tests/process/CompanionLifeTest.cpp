@@ -1,5 +1,5 @@
-// The companion as a process that dies, comes back or comes late, while the driver runs. The driver
-// looks for its port once, when it starts: a companion that is there later is told nothing, but
+// The companion as a process that dies, restarts or starts late, while the driver runs. The driver
+// looks for its port once, when it starts: a companion that starts later gets no messages, but
 // every companion's requests are served.
 
 #include <gmock/gmock.h>
@@ -50,7 +50,7 @@ class CompanionLife : public testing::Test {
     }
 
     // The playhead moves and another clip is selected; returns when the driver has looked at the
-    // playhead in several ticks since: whatever it had to say of it, it has sent.
+    // playhead in several ticks since: whatever it had to report, it has sent.
     void LetTheDriverSeeAChange(const std::string& clip, const std::string& timecode) {
         Tell({"desktop", "select-clip", clip});
         Tell({"desktop", "playhead", timecode});

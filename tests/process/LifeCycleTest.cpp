@@ -22,7 +22,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-// The companion's port, owned by the test: it need not be served to be there.
+// The companion's port, owned by the test: it exists even if it is not served.
 class CompanionPort {
   public:
     CompanionPort()

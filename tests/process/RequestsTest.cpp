@@ -59,7 +59,7 @@ SInt32 Code(const char* text) {
     return static_cast<SInt32>(text[0] << 24 | text[1] << 16 | text[2] << 8 | text[3]);
 }
 
-// The companion, as far as it asks.
+// The companion's requests.
 class Port {
   public:
     Port() : port_(CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR("KRT9Background"))) {}

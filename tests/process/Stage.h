@@ -18,7 +18,7 @@ class Stage {
     // output.
     void StartDesktop(const std::string& scene);
 
-    // Returns once the driver has gone through its constructor.
+    // Returns once the driver's constructor has finished.
     void StartDriver(const std::map<std::string, std::string>& environment = {},
                      const std::string& path = DriverPath());
 

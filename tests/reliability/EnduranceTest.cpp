@@ -1,5 +1,5 @@
-// A long day: request after request with observation on, and the driver holds what it held in the
-// morning.
+// Request after request with observation on: the driver's memory, descriptors and threads stay as
+// they were after the first ones.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ using test_support::RequestMix;
 using test_support::Stage;
 using test_support::WireClient;
 
-// AddressSanitizer keeps what is freed for a while, so that memory says nothing under it; and a
+// AddressSanitizer keeps freed memory for a while, so that memory use means nothing under it; and a
 // request takes several times as long.
 #if __has_feature(address_sanitizer)
 constexpr bool kMemoryIsMeaningful = false;
@@ -32,7 +32,7 @@ constexpr int kShortDay = 30'000;
 #endif
 
 constexpr std::uint32_t kMorning = 10'000;  // requests until everything is in place
-constexpr std::uint32_t kWindow = 16;       // requests under way at once
+constexpr std::uint32_t kWindow = 16;       // requests in flight at once
 constexpr std::size_t kMostGrowth = 1'000'000;
 
 class Endurance : public testing::Test {
@@ -51,7 +51,7 @@ class Endurance : public testing::Test {
         return RequestMix()[number % RequestMix().size()];
     }
 
-    // Goes on until `last` requests are sent and answered, each once, in order, and rightly.
+    // Continues until `last` requests are sent and answered, each once, in order, and correctly.
     void WorkUntil(std::uint32_t last) {
         while (received < last) {
             while (sent < last && sent - received < kWindow) {
@@ -69,7 +69,7 @@ class Endurance : public testing::Test {
         }
     }
 
-    // What would stop the others in the end: the desktop's log, and full pipes that nobody reads.
+    // What would block the others in the end: the desktop's log, and full pipes without a reader.
     void HouseKeeping() {
         ASSERT_EQ(stage.Companion({"desktop", "log", "--clear"}).status, 0);
         companion->ForgetOutput();

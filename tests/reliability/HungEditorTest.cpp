@@ -23,8 +23,8 @@ const char* const kScene = R"({"pointer": [100, 200], "front": "com.apple.FinalC
       {"AXRole": "AXWindow", "AXTitle": "Only", "AXChildren": [
         {"AXRole": "AXCheckBox", "AXIdentifier": "_NS:59", "AXValue": 3}]}]}]})";
 
-// The editor hangs when the first of the controls that it has told is asked for the second time:
-// that one and a hundred others are then still to be asked.
+// The editor hangs when the first of the controls that it has listed is read for the second time:
+// that one and a hundred others are then still to be read.
 std::string SceneThatHangsInASearch() {
     std::string buttons;
     for (int i = 0; i < 100; ++i) {
@@ -94,7 +94,7 @@ TEST_F(HungEditor, CostsARequestOneTimeOutAndARequestWithoutItNothing) {
     EXPECT_EQ(Ask("JElV", {59, 0, 0, 0}).data, (Bytes{3, 0, 0, 0}));
 }
 
-// Each tick then waits once and is due again when it ends; requests have their turn in between.
+// Each tick then waits once and is due again when it ends; requests are served in between.
 TEST_F(HungEditor, LetsARequestWaitForOneTickAtMostWhileBothObservationsAreOn) {
     Begin(kScene);
     Ask("JObE", {});

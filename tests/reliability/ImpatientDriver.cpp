@@ -1,5 +1,5 @@
-// The driver, but for its calls to applications: they wait half a second instead of six. So tests
-// see hung applications again and again and are done the same day. Linked with the driver's own
+// The driver, except that its calls to applications wait half a second instead of six. So tests
+// can meet hung applications many times in a short time. Linked with the driver's own
 // main, of which this is set before the first line.
 
 #include "accessibility/calls/ApplicationCall.h"

@@ -1,6 +1,6 @@
-// An interrupt at each of the moments at which something is half done: the driver interrupts itself
-// there, by a variant of the platform layer. It finishes what it is at, ends well, and leaves
-// nothing.
+// An interrupt at each of the moments at which something is in progress: the driver interrupts
+// itself there, by a variant of the platform layer. It finishes what it is doing, ends with status
+// 0, and leaves nothing.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -73,7 +73,7 @@ TEST_F(InterruptMoments, OnceThePortIsMadeTheDriverIsConstructedFirst) {
     ExpectAGoodEnd();
 }
 
-// The signal is let in when the call to the application ends: here, after a second.
+// The signal is delivered when the call to the application ends: here, after a second.
 TEST_F(InterruptMoments, WhileAnApplicationHangsTheCallToItEndsFirst) {
     Begin(kScene, "interrupt-in-call,hang-for-a-second");
     EXPECT_EQ(stage.Companion({"desktop", "hang", "com.apple.FinalCut"}).status, 0);

@@ -1,4 +1,5 @@
-// Whatever the driver is at when it is interrupted, it ends at once, well, and leaves nothing.
+// Whatever the driver is doing when it is interrupted, it ends at once with status 0 and leaves
+// nothing.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -6,7 +6,7 @@
 namespace test_support {
 
 void Load::Run() {
-    constexpr std::uint32_t kWindow = 8;  // requests under way at once
+    constexpr std::uint32_t kWindow = 8;  // requests in flight at once
     while (!stop_) {
         WireClient client;
         std::uint32_t sent = 0;

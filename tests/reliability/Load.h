@@ -1,4 +1,4 @@
-// Requests without pause, from a thread of its own, to whichever driver serves the port.
+// Requests without pause, from a separate thread, to whichever driver serves the port.
 #pragma once
 
 #include <atomic>

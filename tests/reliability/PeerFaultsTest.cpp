@@ -1,5 +1,5 @@
-// Clients that misbehave hurt nobody but themselves: the driver serves the others, and keeps
-// neither memory nor descriptors of those who went.
+// Clients that misbehave harm only themselves: the driver serves the others, and keeps
+// neither memory nor descriptors of clients that have ended.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ class PeerFaults : public testing::Test {
         EXPECT_TRUE(Serves());
     }
 
-    // A newcomer gets the right answer.
+    // A new client gets the right reply.
     static bool Serves() {
         WireClient client;
         return client.Send(WireClient::Request("JGlM", {}, 7)) && Expected(client.Receive(), 7);
@@ -100,7 +100,7 @@ TEST_F(PeerFaults, ThousandRequestsAreAnsweredInOrderToAClientThatReadsOnlyThen)
     }
 }
 
-// Both directions are full: the driver holds no more than a part of what the client pressed in.
+// Both directions are full: the driver holds only a part of what the client has sent.
 TEST_F(PeerFaults, FullSocketCostsTheOthersNothingAndIsServedOnOnceItIsRead) {
     const ProcessState before = State();
     WireClient client;

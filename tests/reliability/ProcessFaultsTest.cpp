@@ -1,4 +1,4 @@
-// Desktop, driver and companion die, stand still and come back, in every order.
+// Desktop, driver and companion die, stop and restart, in every order.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -145,7 +145,7 @@ TEST_F(SecondDriver, DoesNotTakeThePortOfAFirstThatWasKilled) {
     EXPECT_TRUE(Trio::DriverAnswers());
 }
 
-// Also while the first does nothing: a process that stands still still holds its port.
+// Also while the first does nothing: a stopped process still holds its port.
 TEST_F(SecondDriver, DoesNotTakeThePortOfAFirstThatStandsStill) {
     trio.Stop(Role::driver);
     const auto second = Start();

@@ -21,7 +21,7 @@ struct Program {
     std::string readyText;
 };
 
-// The editor's scene, in which a question to a session that stands still ends after a second. The
+// The editor's scene, in which a call to a stopped session times out after a second. The
 // driver's calls to the editor end after half of that; a tick waits for one of them, and requests
 // are served between the ticks: an answer is never ten seconds away.
 std::string WriteScene(const std::filesystem::path& folder) {

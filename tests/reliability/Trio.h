@@ -29,14 +29,14 @@ class Trio {
     void Continue(Role role);  // SIGCONT
     ChildProcess& Process(Role role);
 
-    // The driver answers a request that needs no desktop.
+    // The driver answers a request that does not need the desktop.
     static bool DriverAnswers();
 
     // The driver follows the editor on the desktop: it answers with what is shown there. Waits
     // until it does; false after ten seconds.
     bool DriverSeesTheEditor();
 
-    // The driver is told to follow the timecode, the playhead moves, and the companion hears of it.
+    // The driver is told to follow the timecode, the playhead moves, and the companion is notified.
     bool CompanionHears(const std::string& timecode);
 
     // The companion that runs now was there when the driver that runs now started: the driver looks

@@ -1,4 +1,4 @@
-// For what no descriptor tells: looks again and again, for ten seconds at most.
+// For conditions that no descriptor announces: polls for at most ten seconds.
 #pragma once
 
 #include <chrono>

@@ -1,11 +1,11 @@
-// How calls to applications are measured, in the hands of a test.
+// Controls from a test how calls to applications are timed.
 #pragma once
 
 #include "accessibility/calls/ApplicationCall.h"
 
 namespace test_support {
 
-// A clock of calls that stands still until somebody moves it. One at a time.
+// A clock for calls that stands still until it is advanced. One at a time.
 class CallClock {
   public:
     explicit CallClock(float timeout = CallTiming().timeout)

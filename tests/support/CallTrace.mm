@@ -1,5 +1,5 @@
 // Loaded into the driver's process before the platform layer (LD_PRELOAD): writes down the calls of
-// its life cycle, one line each, in the file named by KRT9_CALL_TRACE, and passes them on. With
+// its life cycle, one line each, to the file named by KRT9_CALL_TRACE, and passes them on. With
 // KRT9_RUN_LOOP_RETURNS in the environment the run loop that `main` runs returns at once.
 
 #include <csignal>

@@ -72,7 +72,7 @@ ChildProcess::ChildProcess(const std::string& path, const std::vector<std::strin
     posix_spawn_file_actions_adddup2(&actions, outputs[1], STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, errors[1], STDERR_FILENO);
 
-    // The test's own thread may hold signals back; the child must not inherit that.
+    // The test's own thread may block signals; the child must not inherit that.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t none;

@@ -29,7 +29,7 @@ class ChildProcess {
     // Waits for the end: the exit status, or 128 + signal number, or -1 when `seconds` passed.
     int WaitForExit(double seconds = 10);
 
-    // Reads what was printed so far and drops it, so that a talkative process is never held up.
+    // Reads what was printed so far and discards it, so that the process never blocks on output.
     void ForgetOutput();
 
     void Signal(int signalNumber);

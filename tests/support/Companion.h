@@ -1,4 +1,4 @@
-// The companion's port, in the very process of the test: what the driver sends arrives while the
+// The companion's port, in the process of the test: what the driver sends arrives while the
 // run loop runs in the default mode.
 #pragma once
 

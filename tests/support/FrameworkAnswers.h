@@ -1,4 +1,4 @@
-// What the frameworks answer where a test says so: functions of this program take the place of
+// Results of the frameworks that a test decides: functions of this program replace
 // theirs and pass all other calls on.
 #pragma once
 

@@ -1,4 +1,4 @@
-// A home folder of a test's own, named by HOME while the object lives.
+// A private home folder of a test, named by HOME while the object exists.
 #pragma once
 
 #include <cstdlib>

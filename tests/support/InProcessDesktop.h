@@ -1,4 +1,4 @@
-// A desktop of the test's own process in the place of the session's, with its first activation
+// A desktop in the test's own process in place of the session's, with its first activation
 // already observed.
 #pragma once
 
@@ -30,7 +30,7 @@ class InProcessDesktop {
     const SessionFixture& Session() const { return session_; }
 
     // Runs a script command; what it changed in front is known to the process when this returns.
-    // Throws when the desktop does not take the command.
+    // Throws when the desktop refuses the command.
     std::string Run(const std::string& command) {
         std::string answer = desktop_.Run(command);
         if (answer.starts_with(R"({"error")")) {

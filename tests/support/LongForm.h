@@ -1,4 +1,4 @@
-// Tests whose proof lies in their number have two forms: a short one for every run, and a long one
+// Tests that rely on large numbers have two forms: a short one for every run, and a long one
 // for `make endurance`, which sets KRT9_ENDURANCE.
 #pragma once
 

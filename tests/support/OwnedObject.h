@@ -19,7 +19,7 @@ class OwnedObject {
     operator Reference() const { return object_; }
     Reference get() const { return object_; }
 
-    // For calls that hand an object out.
+    // For calls that return an object by a pointer.
     Reference* Out() {
         Reset();
         return &object_;

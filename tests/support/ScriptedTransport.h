@@ -1,4 +1,4 @@
-// A desktop that answers whatever a test wants, in the place of a real one.
+// A desktop that answers whatever a test wants, in place of a real one.
 #pragma once
 
 #include <functional>
@@ -16,8 +16,8 @@ class ScriptedTransport {
     using Script =
         std::function<std::optional<desktop_link::Reply>(const desktop_link::Request& request)>;
 
-    // Is the process's transport for the life of this object. `hello` is answered with the session
-    // and not handed to the script.
+    // Is the process's transport for the lifetime of this object. `hello` is answered with the
+    // session and not handed to the script.
     explicit ScriptedTransport(Script script, desktop_link::Session session = {})
         : state_(
               std::make_shared<State>(State{std::move(script), std::move(session), {}, {}, {}})) {

@@ -1,4 +1,4 @@
-// A folder of a test's own, removed with everything in it when the test ends.
+// A private folder of a test, removed with everything in it when the test ends.
 #pragma once
 
 #include <cstdlib>

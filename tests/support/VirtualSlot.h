@@ -1,4 +1,4 @@
-// Where a virtual operation stands in its class's table.
+// The position of a virtual operation in its class's table.
 #pragma once
 
 #include <cstdint>

@@ -34,7 +34,7 @@ using testing::Not;
 
 constexpr int kTries = 200;
 
-struct Door {
+struct PrivateSocket {
     std::string socket;
     Bytes frame;  // well-formed, for what listens there
 };
@@ -58,7 +58,7 @@ Bytes StateRequest() {
 }
 
 // 'JPMS' presses the mouse button; the companion shows every message, unknown ones too.
-std::vector<Door> Doors() {
+std::vector<PrivateSocket> PrivateSockets() {
     return {{"KRT9Background", WireClient::Request("JPMS", Bytes(16, 1), 1)},
             {"VEK_KRT9", WireClient::Request("JXXX", Bytes(16, 1), 1)},
             {"krt9-desktop", StateRequest()}};
@@ -104,11 +104,11 @@ class OtherUsers : public testing::Test {
 
     std::filesystem::path Folder() const { return trio->Session().Path(); }
 
-    // What became of the other user's attempts at one door.
-    std::unique_ptr<ChildProcess> Attack(const Door& door) const {
+    // The result of the other user's attempts at one socket.
+    std::unique_ptr<ChildProcess> Attack(const PrivateSocket& target) const {
         const Command command = AsOtherUser(
             test_support::StrangerPath(),
-            {"connect", Folder() / door.socket, std::to_string(kTries), Hex(door.frame)});
+            {"connect", Folder() / target.socket, std::to_string(kTries), Hex(target.frame)});
         return std::make_unique<ChildProcess>(command.path, command.arguments);
     }
     static std::string Outcome(ChildProcess& stranger) {
@@ -176,25 +176,25 @@ void OtherUsers::ExpectTurnedAway(const std::string& reason) {
 }  // namespace
 
 TEST_F(OtherUsers, CannotConnectToAnySocketOfTheSession) {
-    for (const Door& door : Doors()) {
-        EXPECT_EQ(Outcome(*Attack(door)),
+    for (const PrivateSocket& target : PrivateSockets()) {
+        EXPECT_EQ(Outcome(*Attack(target)),
                   std::to_string(kTries) + " refused, 0 closed, 0 answered, 0 kept\n")
-            << door.socket;
+            << target.socket;
     }
     ExpectUntouched();
 }
 
 // The folder's mode is what keeps others out; without it each peer's user is looked at.
-TEST_F(OtherUsers, AreClosedAtOnceWhenTheDoorsWereOpenedByHandAndTheOwnerIsServedMeanwhile) {
+TEST_F(OtherUsers, AreClosedAtOnceWhenTheModesWereRelaxedByHandAndTheOwnerIsServedMeanwhile) {
     WireClient owner;
     ASSERT_TRUE(owner.Connected());
     ASSERT_EQ(chmod(Folder().c_str(), 0755), 0);
     std::vector<std::unique_ptr<ChildProcess>> strangers;
-    for (const Door& door : Doors()) {
-        ASSERT_EQ(chmod((Folder() / door.socket).c_str(), 0777), 0);
+    for (const PrivateSocket& target : PrivateSockets()) {
+        ASSERT_EQ(chmod((Folder() / target.socket).c_str(), 0777), 0);
     }
-    for (const Door& door : Doors()) {
-        strangers.push_back(Attack(door));
+    for (const PrivateSocket& target : PrivateSockets()) {
+        strangers.push_back(Attack(target));
     }
     for (std::uint32_t sequence = 1; sequence <= kTries; ++sequence) {
         ASSERT_TRUE(owner.Send(WireClient::Request("JGlM", {}, sequence)));
@@ -211,14 +211,14 @@ TEST_F(OtherUsers, AreClosedAtOnceWhenTheDoorsWereOpenedByHandAndTheOwnerIsServe
 
 // What the other user sends is what the owner is answered to.
 TEST_F(OtherUsers, SendWhatTheOwnerWouldBeAnsweredTo) {
-    for (const Door& door : Doors()) {
-        const local_socket::Descriptor owner = local_socket::Connect(door.socket);
-        ASSERT_EQ(write(owner.get(), door.frame.data(), door.frame.size()),
-                  static_cast<ssize_t>(door.frame.size()));
+    for (const PrivateSocket& target : PrivateSockets()) {
+        const local_socket::Descriptor owner = local_socket::Connect(target.socket);
+        ASSERT_EQ(write(owner.get(), target.frame.data(), target.frame.size()),
+                  static_cast<ssize_t>(target.frame.size()));
         pollfd readable{owner.get(), POLLIN, 0};
-        ASSERT_EQ(poll(&readable, 1, 10'000), 1) << door.socket;
+        ASSERT_EQ(poll(&readable, 1, 10'000), 1) << target.socket;
         char byte = 0;
-        EXPECT_EQ(read(owner.get(), &byte, 1), 1) << door.socket;
+        EXPECT_EQ(read(owner.get(), &byte, 1), 1) << target.socket;
     }
     EXPECT_TRUE(trio->Process(Role::companion).WaitForOutput("JXXX"));
     EXPECT_NE(DesktopLog(), logBefore) << "the button was pressed";
@@ -231,7 +231,7 @@ TEST_F(OtherUsers, ProgramsPointedAtThisSessionAreTurnedAway) {
     ExpectUntouched();
 }
 
-TEST_F(OtherUsers, ProgramsPointedAtThisSessionAreTurnedAwayWhenItsDoorsWereOpenedByHand) {
+TEST_F(OtherUsers, ProgramsPointedAtThisSessionAreRefusedWhenItsModesWereRelaxedByHand) {
     const auto files = trio->Session().Files();
     ASSERT_EQ(chmod(Folder().c_str(), 0777), 0);
     ExpectTurnedAway("belongs to user 0 instead of 65534");

@@ -1,4 +1,4 @@
-// The frameworks against krt9-desktop as a process of its own, over the session's socket.
+// The frameworks against krt9-desktop as a separate process, over the session's socket.
 #import <AppKit/AppKit.h>
 
 #include <CoreMIDI/CoreMIDI.h>

@@ -54,7 +54,7 @@ AXUIElementRef NoElement() {
 
 class ElementCalls : public testing::Test {
   protected:
-    // Every call answers this.
+    // Every call gets this reply.
     void Desktop(std::optional<Reply> reply) {
         desktop_.emplace([reply](const Request&) { return reply; });
     }

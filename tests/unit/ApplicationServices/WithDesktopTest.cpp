@@ -1,4 +1,4 @@
-// The frameworks together with the simulated desktop: what a process meets in a session.
+// The frameworks together with the simulated desktop: what a process finds in a session.
 #include <ApplicationServices/ApplicationServices.h>
 #include <CoreMIDI/CoreMIDI.h>
 #include <gtest/gtest.h>

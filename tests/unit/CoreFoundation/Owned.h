@@ -5,7 +5,7 @@
 #include <memory>
 #include <type_traits>
 
-// An object that a Create or Copy function answered; may be null.
+// An object that a Create or Copy function returned; may be null.
 struct Releaser {
     void operator()(CFTypeRef object) const { CFRelease(object); }
 };

@@ -1,4 +1,4 @@
-// The reference vectors: what the open-source Core Foundation answered to the same calls.
+// The reference vectors: what the open-source Core Foundation returned for the same calls.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -35,7 +35,7 @@ class MidiClients : public testing::Test {
     MIDIClientRef client_ = 0;
 };
 
-// Every connection attempt answers this.
+// Every connection attempt gets this result.
 ScriptedTransport::Script Connecting(std::optional<OSStatus> status) {
     return [status](const Request&) -> std::optional<Reply> {
         if (!status) {

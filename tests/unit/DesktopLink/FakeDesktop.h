@@ -1,5 +1,5 @@
-// A desktop's end of the socket, on a thread of its own, that does what a script says: anything a
-// real one would never do included.
+// A desktop's end of the socket, on a separate thread, that does what a script says, including
+// anything that a real one would never do.
 #pragma once
 
 #include <poll.h>

@@ -1,4 +1,4 @@
-// Bytes that no honest peer sends.
+// Bytes that no well-behaved peer sends.
 #include <gtest/gtest.h>
 
 #include <random>

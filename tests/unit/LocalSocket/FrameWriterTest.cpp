@@ -124,7 +124,7 @@ TEST_F(FrameWriterTest, FrameOfWhichAPartWasSentCannotBeTakenBack) {
     EXPECT_EQ(writer_.Queued(), queued) << "the peer would never find the next frame";
 }
 
-// Only the addresses are there: whoever looked at the bytes would crash.
+// Only the addresses are reserved: reading the bytes would crash.
 TEST_F(FrameWriterTest, PayloadThatTheLengthCannotTellIsRefusedUnseen) {
     constexpr std::size_t kSize = std::size_t{1} << 32;
     void* const memory =

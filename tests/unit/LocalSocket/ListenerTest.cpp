@@ -372,7 +372,7 @@ TEST_F(ListenerTest, ClientOfAnotherUserIsClosedAtOnce) {
         GTEST_SKIP() << "only root can act as another user";
     }
     auto listener = Serve("port");
-    // The doors that keep other users out are opened, so that the check itself is what is left.
+    // The file modes that keep other users out are relaxed, so that only the check itself is left.
     ASSERT_EQ(chmod(session_.Path().c_str(), 0755), 0);
     ASSERT_EQ(chmod((session_.Path() / "port").c_str(), 0777), 0);
     const std::string path = (session_.Path() / "port").string();

@@ -33,7 +33,7 @@ std::string Utf8(CFStringRef string) {
     return text;
 }
 
-// What a lookup answers; a copy that the caller owns is released.
+// The result of a lookup; a copy that the caller owns is released.
 std::string Found(CLanguageSupport& support, CFStringRef key) {
     CFStringRef string = support.CopyStringForKey(key);
     std::string text = Utf8(string);

@@ -1,5 +1,5 @@
 // Takes the language tag of the bundle that this program lies in, as the driver does on a tick, and
-// prints the answer, the kept tag and what a companion in this process received. With an argument
+// prints the result, the kept tag and what a companion in this process received. With an argument
 // there is no companion.
 #include <cstdio>
 #include <optional>

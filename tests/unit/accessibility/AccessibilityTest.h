@@ -25,7 +25,7 @@ class AccessibilityTest : public ::testing::Test {
 
     // The element as the Accessibility API hands it out.
     OwnedReference<AXUIElementRef> Object(ElementReference element);
-    // An array, as an attribute of the editor would answer it.
+    // An array, as an attribute of the editor would return it.
     OwnedReference<CFArrayRef> Array(Value values);
     OwnedReference<CFArrayRef> ArrayOf(const std::vector<ElementReference>& elements) {
         return Array(Elements(elements));

@@ -13,7 +13,7 @@ std::string CodeText(SInt32 code) {
     return text;
 }
 
-// Sent behind everything else, on the same connection: what came before it has all arrived.
+// Sent after everything else on the same connection: when it arrives, all before it has arrived.
 constexpr SInt32 kLast = FourCharacterCode("Last");
 constexpr CFTimeInterval kPatience = 10;  // seconds; passes only when a test fails
 

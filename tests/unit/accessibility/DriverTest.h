@@ -27,7 +27,7 @@ SentMessage TextMessage(SInt32 code, const std::string& text);
 // What the companion has got since the last call.
 std::vector<SentMessage> TakeSent(test_support::Companion& companion, CVEK_UserSpaceDriver& driver);
 
-// SetValueOfAXRadioGroupWithID, whose leak is deliberate and no finding for LeakSanitizer.
+// SetValueOfAXRadioGroupWithID, whose deliberate leak LeakSanitizer must not report.
 bool SelectRadioButton(CVEK_UserSpaceDriver& driver, CFStringRef identifier, unsigned index);
 
 // GetColorPuckWithID, for tests that are not Objective-C++.
@@ -37,7 +37,7 @@ class DriverTest : public AccessibilityTest {
   protected:
     std::vector<SentMessage> Sent() { return TakeSent(*companion_, *driver_); }
 
-    // From now on nobody listens to the driver's messages.
+    // From now on the driver's messages have no receiver.
     void StopCompanion() { companion_.reset(); }
 
     int& Profile() { return DriverInspector::Profile(*driver_); }

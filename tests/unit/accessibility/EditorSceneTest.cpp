@@ -1,5 +1,5 @@
 // The driver beside an editor that behaves like one: a desktop of this process, the real
-// front-application observer, and what users meet while a search is under way.
+// front-application observer, and what happens to users while a search is in progress.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -177,7 +177,7 @@ class ShippedScene : public testing::TestWithParam<test_support::EditorRelease> 
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    // What the companion is told in so many ticks.
+    // What the companion is told in this many ticks.
     std::vector<std::string> Told(int ticks) {
         for (int tick = 0; tick < ticks; ++tick) {
             session_->TimeoutCounter();

@@ -68,7 +68,7 @@ TEST_F(ElementOperations, SettingATextAlwaysAnswersFalseThoughItSets) {
     EXPECT_FALSE(driver_->SetIntValueAsStringOfElementWithID(CFSTR("_NS:1"),
                                                              std::numeric_limits<int>::min()));
     EXPECT_FALSE(driver_->SetIntValueAsStringOfElementWithID(CFSTR("_NS:2"), 12));
-    EXPECT_THAT(editor_.Deeds(),
+    EXPECT_THAT(editor_.Changes(),
                 testing::ElementsAre("set AXValue _NS:1 = 12", "AXConfirm _NS:1",
                                      "set AXValue _NS:1 = -2147483648", "AXConfirm _NS:1"));
 }
@@ -76,7 +76,7 @@ TEST_F(ElementOperations, SettingATextAlwaysAnswersFalseThoughItSets) {
 TEST_F(ElementOperations, SettingATextReachesTextFieldsOnly) {
     Show("AXButton");
     driver_->SetIntValueAsStringOfElementWithID(CFSTR("_NS:1"), 12);
-    EXPECT_THAT(editor_.Deeds(), testing::IsEmpty());
+    EXPECT_THAT(editor_.Changes(), testing::IsEmpty());
 }
 
 // --- Value ---------------------------------------------------------------------------------------
@@ -184,7 +184,7 @@ TEST_F(ElementOperations, AParentThatIsNoElementOrHasNoPointIsAFailure) {
 TEST_F(ElementOperations, PressingPerformsAXPress) {
     Show("AXButton");
     EXPECT_TRUE(driver_->PressButtonWithID(CFSTR("_NS:1")));
-    EXPECT_THAT(editor_.Deeds(), testing::ElementsAre("AXPress _NS:1"));
+    EXPECT_THAT(editor_.Changes(), testing::ElementsAre("AXPress _NS:1"));
 }
 
 TEST_F(ElementOperations, ARefusedPressIsAFailure) {
@@ -240,7 +240,7 @@ TEST_F(ElementOperations, SettingARadioGroupPressesTheChildAtTheIndex) {
     auto second = editor_.Add("AXRadioButton", "_NS:22");
     Show("AXRadioGroup", "_NS:1", {editor_.Add("AXRadioButton", "_NS:21"), second});
     EXPECT_TRUE(SelectRadioButton(*driver_, CFSTR("_NS:1"), 1));
-    EXPECT_THAT(editor_.Deeds(), testing::ElementsAre("AXPress _NS:22"));
+    EXPECT_THAT(editor_.Changes(), testing::ElementsAre("AXPress _NS:22"));
     editor_.Refuse(second, "AXPress", kAXErrorFailure);
     EXPECT_FALSE(SelectRadioButton(*driver_, CFSTR("_NS:1"), 1));
 }
@@ -250,7 +250,7 @@ TEST_F(ElementOperations, AnIndexEqualToOrBeyondTheChildCountIsFalse) {
     for (unsigned index : {2U, 3U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
         EXPECT_FALSE(SelectRadioButton(*driver_, CFSTR("_NS:1"), index)) << index;
     }
-    EXPECT_THAT(editor_.Deeds(), testing::IsEmpty());
+    EXPECT_THAT(editor_.Changes(), testing::IsEmpty());
 }
 
 // --- All of them

@@ -484,7 +484,7 @@ TEST_F(ElementSearch, AControlThatAppearsBetweenTwoVisitsOfItsGroupIsFound) {
     EXPECT_EQ(Find("_NS:1"), "appeared");
 }
 
-// It was on the way when it was met first, and is so no more when it is met again.
+// It was on the path when it was met first, and no longer is when it is met again.
 TEST_F(ElementSearch, AGroupThatListsItselfIsWalkedAgainWhereItsParentListsIt) {
     auto group = Group({});
     editor_.Set(group, "AXChildren", Elements({group, editor_.Add("AXButton")}));

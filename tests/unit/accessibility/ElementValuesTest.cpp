@@ -90,19 +90,20 @@ TEST_F(ElementValues, AnAbsentElementHasNoValues) {
 
 TEST_F(ElementValues, SettingATextSetsTheValueThenConfirms) {
     EXPECT_TRUE(utils_.SetStringValueForElement(object_.get(), CFSTR("12")));
-    EXPECT_THAT(editor_.Deeds(), testing::ElementsAre("set AXValue _NS:1 = 12", "AXConfirm _NS:1"));
+    EXPECT_THAT(editor_.Changes(),
+                testing::ElementsAre("set AXValue _NS:1 = 12", "AXConfirm _NS:1"));
 }
 
 TEST_F(ElementValues, AValueThatCannotBeSetIsNotConfirmed) {
     editor_.Refuse(element_, "AXValue", kAXErrorFailure);
     EXPECT_FALSE(utils_.SetStringValueForElement(object_.get(), CFSTR("12")));
-    EXPECT_THAT(editor_.Deeds(), testing::IsEmpty());
+    EXPECT_THAT(editor_.Changes(), testing::IsEmpty());
 }
 
 TEST_F(ElementValues, AValueThatIsSetButNotConfirmedIsAFailure) {
     editor_.Refuse(element_, "AXConfirm", kAXErrorActionUnsupported);
     EXPECT_FALSE(utils_.SetStringValueForElement(object_.get(), CFSTR("12")));
-    EXPECT_THAT(editor_.Deeds(), testing::ElementsAre("set AXValue _NS:1 = 12"));
+    EXPECT_THAT(editor_.Changes(), testing::ElementsAre("set AXValue _NS:1 = 12"));
 }
 
 TEST_F(ElementValues, AnElementIsValidWhileItAnswersWhateverItAnswers) {

@@ -154,15 +154,15 @@ Reply FakeEditor::Answer(const Request& request) {
             reply.error = Refusal(element, request.names.at(0));
             if (reply.error == 0) {
                 const auto* text = std::get_if<std::string>(&request.value.content);
-                deeds_.push_back("set " + request.names[0] + " " + NameOf(element) + " = " +
-                                 (text != nullptr ? *text : "?"));
+                changes_.push_back("set " + request.names[0] + " " + NameOf(element) + " = " +
+                                   (text != nullptr ? *text : "?"));
                 Set(element, request.names[0], request.value);
             }
             break;
         case Operation::performAction:
             reply.error = Refusal(element, request.names.at(0));
             if (reply.error == 0) {
-                deeds_.push_back(request.names[0] + " " + NameOf(element));
+                changes_.push_back(request.names[0] + " " + NameOf(element));
             }
             break;
         default:

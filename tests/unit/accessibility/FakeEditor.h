@@ -1,4 +1,4 @@
-// An application whose accessibility elements answer exactly what a test tells them, right or
+// An application whose accessibility elements reply exactly what a test tells them, right or
 // wrong.
 #pragma once
 
@@ -67,9 +67,9 @@ class FakeEditor final : public desktop_link::Transport {
     void BeforeEach(std::function<void(const desktop_link::Request&)> hook);
 
     // Elements whose attributes were read, in order; and "action element identifier" or "set
-    // attribute element identifier = text" of what was done to them.
+    // attribute element identifier = text" for each change of an element.
     const std::vector<ElementReference>& Reads() const { return reads_; }
-    const std::vector<std::string>& Deeds() const { return deeds_; }
+    const std::vector<std::string>& Changes() const { return changes_; }
 
     std::optional<desktop_link::Reply> Exchange(const desktop_link::Request& request,
                                                 double timeout) override;
@@ -92,7 +92,7 @@ class FakeEditor final : public desktop_link::Transport {
     std::function<void(const desktop_link::Request&)> hook_;
     Generator generator_;
     std::vector<ElementReference> reads_;
-    std::vector<std::string> deeds_;
+    std::vector<std::string> changes_;
     bool answers_ = true;
     bool gone_ = false;
 };

@@ -36,7 +36,7 @@ class Ownership : public DriverTest {
         editor_.Set(element, "AXPosition", PointAt(1, 2));
         return element;
     }
-    // Every attribute of a type that nobody expects.
+    // Every attribute of an unexpected type.
     ElementReference Odd() {
         ElementReference odd = editor_.Add("AXGroup");
         for (const char* attribute : {"AXIdentifier", "AXChildren", "AXSubrole", "AXValue"}) {

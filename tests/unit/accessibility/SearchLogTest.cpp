@@ -46,7 +46,7 @@ TEST_F(SearchLog, AHitBelowAGroupIsToldStepByStep) {
             "    ***FOUND IT (_NS:1)  retain count 1***"));
 }
 
-// Whoever holds the element besides the list of children and the result is counted, too.
+// References besides those of the list of children and the result are counted, too.
 TEST_F(SearchLog, TheCountOfAHitInAListIsThatOfTheObjectInIt) {
     auto children = ArrayOf({editor_.Add("AXRow"), editor_.Add("AXButton", "_NS:1")});
     const auto holder =

@@ -1,4 +1,4 @@
-// A MIDI system that a test describes: its functions take the place of the framework's in the test
+// A MIDI system that a test describes: its functions replace the framework's in the test
 // program, so that every one of them can fail.
 #pragma once
 

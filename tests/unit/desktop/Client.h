@@ -39,7 +39,7 @@ struct Client {
         return desktop.Find(application, address);
     }
 
-    // The value, or the error in its place; the null value when there was no answer at all.
+    // The value, or the error in its place; the null value when there was no reply.
     Value Read(ElementReference element, const std::string& attribute) const {
         const auto reply = Ask(Operation::copyAttribute, element, {attribute});
         if (!reply) {

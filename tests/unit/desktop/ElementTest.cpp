@@ -1,4 +1,4 @@
-// What elements answer and how they react.
+// What elements return and how they react.
 #include "tests/unit/desktop/Client.h"
 
 namespace desktop {

@@ -165,7 +165,7 @@ TEST_F(Serving, WhatAClientSentBeforeItLeftIsStillDone) {
 }
 
 TEST_F(Serving, ClientThatDoesNotReadItsAnswersHoldsUpNobody) {
-    SocketClient deaf;
+    SocketClient unread;
     SocketClient other;
     Request request;
     request.operation = Operation::script;
@@ -176,11 +176,11 @@ TEST_F(Serving, ClientThatDoesNotReadItsAnswersHoldsUpNobody) {
     dump.operation = Operation::script;
     dump.text = R"({"command": "dump"})";
     for (std::uint32_t i = 0; i < 100; ++i) {  // a hundred megabytes of answers
-        deaf.Send(i, dump);
+        unread.Send(i, dump);
     }
     EXPECT_TRUE(other.Ask(Read("AXTitle")));
     for (std::uint32_t i = 0; i < 100; ++i) {
-        const auto received = deaf.Receive();
+        const auto received = unread.Receive();
         ASSERT_TRUE(received) << "answer " << i;
         EXPECT_EQ(received->sequence, i);
     }

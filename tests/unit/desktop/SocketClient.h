@@ -64,7 +64,7 @@ class SocketClient {
         std::vector<std::uint8_t> message;
     };
 
-    // Nothing when none came within the time, or the connection ended.
+    // Nothing when none arrived within the time, or the connection ended.
     std::optional<Received> Receive(int milliseconds = 5000) {
         while (!reader_.HasFrame()) {
             if (ended_ || !Wait(POLLIN, milliseconds)) {

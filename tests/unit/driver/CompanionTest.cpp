@@ -1,4 +1,4 @@
-// A companion that is not there, comes late, goes away and comes back: the driver lives on.
+// A companion that is missing, starts late, ends and restarts: the driver keeps running.
 
 #include "tests/unit/driver/DriverTest.h"
 

@@ -1,4 +1,4 @@
-// What the constructor leaves behind, with everything there and with nothing to listen on.
+// The state after the constructor, with everything available and without a port.
 
 #include <algorithm>
 #include <cstdlib>

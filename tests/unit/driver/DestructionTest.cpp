@@ -1,4 +1,4 @@
-// What the destructor takes away and what it deliberately leaves.
+// What the destructor cleans up and what it deliberately leaves.
 
 #include <algorithm>
 #include <csignal>

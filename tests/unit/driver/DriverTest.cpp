@@ -22,7 +22,7 @@ const std::string kApplications = R"("front": "com.apple.FinalCut", "application
     { "bundleID": "com.example.unversioned", "name": "Unversioned", "pid": 505, "info": {} },
     { "name": "Tool", "pid": 506 } ] })";
 
-// Sent behind everything else, on the same connection: what came before it has all arrived.
+// Sent after everything else on the same connection: when it arrives, all before it has arrived.
 constexpr SInt32 kLast = FourCharacterCode("Last");
 
 }  // namespace

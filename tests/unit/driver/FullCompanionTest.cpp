@@ -1,4 +1,4 @@
-// A companion that is there and takes nothing: the queue of its port fills.
+// A companion that exists but takes no message: the queue of its port fills.
 
 #include "tests/unit/driver/DriverTest.h"
 
@@ -12,7 +12,7 @@ class FullCompanion : public DriverTest {
         return driver_->SendMessage(kJFSC, body, sizeof body, wantReply, &reply);
     }
 
-    // Five messages lie in the queue.
+    // Five messages are in the queue.
     void FillQueue() {
         for (int i = 0; i < 5; ++i) {
             EXPECT_EQ(Send(), kCFMessagePortSuccess);

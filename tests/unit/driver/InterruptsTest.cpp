@@ -1,5 +1,5 @@
-// SIGINT reaches the process only where its run loop waits and nothing is half done. Each case is a
-// program of its own: what is blocked once stays blocked.
+// SIGINT reaches the process only where its run loop waits and nothing is in progress. Each case is
+// a separate program: what is blocked once stays blocked.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
@@ -115,7 +115,7 @@ TEST_F(InterruptsDeathTest, IsBlockedAgainOnceTheLoopHasWaited) {
     });
 }
 
-// Other observers may do what must not be cut in half.
+// Other observers may do work that must not be interrupted.
 TEST_F(InterruptsDeathTest, IsBlockedWhileOtherObserversAreTold) {
     ExpectZeroFrom([] {
         static int told = 0;
@@ -149,7 +149,7 @@ TEST_F(InterruptsDeathTest, IsDeliveredToALoopThatIsNeverIdle) {
 
 CFMessagePortRef client = nullptr;
 
-// The next message lies in the queue before this one is done.
+// The next message is in the queue before this one is done.
 CFDataRef SendTheNext(CFMessagePortRef, SInt32, CFDataRef, void*) {
     CFMessagePortSendRequest(client, 0, nullptr, 1, 0, nullptr, nullptr);
     return nullptr;

@@ -1,5 +1,5 @@
 // The language tag in the strings of the driver's bundle, decided by the test:
-// CFBundleCopyLocalizedString of this program takes the place of the framework's. Every tick asks
+// CFBundleCopyLocalizedString of this program replaces the framework's. Every tick asks
 // for it until there is one, so that asking is also how a test sees ticks.
 #pragma once
 

@@ -1,5 +1,5 @@
-// Nobody makes an autorelease pool around a callout of the run loop, so the driver's callbacks have
-// their own: whatever they leave is gone when they return.
+// There is no autorelease pool around a callout of the run loop, so the driver's callbacks have
+// their own: whatever they autorelease is released when they return.
 
 #include "tests/unit/driver/DriverTest.h"
 

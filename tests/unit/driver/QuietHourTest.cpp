@@ -1,4 +1,4 @@
-// A still scene costs the same in every tick, and nobody hears of it again.
+// An unchanging scene costs the same in every tick, and is not reported again.
 
 #include <set>
 

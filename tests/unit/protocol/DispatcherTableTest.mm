@@ -1,5 +1,5 @@
 // What the dispatcher does with a request before any operation begins, by its table alone: on
-// macOS, too, where no desktop stands still for a test. No body here is complete, so nothing is
+// macOS, too, where a test does not control the desktop. No body here is complete, so nothing is
 // posted, pressed or moved.
 #import <Foundation/Foundation.h>
 

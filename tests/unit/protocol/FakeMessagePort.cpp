@@ -21,7 +21,7 @@ Object Noted(Object object) {
     return object;
 }
 
-// Any object does for a port: the driver hands it back and releases it.
+// Any object serves as a port: the driver only passes it back and releases it.
 CFMessagePortRef NewPort(CFStringRef name) {
     return ThePorts().makesNone
                ? nullptr

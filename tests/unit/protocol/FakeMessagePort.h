@@ -1,4 +1,4 @@
-// Message ports that a test describes: these functions take the place of the framework's in the
+// Message ports that a test describes: these functions replace the framework's in the
 // test program and note every argument they are given.
 #pragma once
 

@@ -1,4 +1,4 @@
-// What the two owners of ports and the driver's one way out ask of the framework, argument by
+// The calls of the two owners of ports and of SendMessage to the framework, argument by
 // argument.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

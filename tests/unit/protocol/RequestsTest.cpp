@@ -284,7 +284,7 @@ TEST_F(Requests, MouseGestureCarriesItsModifiersAndClicksWhenItsFlagIsNotZero) {
     EXPECT_THAT(typesOf(kJPME, 0), ElementsAre(kCGEventKeyUp));
 }
 
-// Where nobody inherits the keys that the driver holds down, which is how it may be.
+// Under the variant in which events do not inherit the keys that the driver holds down.
 TEST_F(Requests, MouseGestureDragsAndEndsWithModifiersOfItsOwn) {
     const platform_testing::UnderVariant alone(platform_testing::Variant::privateModifiers);
     for (const SInt32 code : {kJPMS, kJPMC, kJPME}) {

@@ -19,7 +19,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-// Answers while the client waits: its source stands in the very mode of the client's wait.
+// Replies while the client waits: its source is in the mode in which the client waits.
 class FakeDriver {
   public:
     using Reply = std::function<CFDataRef(const Request&)>;

@@ -1,4 +1,4 @@
-// krt9ctl from its words to its exit code.
+// krt9ctl from its command line to its exit code.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

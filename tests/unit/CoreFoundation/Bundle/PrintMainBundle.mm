@@ -1,4 +1,4 @@
-// Prints what the main bundle of this very program answers, a line for each; "(null)" for nothing.
+// Prints what the main bundle of this program returns, one line each; "(null)" for nothing.
 #import <Foundation/Foundation.h>
 
 #include <cstdio>

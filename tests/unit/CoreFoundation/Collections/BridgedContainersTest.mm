@@ -1,4 +1,4 @@
-// Containers of Core Foundation in the hands of Foundation.
+// Containers of Core Foundation, used through Foundation.
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -14,7 +14,7 @@ const KnownDifferences kKnownDifferences{};
 class URLVector : public ::testing::TestWithParam<json> {};
 
 // The URL's text and, of an absolute path, the path it names: all that reading a file needs. The
-// other answers are those of accessors that the layer does not have.
+// other results are those of accessors that the layer does not have.
 TEST_P(URLVector, NamesThePathAsMeasured) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     const json& input = GetParam()["input"];

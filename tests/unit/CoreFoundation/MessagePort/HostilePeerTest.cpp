@@ -193,7 +193,7 @@ TEST_F(HostilePeerTest, PeerThatSendsGarbageWhileItIsServedGetsNoReply) {
     EXPECT_EQ(Client("nested").Ask("x").reply, "reply");
 }
 
-// A hang-up is reported even to one who asks for nothing, so that the loop would never wait again.
+// A hang-up is reported even if no event is requested, so that the loop would never wait again.
 TEST_F(HostilePeerTest, NewSourceDoesNotWatchAPeerThatIsGoneWhileItsLastRequestIsServed) {
     static int waits = 0;
     CFRunLoopSourceRef source = nullptr;

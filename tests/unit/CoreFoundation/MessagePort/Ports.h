@@ -48,7 +48,7 @@ class Client {
     Client& operator=(const Client&) = delete;
     ~Client();
 
-    CFMessagePortRef Port() const { return port_; }  // null: nobody serves the name
+    CFMessagePortRef Port() const { return port_; }  // null: no process serves the name
 
     struct Outcome {
         SInt32 result;

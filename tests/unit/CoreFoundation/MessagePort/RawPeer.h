@@ -63,7 +63,7 @@ class RawPeer {
         return bytes;
     }
 
-    // Until bytes have come and no more are coming: whoever sends them waits for room.
+    // Until bytes have come and no more are coming: the sender waits for room.
     void WaitUntilFull() const {
         int before = 0;
         for (int same = 0; same < 20;) {

@@ -63,7 +63,7 @@ std::string Binary(const std::vector<std::string>& objects) {
            BigEndian(0, 8) + BigEndian(table, 8);
 }
 
-// A <plist> and a leaf are no level, and neither is an empty element.
+// A <plist> and a leaf are not levels, and neither is an empty element.
 TEST(PropertyList, XmlNestedAsDeepAsAllowedIsRead) {
     for (const char* leaf : {"", "<string>x</string>", "<array/>", "<dict/>"}) {
         for (const std::string plist : {"", "plist"}) {

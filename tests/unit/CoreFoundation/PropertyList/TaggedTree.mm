@@ -83,7 +83,7 @@ json Dictionary(CFDictionaryRef dictionary) {
     return {{"dict", std::move(entries)}};
 }
 
-// What is of a set, the vectors don't tell.
+// The vectors do not contain sets.
 json Other(id object) {
     if ([object isKindOfClass:[NSDate class]]) {
         return {{"date", fmt::format("{:.17g}", [object timeIntervalSinceReferenceDate])}};

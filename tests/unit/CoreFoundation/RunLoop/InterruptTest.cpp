@@ -50,7 +50,7 @@ TEST(Interrupt, IsDeliveredInTheMiddleOfACallbackToo) {
     });
 }
 
-// A program that wants it otherwise blocks the signal and lets it in by observers.
+// A program that needs this blocks the signal and unblocks it in observers.
 TEST(Interrupt, BlockedIsDeliveredInTheWaitBetweenTwoObservers) {
     ExpectZeroFrom([] {
         sigset_t interrupt;

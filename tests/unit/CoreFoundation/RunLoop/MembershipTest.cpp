@@ -1,5 +1,5 @@
 // What is in which mode of which loop: additions and removals that change nothing, and what is left
-// when a loop goes.
+// when a loop is destroyed.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -119,7 +119,7 @@ TEST_F(Membership, EndsWithALoopForItsTimersAndObservers) {
     EXPECT_EQ(fires, 1) << "it belonged to no loop any more";
 }
 
-// The loop can be named no more while it goes, so that the second mode hears nothing.
+// The loop cannot be referred to while it is destroyed, so the second mode is not notified.
 TEST(MembershipOfAGoingLoop, MayBeEndedByTheSourceThatIsCancelled) {
     static CFRunLoopSourceRef source = nullptr;
     static int cancelled = 0;

@@ -57,7 +57,7 @@ class Scene {
 
     // Seconds since the scene began.
     double Time() const { return CFAbsoluteTimeGetCurrent() - start_; }
-    // Lets time go by as a long callback does.
+    // Lets time pass as a long callback does.
     void Spend(double seconds) { clock_->Advance(seconds); }
 
     CFRunLoopRunResult Run(double seconds, bool returnAfterSourceHandled = false,

@@ -97,7 +97,7 @@ Result ScheduleInCommonModes() {
     const auto source = scene.MakeReportingSource([&](auto call) { calls.push_back(call); });
     CFRunLoopAddSource(scene.Loop(), source, kCFRunLoopCommonModes);
     scene.MakeCustomCommon();
-    // Modes that earlier scenes added to the common set are none of this one's business.
+    // Modes that earlier scenes added to the common set do not matter here.
     const auto ownCalls = [&calls] {
         std::erase_if(calls, [](const auto& call) {
             return !call.ends_with(":custom") && !call.ends_with(":kCFRunLoopDefaultMode");

@@ -1,4 +1,4 @@
-// References, types, and what a programming error meets.
+// References, types, and the consequences of programming errors.
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -94,7 +94,7 @@ TEST(Descriptions, AreThoseOfTheContentsUnlessThatAreBarePointers) {
     }
 }
 
-// Every function that answers a new object, and every one that keeps an object.
+// Every function that returns a new object, and every one that keeps an object.
 TEST(Ownership, NothingIsLeftOverWhenWhatWasCreatedIsReleased) {
     const std::map<std::string, void (*)()> operations = {
         {"strings",

@@ -29,7 +29,7 @@ struct GuardedBuffer {
     std::vector<UInt8> bytes;
 };
 
-// What is left in the buffer after a failure is nobody's business but its first byte.
+// After a failure only the first byte of the buffer is defined.
 std::string CompareBuffer(bool ok, const GuardedBuffer& buffer, const json& result) {
     if (!buffer.guardUntouched()) {
         return "wrote past the buffer";

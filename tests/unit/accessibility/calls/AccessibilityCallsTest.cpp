@@ -1,4 +1,4 @@
-// What an accessibility call says when it gives no value.
+// The failure that an accessibility call returns instead of a value.
 
 #include "accessibility/calls/AccessibilityCalls.h"
 #include "tests/support/FrameworkAnswers.h"

@@ -16,7 +16,7 @@ OwnedReference<AXUIElementRef> ElementOf(pid_t process) {
 
 class ApplicationCall : public testing::Test {
   protected:
-    // A call on an element of the process that lasts so long and ends like this; whether it was
+    // A call on an element of the process, with this duration and result; returns whether it was
     // made at all.
     static bool Makes(pid_t process, double seconds, AXError error = kAXErrorCannotComplete) {
         bool made = false;

@@ -48,7 +48,7 @@ std::vector<std::vector<std::string>> Rows(pid_t pid, const std::string& table, 
 
 }  // namespace
 
-TEST(Doors, OfASessionAreItsThreeSocketFiles) {
+TEST(SessionSockets, AreItsThreeSocketFilesOnly) {
     test_support::Trio trio;
     ASSERT_TRUE(trio.DriverSeesTheEditor());
     EXPECT_THAT(trio.Session().Files(),
