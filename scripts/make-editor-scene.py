@@ -65,7 +65,7 @@ class Editor:
         self.last = 7
 
     def identifier(self):
-        """The next identifier that no special control bears."""
+        """The next identifier that no special control has."""
         self.last += 1
         while "_NS:%d" % self.last in self.taken:
             self.last += 1

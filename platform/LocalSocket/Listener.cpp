@@ -66,7 +66,7 @@ std::string PlantedFileProblem(int directory, const std::string& fileName) {
         return fmt::format("{} is a symbolic link instead of a socket", path);
     }
     if (!S_ISSOCK(status.st_mode)) {
-        return fmt::format("{} is no socket", path);
+        return fmt::format("{} is not a socket", path);
     }
     if (status.st_uid != geteuid()) {
         return fmt::format("{} belongs to user {} instead of {}", path, status.st_uid, geteuid());

@@ -31,9 +31,9 @@ struct Thing {
 };
 
 const std::vector<Thing> kThings = {
-    {"AFile", "is no socket"},
-    {"AFolder", "is no socket"},
-    {"APipe", "is no socket"},
+    {"AFile", "is not a socket"},
+    {"AFolder", "is not a socket"},
+    {"APipe", "is not a socket"},
     {"ALinkToAFile", "is a symbolic link"},
     {"ALinkToNowhere", "is a symbolic link"},
     {"ALinkToALivingSocket", "is a symbolic link"},

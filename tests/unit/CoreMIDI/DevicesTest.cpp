@@ -75,10 +75,10 @@ TEST(MidiDevices, CountsAndReferencesOfWhatIsNotThereAreZero) {
     EXPECT_EQ(MIDIGetDevice(2), 0u);
     EXPECT_EQ(MIDIGetDevice(~ItemCount{0}), 0u);
     EXPECT_EQ(MIDIDeviceGetNumberOfEntities(0), 0u);
-    EXPECT_EQ(MIDIDeviceGetNumberOfEntities(2), 0u) << "an entity is no device";
+    EXPECT_EQ(MIDIDeviceGetNumberOfEntities(2), 0u) << "an entity is not a device";
     EXPECT_EQ(MIDIDeviceGetEntity(1, 2), 0u);
     EXPECT_EQ(MIDIDeviceGetEntity(99, 0), 0u);
-    EXPECT_EQ(MIDIEntityGetSource(1, 0), 0u) << "a device is no entity";
+    EXPECT_EQ(MIDIEntityGetSource(1, 0), 0u) << "a device is not an entity";
     EXPECT_EQ(MIDIEntityGetSource(2, 1), 0u);
     EXPECT_EQ(MIDIEntityGetSource(5, 0), 0u);
     EXPECT_EQ(MIDIEntityGetDestination(7, 0), 0u);

@@ -61,7 +61,7 @@ TEST_F(NotificationDelivery, IsOneByOneInOrderOnTheMainRunLoop) {
         peer.ClientHangsUp();
     });
     Observe();
-    EXPECT_EQ(delivered_, std::vector<Front>{}) << "what was in front at first is no news";
+    EXPECT_EQ(delivered_, std::vector<Front>{}) << "what was in front at first is not reported";
     RunForOne();
     EXPECT_EQ(delivered_, (std::vector<Front>{Player()}));
     RunForOne();

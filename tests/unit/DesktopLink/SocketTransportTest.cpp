@@ -347,7 +347,7 @@ TEST_F(SocketTransportTest, WhatLiesInThePlaceOfTheDesktopIsLoggedUntilItIsSomet
     transport.Exchange(Ask(1), kAmple);
     EXPECT_TRUE(transport.Unreachable());
     EXPECT_EQ(log.SystemTexts(),
-              std::vector<std::string>{"no desktop: " + place + " is no socket"});
+              std::vector<std::string>{"no desktop: " + place + " is not a socket"});
     log.Clear();
     std::filesystem::remove(place);
     transport.Exchange(Ask(1), kAmple);

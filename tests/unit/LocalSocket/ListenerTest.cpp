@@ -256,12 +256,12 @@ TEST_F(ListenerTest, FileThatIsNotItsOwnIsLeftAlone) {
 
 TEST_F(ListenerTest, FolderInThePlaceOfTheSocketIsReported) {
     std::filesystem::create_directory(session_.Path() / "port");
-    ExpectRefused("is no socket");
+    ExpectRefused("is not a socket");
 }
 
 TEST_F(ListenerTest, FileInThePlaceOfTheSocketIsReportedAndKept) {
     std::ofstream(session_.Path() / "port") << "text";
-    ExpectRefused("is no socket");
+    ExpectRefused("is not a socket");
     EXPECT_EQ(std::filesystem::file_size(session_.Path() / "port"), 4U);
 }
 
@@ -290,7 +290,7 @@ TEST_F(ListenerTest, FileInThePlaceOfAnUnfinishedSocketIsReportedAndKept) {
     std::ofstream(session_.Path() / "#binding") << "text";
     std::string problem;
     EXPECT_FALSE(Listener::Create("port", nullptr, &problem));
-    EXPECT_THAT(problem, testing::HasSubstr("#binding is no socket"));
+    EXPECT_THAT(problem, testing::HasSubstr("#binding is not a socket"));
     EXPECT_THAT(session_.Files(), ElementsAre("#binding"));
 }
 
@@ -518,7 +518,7 @@ TEST_F(ListenerTest, WantOfDescriptorsIsReportedAndLeavesNothingBehind) {
 
 TEST_F(ListenerTest, NameInARefusedOrMissingFolderHasNoProblemOfItsOwn) {
     std::ofstream(session_.Path() / "port") << "text";
-    EXPECT_THAT(NameProblem("port"), testing::HasSubstr("is no socket"));
+    EXPECT_THAT(NameProblem("port"), testing::HasSubstr("is not a socket"));
     ASSERT_EQ(chmod(session_.Path().c_str(), 0755), 0);
     EXPECT_EQ(NameProblem("port"), "");
     setenv("KRT9_SESSION_DIR", (session_.Path() / "missing").c_str(), 1);

@@ -187,7 +187,7 @@ TEST(Elements, PressSelectsARadioButtonAmongItsSiblings) {
     const Client client{desktop};
     EXPECT_EQ(client.Perform("/0/0/2", "AXPress"), 0);
     EXPECT_EQ(client.Read("/0/0/0", "AXValue"), Number(0));
-    EXPECT_EQ(client.Read("/0/0/1", "AXValue"), Number(1)) << "a text is no radio button";
+    EXPECT_EQ(client.Read("/0/0/1", "AXValue"), Number(1)) << "a text is not a radio button";
     EXPECT_EQ(client.Read("/0/0/2", "AXValue"), Number(1));
     EXPECT_EQ(client.Read("/0/1", "AXValue"), Number(1)) << "another group was touched";
     client.Perform("/0/0/2", "AXPress");
@@ -307,7 +307,7 @@ json Table() {
 TEST(Elements, RowsHaveIndexesAmongRows) {
     Desktop desktop(WindowWith(json::array({Table()})));
     const Client client{desktop};
-    EXPECT_EQ(client.Read("/0/0/0", "AXIndex"), Failing(-25205)) << "a column is no row";
+    EXPECT_EQ(client.Read("/0/0/0", "AXIndex"), Failing(-25205)) << "a column is not a row";
     EXPECT_EQ(client.Read("/0/0/1", "AXIndex"), Number(0));
     EXPECT_EQ(client.Read("/0/0/3", "AXIndex"), Number(2));
     EXPECT_EQ(client.Read("/0/0", "AXRows"),

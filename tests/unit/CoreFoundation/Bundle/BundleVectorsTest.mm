@@ -18,7 +18,8 @@ using test_support::TemporaryFolder;
 const KnownDifferences kKnownDifferences{
     {"strings-files-031",
      {{{"string", "given"}},
-      "a value that is no string came out as the text of its memory; here it counts as missing"}},
+      "a value that is not a string came out as the text of its memory; here it counts as "
+      "missing"}},
 };
 
 CFStringRef MakeString(const json& text) {
