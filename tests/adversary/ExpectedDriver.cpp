@@ -78,7 +78,7 @@ class Search {
                !(knowsSubrole && role == "AXTextField" && TextAt(values, 3) == "AXSearchField");
     }
 
-    // Not within itself, and only so many times again: an application whose elements contain each
+    // Not within itself, and only a limited number of times: an application whose elements hold each
     // other would be searched for ever.
     bool MayBeEntered(const ElementReference& element) {
         if (std::find(path_.begin(), path_.end(), element) != path_.end()) {

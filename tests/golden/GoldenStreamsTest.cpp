@@ -135,7 +135,7 @@ Content::Content(const Lines& recording) {
     }
 }
 
-// So that a recording made anew cannot lose what it is there for.
+// So that a new recording cannot lose what it is there for.
 TEST_P(GoldenStreams, HoldEveryRequestReplyMessageAndEvent) {
     const Content content(ReadLines(PathOf(GetParam().scene)));
     const std::vector<std::string> requests = {
