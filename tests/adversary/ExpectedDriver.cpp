@@ -78,8 +78,8 @@ class Search {
                !(knowsSubrole && role == "AXTextField" && TextAt(values, 3) == "AXSearchField");
     }
 
-    // Not within itself, and only a limited number of times: an application whose elements hold each
-    // other would be searched for ever.
+    // Not within itself, and only a limited number of times: an application whose elements list
+    // each other would be searched for ever.
     bool MayBeEntered(const ElementReference& element) {
         if (std::find(path_.begin(), path_.end(), element) != path_.end()) {
             return false;
