@@ -20,7 +20,7 @@ std::string FunctionName(const std::string& program) {
     return name;
 }
 
-// In single quotes, within which everything but they is literal. Bash and zsh.
+// In single quotes, within which all but a single quote is literal. Bash and zsh.
 std::string Quoted(const std::string& text) {
     std::string quoted = "'";
     for (const char character : text) {
