@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "VEKCommon/Names.h"
+
 CLanguageSupport* CLanguageSupport::sSelf = nullptr;
 
 namespace {
@@ -11,8 +13,8 @@ CFStringRef CreateTranslationPath(const char* language) {
     if (strchr(language, '/') != nullptr) {
         return nullptr;
     }
-    CFStringRef folder = CLanguageSupport::CreateCFStringByExpandingTildePath(
-        CFSTR("~/Library/Application Support/Solvanto/"));
+    CFStringRef folder =
+        CLanguageSupport::CreateCFStringByExpandingTildePath(CFSTR("~/" kTranslationsFolder "/"));
     if (folder == nullptr) {
         return nullptr;
     }

@@ -7,3 +7,6 @@
 
 // The editing application. Compared exactly: an identifier that begins with it is not the editor's.
 #define kEditorBundleID "com.apple.FinalCut"
+
+// Below the user's home folder: a property list of translated window titles for each language.
+#define kTranslationsFolder "Library/Application Support/Solvanto"

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <system_error>
 
+#include "VEKCommon/Names.h"
+#include "VEKCommon/Names.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace fuzz {
@@ -24,7 +26,7 @@ const std::filesystem::path& PrivateFolder() {
 }
 
 std::filesystem::path TranslationFolder() {
-    return PrivateFolder() / "Library/Application Support/Solvanto";
+    return PrivateFolder() / kTranslationsFolder;
 }
 
 void WriteFile(const std::filesystem::path& file, std::span<const std::uint8_t> bytes) {

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/Names.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/adversary/HostileDocuments.h"
 #include "tests/unit/protocol/DispatcherTest.h"
@@ -23,7 +24,7 @@ class LanguageFile : public DispatcherTest {
     }
 
     std::filesystem::path Path() {
-        return desktop_.Session().Path() / "Library/Application Support/Solvanto/xx.plist";
+        return desktop_.Session().Path() / kTranslationsFolder "/xx.plist";
     }
 
     void Write(const std::string& document) { std::ofstream(Path()) << document; }

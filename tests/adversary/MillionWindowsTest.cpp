@@ -12,6 +12,7 @@
 #include <fstream>
 
 #include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/Names.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/adversary/CrowdedApplication.h"
@@ -59,7 +60,7 @@ class MillionWindows : public testing::Test {
 
     // Gives each of the candidates of Targets() a translation.
     void Translate(unsigned count) {
-        const auto folder = session_.Path() / "Library/Application Support/Solvanto";
+        const auto folder = session_.Path() / kTranslationsFolder;
         std::filesystem::create_directories(folder);
         std::ofstream file(folder / "xx.plist");
         file << "{";

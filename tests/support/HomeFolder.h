@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "VEKCommon/Names.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace test_support {
@@ -24,9 +25,7 @@ class HomeFolder {
 
     const std::filesystem::path& Path() const { return folder_.Path(); }
 
-    std::filesystem::path MakersFolder() const {
-        return Path() / "Library/Application Support/Solvanto";
-    }
+    std::filesystem::path MakersFolder() const { return Path() / kTranslationsFolder; }
 
     void WriteTranslations(const std::string& language, std::string_view document) const {
         folder_.Write(MakersFolder() / (language + ".plist"), document);

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/Names.h"
 #include "frontapplication/FrontApplication.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
@@ -78,7 +79,7 @@ std::optional<Bytes> DispatcherTest::AskWith(SInt32 code, CFDataRef body) {
 }
 
 void DispatcherTest::Translate(const std::map<std::string, std::string>& translations) {
-    const auto folder = desktop_.Session().Path() / "Library/Application Support/Solvanto";
+    const auto folder = desktop_.Session().Path() / kTranslationsFolder;
     std::filesystem::create_directories(folder);
     std::ofstream file(folder / "xx.plist");
     file << R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>)";
