@@ -7,7 +7,6 @@
 #include <system_error>
 
 #include "VEKCommon/Names.h"
-#include "VEKCommon/Names.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace fuzz {
