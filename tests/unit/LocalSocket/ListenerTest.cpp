@@ -295,7 +295,9 @@ TEST_F(ListenerTest, FileInThePlaceOfAnUnfinishedSocketIsReportedAndKept) {
 }
 
 TEST_F(ListenerTest, AnyBytesNameAPort) {
+    const std::string outside = session_.Path().filename().string() + "-outside";
     const std::vector<std::string> names = {"a/b",
+                                            "../" + outside,
                                             "..",
                                             ".",
                                             "/",
@@ -318,7 +320,7 @@ TEST_F(ListenerTest, AnyBytesNameAPort) {
         EXPECT_TRUE(client) << testing::PrintToString(names[i]);
         EXPECT_TRUE(listeners[i].Accept()) << testing::PrintToString(names[i]);
     }
-    EXPECT_FALSE(std::filesystem::exists(session_.Path().parent_path() / "b"));
+    EXPECT_FALSE(std::filesystem::exists(session_.Path().parent_path() / outside));
 }
 
 TEST_F(ListenerTest, FolderOfAnyDepthServes) {
