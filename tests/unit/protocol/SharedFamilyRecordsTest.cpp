@@ -7,11 +7,12 @@
 
 namespace {
 
-// Records of 32-bit fields alone: what is read is written again, field by field.
+// Records of 32-bit fields alone: 0 by default, and what is read is written again, field by field.
 template <class Record>
 void ExpectIntegerRecord(const Bytes& wire) {
     Record record;
     EXPECT_EQ(record.SerialBufferSize(), wire.size());
+    EXPECT_EQ(Serialized(record), Bytes(wire.size()));
     record.Deserialize(wire.data());
     EXPECT_EQ(Serialized(record), wire);
 }
@@ -46,6 +47,7 @@ TEST(SharedFamilyRecords, TrackerArmIsThreeIntegers) {
 
 TEST(SharedFamilyRecords, ConnectStatusIsAnIntegerAndOneByte) {
     SConnectStatusSpec record;
+    EXPECT_EQ(Serialized(record), Bytes(5));
     const Bytes wire = Integers({0x01020304}) + Bytes({0xFE});
     record.Deserialize(wire.data());
     EXPECT_EQ(record.status, 0x01020304u);
@@ -56,6 +58,8 @@ TEST(SharedFamilyRecords, ConnectStatusIsAnIntegerAndOneByte) {
 
 TEST(SharedFamilyRecords, ResetSocketIsReadOnly) {
     SResetSocketSpec record;
+    EXPECT_STREQ(record.text, "");
+    EXPECT_EQ(record.field, 0u);
     record.Deserialize((Text("socket") + Integers({77})).data());
     EXPECT_STREQ(record.text, "socket");
     EXPECT_EQ(record.field, 77u);
@@ -65,6 +69,9 @@ TEST(SharedFamilyRecords, ResetSocketIsReadOnly) {
 
 TEST(SharedFamilyRecords, IncomingLongArrayIsReadOnlyAndItsElementsAreInHostOrder) {
     SIncommingLongArraySpec record;
+    EXPECT_EQ(record.count, 0u);
+    EXPECT_EQ(record.field, 0u);
+    EXPECT_EQ(record.elements, nullptr);
     const unsigned int elements[] = {0x01020304, 0xFFFFFFFF};
     Bytes raw(sizeof elements);
     std::memcpy(raw.data(), elements, sizeof elements);
