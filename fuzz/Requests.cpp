@@ -45,12 +45,17 @@ constexpr std::uint32_t kNumbers[] = {0,      1,       2,          3,          0
 constexpr std::string_view kNames[] = {"Final Cut Pro", "CB", "Color Board", "",
                                        "Title",         "T",  "\xC3\xA9",    "\x8E\xFF"};
 
-constexpr std::string_view kPropertyLists[] = {
-    R"(CB = "Color Board"; T = (1, 2); Title = "Final";)",
+constexpr std::string_view kTranslations =
     "<plist><dict><key>CB</key><string>Color Board</string><key>T</key><integer>5</integer>"
-    "<key>Title</key><string></string></dict></plist>",
+    "<key>Title</key><string></string></dict></plist>";
+constexpr std::string_view kInformation =
     "<plist><dict><key>CFBundleShortVersionString</key><string>10.4.6</string>"
-    "<key>CFBundleSignature</key><string>FCPX</string></dict></plist>",
+    "<key>CFBundleSignature</key><string>FCPX</string></dict></plist>";
+
+constexpr std::string_view kPropertyLists[] = {
+    kTranslations,
+    R"(CB = "Color Board"; T = (1, 2); Title = "Final";)",
+    kInformation,
     R"({CFBundleShortVersionString = "10.3.2"; CFBundleSignature = "\U20AC"; })",
     R"({CFBundleShortVersionString = "10.1.4"; CFBundleSignature = (x); })",
     R"({CFBundleShortVersionString = "10.3.4"; })",

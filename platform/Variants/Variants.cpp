@@ -76,7 +76,7 @@ UnderVariant::~UnderVariant() {
     on[Index(variant_)] = before_;
 }
 
-WithoutVariants::WithoutVariants(std::vector<Variant> variants) {
+WithoutVariants::WithoutVariants(const std::vector<Variant>& variants) {
     for (const Variant variant : variants) {
         if (on[Index(variant)].exchange(false)) {
             switchedOff_.push_back(variant);

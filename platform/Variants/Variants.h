@@ -67,7 +67,7 @@ class UnderVariant {
 // for tests that are about the usual behaviour.
 class WithoutVariants {
   public:
-    explicit WithoutVariants(std::vector<Variant> variants);
+    explicit WithoutVariants(const std::vector<Variant>& variants);
     ~WithoutVariants();
     WithoutVariants(const WithoutVariants&) = delete;
     WithoutVariants& operator=(const WithoutVariants&) = delete;
