@@ -40,7 +40,7 @@ class FrameWriterTest : public testing::Test {
     Descriptor near_;
     Descriptor far_;
     FrameWriter writer_;
-    FrameReader reader_{64 * 1024 * 1024};
+    FrameReader reader_{std::size_t{64} << 20};
 };
 
 TEST_F(FrameWriterTest, HeadAndRestTravelAsOnePayload) {
@@ -77,7 +77,7 @@ TEST_F(FrameWriterTest, QueuesWhatAPeerDoesNotReadAndGoesOnLater) {
 }
 
 TEST_F(FrameWriterTest, FrameLargerThanTheKernelHoldsArrivesWhole) {
-    std::string large(10'000'000, '\0');
+    std::string large(8'000'000, '\0');
     for (std::size_t i = 0; i < large.size(); ++i) {
         large[i] = static_cast<char>(i * 2654435761U >> 13);
     }
@@ -99,7 +99,7 @@ TEST_F(FrameWriterTest, PeerThatWentAwayIsAnErrorAndNoSignal) {
 
 TEST_F(FrameWriterTest, PeerThatGoesAwayWithBytesQueuedIsAnErrorAndNoSignal) {
     std::signal(SIGPIPE, SIG_DFL);
-    ASSERT_EQ(writer_.Write(near_.get(), Bytes(std::string(10'000'000, 'x'))),
+    ASSERT_EQ(writer_.Write(near_.get(), Bytes(std::string(8'000'000, 'x'))),
               FrameWriter::Status::pending);
     far_.reset();
     EXPECT_EQ(writer_.Flush(near_.get()), FrameWriter::Status::closed);
@@ -116,7 +116,7 @@ TEST_F(FrameWriterTest, FrameOfWhichNothingWasSentCanBeTakenBack) {
 }
 
 TEST_F(FrameWriterTest, FrameOfWhichAPartWasSentCannotBeTakenBack) {
-    const std::string large(10'000'000, 'x');
+    const std::string large(8'000'000, 'x');
     ASSERT_EQ(writer_.Write(near_.get(), Bytes(large)), FrameWriter::Status::pending);
     const std::size_t queued = writer_.Queued();
     ASSERT_LT(queued, large.size());

@@ -1,9 +1,9 @@
 // krt9-desktop as a process.
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 
 #include "tests/support/Paths.h"
