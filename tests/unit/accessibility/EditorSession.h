@@ -3,57 +3,40 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "desktop/Desktop.h"
-#include "desktop/InProcessTransport.h"
 #include "frontapplication/FrontApplication.h"
-#include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/Companion.h"
-#include "tests/support/SessionFixture.h"
+#include "tests/support/InProcessDesktop.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/accessibility/DriverTest.h"
 
 // A driver that sees one scene, from start to end.
 class EditorSession {
   public:
-    // The scene as JSON or as its text.
-    template <class SceneForm>
-    explicit EditorSession(const SceneForm& scene) : desktop_(scene) {
-        auto transport = std::make_unique<desktop::InProcessTransport>(desktop_);
-        transport_ = transport.get();
-        desktop_link::SetTransport(std::move(transport));
+    explicit EditorSession(const std::string& scene) : desktop_(scene) {
         driver_.emplace();
         CFWorkspace_StartObservingFrontApplication();
     }
-    ~EditorSession() {
-        driver_.reset();
-        desktop_link::SetTransport(nullptr);
-    }
-    EditorSession(const EditorSession&) = delete;
-    EditorSession& operator=(const EditorSession&) = delete;
+    explicit EditorSession(const nlohmann::json& scene) : EditorSession(scene.dump()) {}
 
     CVEK_UserSpaceDriver* operator->() { return &**driver_; }
     CVEK_UserSpaceDriver& Driver() { return **driver_; }
-    desktop::Desktop& Desktop() { return desktop_; }
+    desktop::Desktop& Desktop() { return *desktop_; }
 
-    void Do(const nlohmann::json& command) {
-        EXPECT_TRUE(nlohmann::json::parse(desktop_.Run(command.dump())).contains("ok")) << command;
-        transport_->DeliverNotifications();
-    }
+    void Do(const nlohmann::json& command) { desktop_.Run(command.dump()); }
 
     // Runs the command when the element's role is read for the first time.
     void WhenRead(const std::string& address, const nlohmann::json& command) {
-        desktop_link::ElementReference trigger = desktop_.Find("com.apple.FinalCut", address);
-        desktop_.onRead = [this, trigger, command, pending = true](
-                              const desktop_link::ElementReference& element,
-                              const std::string&) mutable {
+        desktop_link::ElementReference trigger = desktop_->Find("com.apple.FinalCut", address);
+        desktop_->onRead = [this, trigger, command, pending = true](
+                               const desktop_link::ElementReference& element,
+                               const std::string&) mutable {
             if (pending && element == trigger) {
                 pending = false;
                 Do(command);
@@ -77,9 +60,7 @@ class EditorSession {
 
   private:
     platform_testing::AutoreleasePool pool_;
-    test_support::SessionFixture folder_;
+    test_support::InProcessDesktop desktop_;
     test_support::Companion companion_;
-    desktop::Desktop desktop_;
-    desktop::InProcessTransport* transport_ = nullptr;
     std::optional<test_support::TestDriver> driver_;
 };
