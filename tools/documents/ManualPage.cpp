@@ -51,7 +51,7 @@ std::string Usage(const Parameter& parameter) {
                                       : fmt::format(" \\fI{}\\fR", Escaped(parameter.placeholder));
         return fmt::format("[\\fB{}\\fR{}]", Escaped(parameter.name), value);
     }
-    const std::string name = fmt::format("\\fI{}\\fR", Escaped(parameter.name));
+    std::string name = fmt::format("\\fI{}\\fR", Escaped(parameter.name));
     switch (parameter.presence) {
         case Presence::required:
             return name;
