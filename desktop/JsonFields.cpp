@@ -158,8 +158,6 @@ json ParseJson(std::string_view text, const std::string& place) {
         // "[json.exception.parse_error.101] parse error at line 1, column 2: ..." without its tag.
         std::string problem = error.what();
         problem.erase(0, problem.find("] ") + 2);
-        std::replace_if(
-            problem.begin(), problem.end(), [](unsigned char c) { return c < ' '; }, ' ');
         throw SceneError(place, problem);
     }
 }

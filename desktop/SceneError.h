@@ -8,8 +8,9 @@ namespace desktop {
 
 class SceneError : public std::runtime_error {
   public:
-    SceneError(const std::string& place, const std::string& problem)
-        : std::runtime_error(place.empty() ? problem : place + ": " + problem) {}
+    // Control characters of either text, which names and paths out of a scene can contain, become
+    // question marks. An empty place is left out.
+    SceneError(const std::string& place, const std::string& problem);
 };
 
 }  // namespace desktop

@@ -219,6 +219,21 @@ TEST(Commands, BadOnesAnswerOneLineAndChangeNothing) {
     EXPECT_THAT(client.Log(), IsEmpty());
 }
 
+TEST(Commands, NamesWithControlCharactersLeaveTheProblemOneLine) {
+    Desktop desktop(kThree);
+    const Client client{desktop};
+    const std::string before = desktop.Dump();
+    for (const std::string& name :
+         {std::string("a\nb"), std::string(1, '\0'), std::string("\x7F")}) {
+        const json application = {{"bundleID", name}, {"info", {{"k", nullptr}}}};
+        const std::string problem =
+            client.ProblemOf({{"command", "launch"}, {"application", application}});
+        EXPECT_THAT(problem, HasSubstr("?")) << json(name);
+        EXPECT_THAT(problem, HasSubstr("a property list cannot contain")) << json(name);
+        EXPECT_EQ(desktop.Dump(), before);
+    }
+}
+
 TEST(Commands, OverTheLinkAnswerTheirErrorInTheReplyToo) {
     Desktop desktop(kThree);
     Request request;
