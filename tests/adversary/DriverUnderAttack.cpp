@@ -39,8 +39,7 @@ DriverUnderAttack::DriverUnderAttack() {
         return true;
     }();
     (void)observing;
-    setenv("HOME", session_.Path().c_str(), 1);  // holds no translations
-    Tick();                                      // reports the language, once
+    Tick();  // reports the language, once
 }
 
 DriverUnderAttack::~DriverUnderAttack() = default;

@@ -12,6 +12,7 @@
 #include "tests/adversary/ExpectedDriver.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
+#include "tests/support/HomeFolder.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 
@@ -51,6 +52,7 @@ class DriverUnderAttack {
     void Collect(Outcome& outcome);
 
     test_support::SessionFixture session_;
+    test_support::HomeFolder home_;  // without translations
     test_support::Companion companion_;
     AdversaryDesktop desktop_;
     test_support::TestDriver driver_;

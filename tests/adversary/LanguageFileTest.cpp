@@ -5,7 +5,6 @@
 #include <fstream>
 
 #include "VEKCommon/MessageCodes.h"
-#include "VEKCommon/Names.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/adversary/HostileDocuments.h"
 #include "tests/unit/protocol/DispatcherTest.h"
@@ -23,9 +22,7 @@ class LanguageFile : public DispatcherTest {
         std::filesystem::remove(Path());
     }
 
-    std::filesystem::path Path() {
-        return desktop_.Session().Path() / kTranslationsFolder "/xx.plist";
-    }
+    std::filesystem::path Path() const { return home_.MakersFolder() / "xx.plist"; }
 
     void Write(const std::string& document) { std::ofstream(Path()) << document; }
 

@@ -6,18 +6,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
+#include <string>
 
 #include "VEKCommon/MessageCodes.h"
-#include "VEKCommon/Names.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/adversary/CrowdedApplication.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/FrontApplicationState.h"
+#include "tests/support/HomeFolder.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/protocol/Bytes.h"
@@ -50,7 +48,6 @@ Bytes Targets(unsigned count) {
 class MillionWindows : public testing::Test {
   protected:
     MillionWindows() {
-        setenv("HOME", session_.Path().c_str(), 1);
         test_support::SetFrontApplication(
             {"com.apple.FinalCut", "10.4.6", CrowdedApplication::kProcess});
         Ask(kJElV, Integers({59}));  // fills the caches of the runtime
@@ -60,14 +57,11 @@ class MillionWindows : public testing::Test {
 
     // Gives each of the candidates of Targets() a translation.
     void Translate(unsigned count) {
-        const auto folder = session_.Path() / kTranslationsFolder;
-        std::filesystem::create_directories(folder);
-        std::ofstream file(folder / "xx.plist");
-        file << "{";
+        std::string document = "{";
         for (unsigned i = 0; i < count; ++i) {
-            file << "\"" << Candidate(i) << "\" = \"Fenster " << i << "\";";
+            document += "\"" + Candidate(i) + "\" = \"Fenster " + std::to_string(i) + "\";";
         }
-        file << "}";
+        home_.WriteTranslations("xx", document + "}");
         std::strcpy(DriverInspector::Language(*driver_), "xx");
     }
 
@@ -106,6 +100,7 @@ class MillionWindows : public testing::Test {
 
     platform_testing::AutoreleasePool pool_;
     test_support::SessionFixture session_;
+    test_support::HomeFolder home_;
     CrowdedApplication& application_ = CrowdedApplication::Install(kMany);
     test_support::TestDriver driver_;
 };

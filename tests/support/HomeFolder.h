@@ -1,28 +1,18 @@
 // A private home folder of a test, named by HOME while the object exists.
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
 #include "VEKCommon/Names.h"
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace test_support {
 
 class HomeFolder {
   public:
-    HomeFolder() {
-        if (const char* home = std::getenv("HOME")) {
-            before_ = home;
-        }
-        setenv("HOME", folder_.Path().c_str(), 1);
-    }
-    ~HomeFolder() { setenv("HOME", before_.c_str(), 1); }
-    HomeFolder(const HomeFolder&) = delete;
-    HomeFolder& operator=(const HomeFolder&) = delete;
-
     const std::filesystem::path& Path() const { return folder_.Path(); }
 
     std::filesystem::path MakersFolder() const { return Path() / kTranslationsFolder; }
@@ -33,7 +23,7 @@ class HomeFolder {
 
   private:
     TemporaryFolder folder_;
-    std::string before_;
+    EnvironmentVariable variable_{"HOME", folder_.Path().string()};
 };
 
 }  // namespace test_support

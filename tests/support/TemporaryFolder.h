@@ -14,15 +14,15 @@ namespace test_support {
 class TemporaryFolder {
   public:
     TemporaryFolder() {
-        std::string path = std::filesystem::temp_directory_path() / "krt9-test-XXXXXX";
+        std::string path = (std::filesystem::temp_directory_path() / kPattern).string();
         if (mkdtemp(path.data()) == nullptr) {
-            throw std::runtime_error("no temporary folder: " + path);
+            throw std::runtime_error("no temporary folder can be made at " + path);
         }
         path_ = path;
     }
     ~TemporaryFolder() {
-        std::error_code error;
-        std::filesystem::remove_all(path_, error);
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -38,6 +38,11 @@ class TemporaryFolder {
     }
 
   private:
+    // Characters of two, three and four bytes in UTF-8, so that every test shows that paths may
+    // hold them. None of them decomposes: file systems of a Mac may store a composed character in
+    // parts. Short, because a socket's address holds a path of 107 bytes (103 on a Mac).
+    static constexpr const char* kPattern = "krt9-ß路𝄞-XXXXXX";
+
     std::filesystem::path path_;
 };
 

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <functional>
 
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/users/OtherUser.h"
 #include "tests/users/PlantedFile.h"
@@ -83,13 +84,12 @@ TEST_P(SessionFolder, IsRefusedByEveryProgramAndLeftAsItIs) {
     const fs::path session = surroundings.Path() / "session";
     GetParam().plant(session);
     const std::string before = Described(surroundings.Path());
-    setenv("KRT9_SESSION_DIR", session.c_str(), 1);
+    const test_support::EnvironmentVariable variable("KRT9_SESSION_DIR", session);
     for (const auto& program :
          {test_support::Driver(), test_support::Desktop(), test_support::Control({"pointer"}),
           test_support::Control({"watch"}), test_support::Control({"desktop", "log"}),
           test_support::Control({"dump"})}) {
         test_support::ExpectOneLine(program, session, GetParam().reason);
     }
-    unsetenv("KRT9_SESSION_DIR");
     EXPECT_EQ(Described(surroundings.Path()), before);
 }

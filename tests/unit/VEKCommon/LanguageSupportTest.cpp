@@ -10,6 +10,7 @@
 #include "VEKCommon/CLanguageSupport.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/support/HomeFolder.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/unit/VEKCommon/Failures.h"
@@ -238,9 +239,8 @@ TEST_F(LanguageSupport, HomeFolderMayHaveAnyNameInUtf8) {
     const std::filesystem::path folder = home / "Library/Application Support/Solvanto";
     std::filesystem::create_directories(folder);
     std::ofstream(folder / "de.plist") << kXml;
-    setenv("HOME", home.c_str(), 1);
+    const test_support::EnvironmentVariable variable("HOME", home);
     EXPECT_EQ(FoundIn("de", CFSTR("Color Board")), "Farbtafel");
-    setenv("HOME", home_.Path().c_str(), 1);
 }
 
 }  // namespace

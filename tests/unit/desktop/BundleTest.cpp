@@ -1,9 +1,8 @@
 // Bundles on disk.
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 
+#include "tests/support/TemporaryFolder.h"
 #include "tests/unit/desktop/Client.h"
 
 namespace desktop {
@@ -20,18 +19,12 @@ std::string Content(const fs::path& path) {
 
 class BundleFolder : public testing::Test {
   protected:
-    BundleFolder() {
-        std::string pattern = (fs::temp_directory_path() / "krt9-test-XXXXXX").string();
-        folder_ = mkdtemp(pattern.data());
-    }
-    ~BundleFolder() override { fs::remove_all(folder_); }
-
     fs::path BundleOf(const Client& client, std::size_t index) const {
         return client.Do({{"command", "state"}})["applications"][index]["bundle"]
             .get<std::string>();
     }
 
-    fs::path folder_;
+    test_support::TemporaryFolder folder_;
 };
 
 TEST_F(BundleFolder, ApplicationWithInfoHasAnInfoPlist) {
@@ -40,7 +33,7 @@ TEST_F(BundleFolder, ApplicationWithInfoHasAnInfoPlist) {
           "CFBundleShortVersionString": "10.4.6", "Text": "a < b & \"c\" > d\r\n",
           "Whole": -5, "Real": 0.5, "Yes": true, "No": false, "List": ["x", 1],
           "Inner": {"key&": "v"}}}]})",
-                    {folder_.string()});
+                    {folder_.Path().string()});
     const Client client{desktop};
     const auto front = client.Ask(Operation::hello)->session->frontApplication;
     ASSERT_TRUE(front->bundlePath);
@@ -82,14 +75,15 @@ TEST_F(BundleFolder, ApplicationWithInfoHasAnInfoPlist) {
 }
 
 TEST_F(BundleFolder, ApplicationWithoutInfoHasNoBundle) {
-    Desktop desktop(R"({"front": "a", "applications": [{"bundleID": "a"}]})", {folder_.string()});
+    Desktop desktop(R"({"front": "a", "applications": [{"bundleID": "a"}]})",
+                    {folder_.Path().string()});
     EXPECT_FALSE(Client{desktop}.Ask(Operation::hello)->session->frontApplication->bundlePath);
-    EXPECT_TRUE(fs::is_empty(folder_));
+    EXPECT_TRUE(fs::is_empty(folder_.Path()));
 }
 
 TEST_F(BundleFolder, IdentifierThatTheInfoGivesStays) {
     Desktop desktop(R"({"applications": [{"bundleID": "a", "info": {"CFBundleIdentifier": "b"}}]})",
-                    {folder_.string()});
+                    {folder_.Path().string()});
     const std::string plist = Content(BundleOf(Client{desktop}, 0) / "Contents" / "Info.plist");
     EXPECT_THAT(plist, HasSubstr("<string>b</string>"));
     EXPECT_THAT(plist, testing::Not(HasSubstr("<string>a</string>")));
@@ -98,7 +92,7 @@ TEST_F(BundleFolder, IdentifierThatTheInfoGivesStays) {
 TEST_F(BundleFolder, LocalizationsBecomeStringsFiles) {
     Desktop desktop(R"({"applications": [{"bundleID": "a", "name": "A", "info": {},
         "localizations": {"de": {"Timeline": "Zeitachse"}, "en": {}}}]})",
-                    {folder_.string()});
+                    {folder_.Path().string()});
     const fs::path resources = BundleOf(Client{desktop}, 0) / "Contents" / "Resources";
     EXPECT_THAT(Content(resources / "de.lproj" / "Localizable.strings"),
                 HasSubstr("<key>Timeline</key>\n\t<string>Zeitachse</string>"));
@@ -109,13 +103,13 @@ TEST_F(BundleFolder, HostileNamesStayInTheFolder) {
     for (const char* name : {"../../escape", "/etc/passwd", "..", ".", "", "a/b\\u0000c"}) {
         const std::string scene = std::string(R"({"applications": [{"pid": 1, "name": ")") + name +
                                   R"(", "info": {}, "localizations": {"../../x": {}}}]})";
-        Desktop desktop(scene, {folder_.string()});
+        Desktop desktop(scene, {folder_.Path().string()});
         const fs::path bundle = fs::canonical(BundleOf(Client{desktop}, 0));
-        const std::string inside = fs::relative(bundle, fs::canonical(folder_)).string();
+        const std::string inside = fs::relative(bundle, fs::canonical(folder_.Path())).string();
         EXPECT_FALSE(inside.starts_with("..")) << name << " led to " << bundle;
         EXPECT_TRUE(fs::exists(bundle / "Contents" / "Info.plist")) << name;
     }
-    EXPECT_TRUE(fs::is_empty(folder_)) << "all is removed";
+    EXPECT_TRUE(fs::is_empty(folder_.Path())) << "all is removed";
 }
 
 TEST_F(BundleFolder, VeryLongNameIsCutBetweenCharacters) {
@@ -124,7 +118,7 @@ TEST_F(BundleFolder, VeryLongNameIsCutBetweenCharacters) {
         name += "\xC3\xA9";
     }
     json scene = {{"applications", {{{"name", "x" + name}, {"info", json::object()}}}}};
-    Desktop desktop(scene, {folder_.string()});
+    Desktop desktop(scene, {folder_.Path().string()});
     const std::string file = BundleOf(Client{desktop}, 0).stem().string();
     EXPECT_EQ(file, ("x" + name).substr(0, 99));
 }
@@ -132,7 +126,7 @@ TEST_F(BundleFolder, VeryLongNameIsCutBetweenCharacters) {
 TEST_F(BundleFolder, TwoApplicationsOfOneNameHaveTwoBundles) {
     Desktop desktop(R"({"applications": [{"name": "A", "info": {"k": "1"}},
                                          {"name": "A", "info": {"k": "2"}}]})",
-                    {folder_.string()});
+                    {folder_.Path().string()});
     const Client client{desktop};
     EXPECT_THAT(Content(BundleOf(client, 0) / "Contents/Info.plist"), HasSubstr("<string>1<"));
     EXPECT_THAT(Content(BundleOf(client, 1) / "Contents/Info.plist"), HasSubstr("<string>2<"));
@@ -140,7 +134,8 @@ TEST_F(BundleFolder, TwoApplicationsOfOneNameHaveTwoBundles) {
 
 TEST_F(BundleFolder, BundlesGoWithTheirApplicationAndWithTheDesktop) {
     {
-        Desktop desktop(R"({"applications": [{"bundleID": "a", "info": {}}]})", {folder_.string()});
+        Desktop desktop(R"({"applications": [{"bundleID": "a", "info": {}}]})",
+                        {folder_.Path().string()});
         const Client client{desktop};
         client.Do({{"command", "launch"},
                    {"application", {{"bundleID", "b"}, {"info", json::object()}}}});
@@ -150,21 +145,21 @@ TEST_F(BundleFolder, BundlesGoWithTheirApplicationAndWithTheDesktop) {
         EXPECT_FALSE(fs::exists(launched));
         EXPECT_TRUE(fs::exists(BundleOf(client, 0)));
     }
-    EXPECT_TRUE(fs::is_empty(folder_));
+    EXPECT_TRUE(fs::is_empty(folder_.Path()));
 }
 
 TEST_F(BundleFolder, WhatKilledDesktopsLeftBehindCanBeRemoved) {
-    fs::create_directories(folder_ / "krt9-bundles-abcdef" / "501" / "A.app");
-    fs::create_directories(folder_ / "another");
-    RemoveAbandonedBundles(folder_.string());
-    EXPECT_FALSE(fs::exists(folder_ / "krt9-bundles-abcdef"));
-    EXPECT_TRUE(fs::exists(folder_ / "another"));
+    fs::create_directories(folder_.Path() / "krt9-bundles-abcdef" / "501" / "A.app");
+    fs::create_directories(folder_.Path() / "another");
+    RemoveAbandonedBundles(folder_.Path().string());
+    EXPECT_FALSE(fs::exists(folder_.Path() / "krt9-bundles-abcdef"));
+    EXPECT_TRUE(fs::exists(folder_.Path() / "another"));
 }
 
 TEST_F(BundleFolder, FolderThatCannotBeWrittenIsAClearError) {
     const json scene = {{"applications", {{{"info", json::object()}}}}};
     try {
-        const Desktop desktop(scene, {(folder_ / "missing").string()});
+        const Desktop desktop(scene, {(folder_.Path() / "missing").string()});
         ADD_FAILURE() << "the desktop was made without a place for its bundle";
     } catch (const SceneError& error) {
         EXPECT_THAT(error.what(), HasSubstr("cannot make a folder in"));

@@ -6,7 +6,9 @@
 #include <csignal>
 #include <fstream>
 
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/support/Paths.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/unit/desktop/SocketClient.h"
 
 namespace desktop {
@@ -75,9 +77,7 @@ class DesktopProcess {
 class Process : public testing::Test {
   protected:
     std::string Scene(const json& scene) const {
-        const std::string path = session_.Path() + "/scene.json";
-        std::ofstream(path) << scene;
-        return path;
+        return session_.Write("scene.json", scene.dump());
     }
     // Folder content but for the scene.
     std::size_t FilesLeft() const {
@@ -88,7 +88,7 @@ class Process : public testing::Test {
         return count;
     }
 
-    SessionFolder session_;
+    test_support::SessionFixture session_;
 };
 
 TEST_F(Process, EndsWithStatusZeroOnSignalsAndLeavesNothingBehind) {
@@ -112,7 +112,7 @@ TEST_F(Process, EndsOnTheCommandStop) {
 }
 
 TEST_F(Process, WritesItsLogAtOnce) {
-    const std::string log = session_.Path() + "/log";
+    const std::string log = session_.Path() / "log";
     DesktopProcess process({Scene(json::object()), "--log", log});
     ASSERT_EQ(process.Line(), "ready");
     SocketClient client;
@@ -153,7 +153,7 @@ TEST_F(Process, TakesTheSessionOverFromOneThatWasKilled) {
 }
 
 TEST_F(Process, ReportsBadScenesInOneLine) {
-    DesktopProcess missing({session_.Path() + "/none.json"});
+    DesktopProcess missing({session_.Path() / "none.json"});
     EXPECT_THAT(missing.Line(), HasSubstr("none.json: No such file or directory"));
     EXPECT_EQ(missing.Wait(), 1);
     DesktopProcess wrong({Scene({{"front", "x"}})});
@@ -207,7 +207,8 @@ TEST_F(Process, ComplainsOnceOfALogThatCannotBeWritten) {
 }
 
 TEST_F(Process, RefusesASessionThatIsNoFolder) {
-    setenv("KRT9_SESSION_DIR", (session_.Path() + "/scene.json").c_str(), 1);
+    const test_support::EnvironmentVariable session("KRT9_SESSION_DIR",
+                                                    session_.Path() / "scene.json");
     DesktopProcess process({Scene(json::object())});
     EXPECT_THAT(process.Line(), HasSubstr("scene.json"));
     EXPECT_EQ(process.Wait(), 1);

@@ -4,6 +4,7 @@
 
 #include "desktop/InProcessTransport.h"
 #include "desktop/Server.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/unit/desktop/SocketClient.h"
 
 namespace desktop {
@@ -40,7 +41,7 @@ class Serving : public testing::Test {
         return request;
     }
 
-    SessionFolder session_;
+    test_support::SessionFixture session_;
     int stop_ = eventfd(0, EFD_CLOEXEC);
     Desktop desktop_{WindowWith({{{"AXRole", "AXButton"}}})};
     Server server_{desktop_, Listen()};

@@ -1,15 +1,12 @@
-// A session folder of its own, and raw connections to the desktop served in it.
+// Raw connections to the desktop that is served in the session.
 #pragma once
 
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 
-#include <chrono>
-#include <cstdlib>
-#include <filesystem>
-#include <string>
-#include <thread>
+#include <cstdint>
+#include <optional>
+#include <vector>
 
 #include "platform/DesktopLink/Framing.h"
 #include "platform/LocalSocket/Frames.h"
@@ -17,27 +14,6 @@
 #include "tests/unit/desktop/Client.h"
 
 namespace desktop {
-
-class SessionFolder {
-  public:
-    SessionFolder() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "krt9-session-XXXXXX").string();
-        path_ = mkdtemp(pattern.data());
-        setenv("KRT9_SESSION_DIR", path_.c_str(), 1);
-    }
-    ~SessionFolder() {
-        std::filesystem::remove_all(path_);
-        unsetenv("KRT9_SESSION_DIR");
-    }
-    SessionFolder(const SessionFolder&) = delete;
-    SessionFolder& operator=(const SessionFolder&) = delete;
-
-    const std::string& Path() const { return path_; }
-
-  private:
-    std::string path_;
-};
 
 class SocketClient {
   public:

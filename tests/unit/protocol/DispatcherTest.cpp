@@ -1,12 +1,8 @@
 #include "tests/unit/protocol/DispatcherTest.h"
 
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 
 #include "VEKCommon/MessageCodes.h"
-#include "VEKCommon/Names.h"
 #include "frontapplication/FrontApplication.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
@@ -79,14 +75,10 @@ std::optional<Bytes> DispatcherTest::AskWith(SInt32 code, CFDataRef body) {
 }
 
 void DispatcherTest::Translate(const std::map<std::string, std::string>& translations) {
-    const auto folder = desktop_.Session().Path() / kTranslationsFolder;
-    std::filesystem::create_directories(folder);
-    std::ofstream file(folder / "xx.plist");
-    file << R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>)";
+    std::string document = R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>)";
     for (const auto& [key, text] : translations) {
-        file << "<key>" << key << "</key><string>" << text << "</string>";
+        document += "<key>" + key + "</key><string>" + text + "</string>";
     }
-    file << "</dict></plist>";
-    setenv("HOME", desktop_.Session().Path().c_str(), 1);
+    home_.WriteTranslations("xx", document + "</dict></plist>");
     std::strcpy(DriverInspector::Language(*driver_), "xx");
 }

@@ -12,6 +12,7 @@
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
 #include "tests/support/DriverInspector.h"
+#include "tests/support/HomeFolder.h"
 #include "tests/support/InProcessDesktop.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/protocol/Bytes.h"
@@ -39,6 +40,7 @@ class DispatcherTest : public testing::Test {
     CVEK_UserSpaceDriver& Driver() { return *driver_; }
 
     platform_testing::AutoreleasePool pool_;
+    test_support::HomeFolder home_;
     test_support::InProcessDesktop desktop_;
     platform_testing::LogCapture log_;
 
