@@ -6,14 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <memory>
 #include <string>
 
-#include "tests/process/Stage.h"
+#include "tests/support/Stage.h"
 
 namespace {
 
 using test_support::ChildProcess;
+using test_support::Role;
 using test_support::Stage;
 using testing::HasSubstr;
 using testing::Not;
@@ -24,29 +24,26 @@ class CompanionLife : public testing::Test {
   protected:
     CompanionLife() { stage_.StartDesktop("editor-10.4.6.json"); }
 
-    void StartWatch() {
-        watch_ = std::make_unique<ChildProcess>(
-            Stage::CompanionPath(),
-            std::vector<std::string>{"watch", "--units", "2", "--channels", "16"});
-        ASSERT_TRUE(watch_->WaitForOutput("watching the companion's port"));
-    }
+    void StartWatch() { stage_.StartCompanion({"--units", "2", "--channels", "16"}); }
+
+    ChildProcess& Watch() { return stage_.Companion(); }
 
     void KillWatch() {
-        watch_->Signal(SIGKILL);
-        ASSERT_EQ(watch_->WaitForExit(), 128 + SIGKILL);
+        Watch().Signal(SIGKILL);
+        ASSERT_EQ(Watch().WaitForExit(), 128 + SIGKILL);
     }
 
     void Tell(const std::vector<std::string>& words) {
-        const test_support::ProcessResult result = stage_.Companion(words);
+        const test_support::ProcessResult result = stage_.Control(words);
         ASSERT_EQ(result.status, 0) << result.standardError;
     }
 
     // Starts to observe; returns when the companion was told of clip and timecode.
     void ObserveAndSee(const std::string& clip, const std::string& timecode) {
         Tell({"refresh", "--profile", "--timecode", "--clip"});
-        EXPECT_TRUE(watch_->WaitForOutput("JFSC clip: " + clip)) << watch_->StandardOutput();
-        EXPECT_TRUE(watch_->WaitForOutput("JFTC timecode: " + timecode))
-            << watch_->StandardOutput();
+        EXPECT_TRUE(Watch().WaitForOutput("JFSC clip: " + clip)) << Watch().StandardOutput();
+        EXPECT_TRUE(Watch().WaitForOutput("JFTC timecode: " + timecode))
+            << Watch().StandardOutput();
     }
 
     // The playhead moves and another clip is selected; returns when the driver has looked at the
@@ -66,30 +63,28 @@ class CompanionLife : public testing::Test {
 
     // What the companion printed, all of it.
     std::string Watched() {
-        watch_->Signal(SIGINT);
-        EXPECT_EQ(watch_->WaitForExit(), 0);
-        return watch_->StandardOutput();
+        EXPECT_EQ(stage_.Interrupt(Role::companion), 0);
+        return Watch().StandardOutput();
     }
 
     void ExpectRequestsToBeServed() {
-        EXPECT_EQ(stage_.Companion({"value", "159"}).standardOutput, "1\n");
-        EXPECT_EQ(stage_.Companion({"ping"}).status, 0);
+        EXPECT_EQ(stage_.Control({"value", "159"}).standardOutput, "1\n");
+        EXPECT_EQ(stage_.Control({"ping"}).status, 0);
     }
 
     Stage stage_;
-    std::unique_ptr<ChildProcess> watch_;
 };
 
 TEST_F(CompanionLife, OneThatIsThereAtTheStartIsToldEverything) {
     StartWatch();
     stage_.StartDriver();
-    EXPECT_TRUE(watch_->WaitForOutput("JSLg language: en"));
-    EXPECT_TRUE(watch_->WaitForOutput("Stus status query, answered: 2 units, 16 channels"));
+    EXPECT_TRUE(Watch().WaitForOutput("JSLg language: en"));
+    EXPECT_TRUE(Watch().WaitForOutput("Stus status query, answered: 2 units, 16 channels"));
     ObserveAndSee("no clip selected", "01:00:00:00");
     LetTheDriverSeeAChange("Gulls", "01:00:25:00");
-    EXPECT_TRUE(watch_->WaitForOutput("JFSC clip: Gulls"));
-    EXPECT_TRUE(watch_->WaitForOutput("JFTC timecode: 01:00:25:00"));
-    EXPECT_EQ(stage_.InterruptDriver(), 0);
+    EXPECT_TRUE(Watch().WaitForOutput("JFSC clip: Gulls"));
+    EXPECT_TRUE(Watch().WaitForOutput("JFTC timecode: 01:00:25:00"));
+    EXPECT_EQ(stage_.Interrupt(Role::driver), 0);
     EXPECT_THAT(stage_.Driver().StandardError(), Not(HasSubstr("SendMessage")));
 }
 
@@ -104,7 +99,7 @@ TEST_F(CompanionLife, OneThatIsKilledAndComesBackIsToldNothingMore) {
     LetTheDriverSeeAChange("Crowd", "01:01:10:00");
     ExpectRequestsToBeServed();
     EXPECT_EQ(Watched(), "");
-    EXPECT_EQ(stage_.InterruptDriver(), 0);
+    EXPECT_EQ(stage_.Interrupt(Role::driver), 0);
     EXPECT_THAT(stage_.Driver().StandardError(), Not(HasSubstr("SendMessage")))
         << "the port that was there fails without a word";
 }
@@ -119,32 +114,32 @@ TEST_F(CompanionLife, OneThatComesLateIsToldNothing) {
     LetTheDriverSeeAChange("Gulls", "01:00:25:00");
     ExpectRequestsToBeServed();
     EXPECT_EQ(Watched(), "");
-    EXPECT_EQ(stage_.InterruptDriver(), 0);
+    EXPECT_EQ(stage_.Interrupt(Role::driver), 0);
 }
 
 TEST_F(CompanionLife, ADriverStartedAnewFindsTheOneThatCameBack) {
     StartWatch();
     stage_.StartDriver();
-    EXPECT_TRUE(watch_->WaitForOutput("JSLg"));
+    EXPECT_TRUE(Watch().WaitForOutput("JSLg"));
     KillWatch();
     StartWatch();
-    EXPECT_EQ(stage_.InterruptDriver(), 0);
+    EXPECT_EQ(stage_.Interrupt(Role::driver), 0);
     stage_.StartDriver();
-    EXPECT_TRUE(watch_->WaitForOutput("JSLg language: en"));
-    EXPECT_TRUE(watch_->WaitForOutput("Stus status query, answered: 2 units, 16 channels"));
+    EXPECT_TRUE(Watch().WaitForOutput("JSLg language: en"));
+    EXPECT_TRUE(Watch().WaitForOutput("Stus status query, answered: 2 units, 16 channels"));
     ObserveAndSee("no clip selected", "01:00:00:00");
 }
 
 TEST_F(CompanionLife, OneThatIsKilledAndOneThatComesBackFindTheirNameFree) {
     StartWatch();
     stage_.StartDriver();
-    EXPECT_TRUE(watch_->WaitForOutput("JSLg"));
+    EXPECT_TRUE(Watch().WaitForOutput("JSLg"));
     for (int life = 0; life < 3; ++life) {
         KillWatch();
         StartWatch();
     }
     ExpectRequestsToBeServed();
-    EXPECT_EQ(stage_.InterruptDriver(), 0);
+    EXPECT_EQ(stage_.Interrupt(Role::driver), 0);
 }
 
 }  // namespace

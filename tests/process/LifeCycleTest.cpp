@@ -11,12 +11,12 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/process/Stage.h"
 #include "tests/support/ProcessState.h"
+#include "tests/support/Stage.h"
 
 namespace {
 
-using test_support::ChildProcess;
+using test_support::Role;
 using test_support::Stage;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -51,7 +51,7 @@ std::vector<std::string> Lines(const std::filesystem::path& path) {
 TEST(LifeCycle, InterruptEndsTheProcessWithStatusZeroAndLeavesNothingBehind) {
     Stage stage;
     stage.StartDriver();
-    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
     EXPECT_THAT(stage.Session().Files(), testing::IsEmpty());
 }
 
@@ -68,8 +68,8 @@ TEST(LifeCycle, MainConstructorAndDestructorDoTheirStepsInOrder) {
     const std::filesystem::path trace = stage.Session().Path() / "trace";
     stage.StartDriver({{"LD_PRELOAD", KRT9_CALL_TRACE_LIBRARY}, {"KRT9_CALL_TRACE", trace}});
     // A request that is answered proves that the run loop runs.
-    stage.Companion({"pointer"});
-    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
+    stage.Control({"pointer"});
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
     EXPECT_THAT(
         Lines(trace),
         ElementsAre("signal SIGINT", "create local port", "create element cache",
@@ -125,10 +125,10 @@ TEST(LifeCycle, InterruptWhileTheEditorHangsEndsTheDriverOnceTheCallUnderWayDoes
                        windows + "]}]}");
     stage.StartDriver({}, Stage::ImpatientDriverPath());
     // The titles of all windows are still to be read when the first one hangs.
-    ChildProcess request(Stage::CompanionPath(), {"--timeout", "30", "window", "Only"});
+    const auto request = Stage::LaunchControl({"--timeout", "30", "window", "Only"});
     ASSERT_TRUE(stage.Desktop().WaitForOutput("hangs now"));
     const auto interrupted = std::chrono::steady_clock::now();
-    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - interrupted;
     EXPECT_LT(taken.count(), kTimeOut + kSlack);
     EXPECT_THAT(stage.Session().Files(), Not(testing::Contains(HasSubstr("KRT9Background"))));
@@ -138,8 +138,8 @@ TEST(LifeCycle, WithoutCompanionTheDriverSaysSoAndKeepsRunning) {
     Stage stage;
     stage.StartDriver();
     EXPECT_THAT(stage.Driver().StandardError(), HasSubstr("remotePort is not valid"));
-    EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
-    EXPECT_EQ(stage.InterruptDriver(), 0);
+    EXPECT_EQ(stage.Control({"pointer"}).status, 0);
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0);
 }
 
 TEST(LifeCycle, WithCompanionTheDriverDoesNotComplain) {
@@ -160,8 +160,8 @@ TEST(LifeCycle, NothingIsAutoreleasedForEver) {
     Stage stage;
     stage.StartDesktop("editor-10.4.6.json");
     stage.StartDriver();
-    EXPECT_EQ(stage.Companion({"pointer"}).status, 0);
-    EXPECT_EQ(stage.InterruptDriver(), 0);  // all of its output is there once it has ended
+    EXPECT_EQ(stage.Control({"pointer"}).status, 0);
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0);  // all of its output is there once it has ended
     EXPECT_THAT(stage.Driver().StandardError(), Not(HasSubstr("autorelease")));
 }
 

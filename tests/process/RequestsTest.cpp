@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "tests/process/Stage.h"
 #include "tests/support/InheritedFlags.h"
+#include "tests/support/Stage.h"
 
 namespace {
 
+using test_support::Role;
 using test_support::Stage;
-using testing::HasSubstr;
 
 const char* const kScene = R"({
   "trusted": true,
@@ -102,7 +102,7 @@ class Requests : public testing::Test {
     }
 
     // The desktop's log, one JSON line an entry.
-    std::string EventLog() { return stage.Companion({"desktop", "log"}).standardOutput; }
+    std::string EventLog() { return stage.Control({"desktop", "log"}).standardOutput; }
 
     Stage stage;
     std::optional<Port> port;
@@ -176,7 +176,7 @@ TEST_F(Requests, AllTwentyOneAreAnsweredByteForByte) {
 {"n":12,"event":"keyUp","type":11,"keyCode":56,"flags":0,"flagsSet":true,"source":-1,"tap":0}
 {"n":13,"set":"AXMain","application":"com.apple.FinalCut","element":"/0","value":true,"error":0,"works":true}
 )"));
-    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
 }
 
 TEST_F(Requests, UnknownCodeIsLoggedAndNotAnswered) {
@@ -199,26 +199,26 @@ TEST_F(Requests, SeveralCompanionsAreServedSideBySide) {
 }
 
 TEST_F(Requests, HungEditorGivesNoReplyWithinTheCallsTimeOutAndTheDriverServesOn) {
-    ASSERT_EQ(stage.Companion({"desktop", "hang", "com.apple.FinalCut"}).status, 0);
+    ASSERT_EQ(stage.Control({"desktop", "hang", "com.apple.FinalCut"}).status, 0);
     EXPECT_EQ(port->Ask("JElV", "3b000000"), "");
     EXPECT_EQ(port->Ask("JGlM", std::nullopt), "64000000c8000000");
-    ASSERT_EQ(stage.Companion({"desktop", "unhang", "com.apple.FinalCut"}).status, 0);
+    ASSERT_EQ(stage.Control({"desktop", "unhang", "com.apple.FinalCut"}).status, 0);
     EXPECT_EQ(port->Ask("JElV", "3b000000"), "01000000");
 }
 
 TEST_F(Requests, DeadEditorGivesNoReply) {
-    ASSERT_EQ(stage.Companion({"desktop", "kill", "com.apple.FinalCut"}).status, 0);
+    ASSERT_EQ(stage.Control({"desktop", "kill", "com.apple.FinalCut"}).status, 0);
     EXPECT_EQ(port->Ask("JElV", "3b000000"), "");
     EXPECT_EQ(port->Ask("JBtP", "3b000000"), "");
     EXPECT_EQ(port->Ask("JWiP", "0100000046696e616c00"), "");
 }
 
 TEST_F(Requests, WithoutDesktopTheDriverServesOn) {
-    stage.Companion({"desktop", "stop"});
+    stage.Control({"desktop", "stop"});
     ASSERT_EQ(stage.Desktop().WaitForExit(), 0);
     EXPECT_EQ(port->Ask("JElV", "3b000000"), "");
     EXPECT_EQ(port->Ask("JPMS", "64000000c80000000002000001000000"), "");
-    EXPECT_EQ(stage.InterruptDriver(), 0) << stage.Driver().StandardError();
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
 }
 
 }  // namespace

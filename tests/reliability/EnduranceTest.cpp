@@ -4,20 +4,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
-
-#include "tests/process/Stage.h"
 #include "tests/reliability/RequestMix.h"
 #include "tests/support/LongForm.h"
-#include "tests/support/Paths.h"
 #include "tests/support/ProcessState.h"
+#include "tests/support/Stage.h"
 
 namespace {
 
-using test_support::ChildProcess;
 using test_support::MixedRequest;
 using test_support::ProcessState;
 using test_support::RequestMix;
+using test_support::Role;
 using test_support::Stage;
 using test_support::WireClient;
 
@@ -39,12 +36,10 @@ class Endurance : public testing::Test {
   protected:
     Endurance() {
         stage.StartDesktop(test_support::kMixScene);
-        companion = std::make_unique<ChildProcess>(
-            KRT9_BINARIES "/krt9ctl", std::vector<std::string>{"watch", "--units", "1"});
-        EXPECT_TRUE(companion->WaitForOutput("watching"));
+        stage.StartCompanion({"--units", "1"});
         stage.StartDriver();
         client.emplace();
-        EXPECT_EQ(stage.Companion({"refresh", "--profile", "--timecode", "--clip"}).status, 0);
+        EXPECT_EQ(stage.Control({"refresh", "--profile", "--timecode", "--clip"}).status, 0);
     }
 
     static const MixedRequest& At(std::uint32_t number) {
@@ -71,14 +66,13 @@ class Endurance : public testing::Test {
 
     // What would block the others in the end: the desktop's log, and full pipes without a reader.
     void HouseKeeping() {
-        ASSERT_EQ(stage.Companion({"desktop", "log", "--clear"}).status, 0);
-        companion->ForgetOutput();
-        stage.Desktop().ForgetOutput();
-        stage.Driver().ForgetOutput();
+        ASSERT_EQ(stage.Control({"desktop", "log", "--clear"}).status, 0);
+        for (const Role role : test_support::kRoles) {
+            stage.Process(role).ForgetOutput();
+        }
     }
 
     Stage stage;
-    std::unique_ptr<ChildProcess> companion;
     std::optional<WireClient> client;
     std::uint32_t sent = 0;
     std::uint32_t received = 0;
@@ -105,8 +99,7 @@ TEST_F(Endurance, MixedRequestsWithObservationOnLeaveMemoryDescriptorsAndThreads
     }
     EXPECT_FALSE(client->Receive(0.2)) << "a reply too many";
 
-    stage.Driver().Signal(SIGINT);
-    EXPECT_EQ(stage.Driver().WaitForExit(), 0) << stage.Driver().StandardError();
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 #include <chrono>
 
-#include "tests/process/Stage.h"
 #include "tests/reliability/WireClient.h"
+#include "tests/support/Stage.h"
 
 namespace {
 
@@ -57,7 +57,7 @@ class HungEditor : public testing::Test {
     }
 
     void Desktop(const std::string& verb, const std::string& application = "com.apple.FinalCut") {
-        EXPECT_EQ(stage.Companion({"desktop", verb, application}).status, 0);
+        EXPECT_EQ(stage.Control({"desktop", verb, application}).status, 0);
     }
 
     struct Timed {

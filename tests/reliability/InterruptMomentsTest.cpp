@@ -7,15 +7,11 @@
 
 #include <chrono>
 
-#include "tests/process/Stage.h"
-#include "tests/reliability/WaitUntil.h"
-#include "tests/support/Paths.h"
+#include "tests/support/Stage.h"
 
 namespace {
 
-using test_support::ChildProcess;
 using test_support::Stage;
-using test_support::WaitUntil;
 using Clock = std::chrono::steady_clock;
 
 constexpr char kScene[] = R"({
@@ -43,27 +39,26 @@ class InterruptMoments : public testing::Test {
 
 TEST_F(InterruptMoments, InAnAccessibilityCallTheRequestIsAnsweredFirst) {
     Begin(kScene, "interrupt-in-call");
-    const auto value = stage.Companion({"value", "59"});
+    const auto value = stage.Control({"value", "59"});
     EXPECT_EQ(value.status, 0) << value.standardError;
     EXPECT_EQ(value.standardOutput, "3\n");
     ExpectAGoodEnd();
 }
 
 TEST_F(InterruptMoments, InAnAccessibilityCallTheTickIsFinishedFirst) {
-    ChildProcess companion(KRT9_BINARIES "/krt9ctl", {"watch"});
-    ASSERT_TRUE(WaitUntil([&] { return exists(stage.Session().Path() / "VEK_KRT9"); }));
+    stage.StartCompanion();
     Begin("editor-10.4.6.json", "interrupt-in-call");
-    EXPECT_EQ(stage.Companion({"observe", "timecode"}).status, 0);
-    EXPECT_TRUE(companion.WaitForOutput("JFTC timecode: ")) << companion.StandardOutput();
+    EXPECT_EQ(stage.Control({"observe", "timecode"}).status, 0);
+    EXPECT_TRUE(stage.Companion().WaitForOutput("JFTC timecode: "))
+        << stage.Companion().StandardOutput();
     ExpectAGoodEnd();
 }
 
 // What the first tick does always: it tells the companion the language.
 TEST_F(InterruptMoments, InTheTimersCallbackTheTickIsDoneFirst) {
-    ChildProcess companion(KRT9_BINARIES "/krt9ctl", {"watch"});
-    ASSERT_TRUE(WaitUntil([&] { return exists(stage.Session().Path() / "VEK_KRT9"); }));
+    stage.StartCompanion();
     Begin(kScene, "interrupt-in-tick");
-    EXPECT_TRUE(companion.WaitForOutput("JSLg")) << companion.StandardOutput();
+    EXPECT_TRUE(stage.Companion().WaitForOutput("JSLg")) << stage.Companion().StandardOutput();
     ExpectAGoodEnd();
 }
 
@@ -76,18 +71,16 @@ TEST_F(InterruptMoments, OnceThePortIsMadeTheDriverIsConstructedFirst) {
 // The signal is delivered when the call to the application ends: here, after a second.
 TEST_F(InterruptMoments, WhileAnApplicationHangsTheCallToItEndsFirst) {
     Begin(kScene, "interrupt-in-call,hang-for-a-second");
-    EXPECT_EQ(stage.Companion({"desktop", "hang", "com.apple.FinalCut"}).status, 0);
+    EXPECT_EQ(stage.Control({"desktop", "hang", "com.apple.FinalCut"}).status, 0);
     const auto asked = Clock::now();
-    EXPECT_EQ(stage.Companion({"value", "59"}).status, 4)
-        << "the request is answered, with nothing";
+    EXPECT_EQ(stage.Control({"value", "59"}).status, 4) << "the request is answered, with nothing";
     ExpectAGoodEnd();
     EXPECT_GE(Clock::now() - asked, std::chrono::milliseconds(900)) << "the call was cut in half";
 }
 
 TEST(Variants, NameThatIsNoneEndsAProgramWithOneLine) {
-    const auto result =
-        test_support::RunProcess(KRT9_BINARIES "/krt9ctl", {"--help"},
-                                 {{"KRT9_PLATFORM_VARIANT", "missing-is-null,no-such"}});
+    const auto result = test_support::RunProcess(
+        Stage::ControlPath(), {"--help"}, {{"KRT9_PLATFORM_VARIANT", "missing-is-null,no-such"}});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.standardOutput, "");
     EXPECT_EQ(result.standardError, "KRT9_PLATFORM_VARIANT: no variant is named \"no-such\"\n");

@@ -10,13 +10,12 @@
 #include <random>
 #include <thread>
 
-#include "tests/process/Stage.h"
 #include "tests/reliability/Load.h"
 #include "tests/reliability/RequestMix.h"
-#include "tests/reliability/WaitUntil.h"
 #include "tests/support/LongForm.h"
-#include "tests/support/Paths.h"
 #include "tests/support/ProcessState.h"
+#include "tests/support/Stage.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -41,13 +40,13 @@ bool WaitForHandler(const ChildProcess& driver) {
 // How long a driver of this build takes, on this machine at this time, from being able to be
 // interrupted to its first reply. Half of the moments tried lie behind it.
 Clock::duration TimeToFirstReply(const Load& load) {
-    ChildProcess driver(Stage::DriverPath(), {}, Stage::DriverEnvironment());
-    EXPECT_TRUE(WaitForHandler(driver));
+    const auto driver = Stage::LaunchDriver();
+    EXPECT_TRUE(WaitForHandler(*driver));
     const auto handled = Clock::now();
     EXPECT_TRUE(WaitUntil([&] { return load.Answered() > 0; }));
     const auto time = Clock::now() - handled;
-    driver.Signal(SIGINT);
-    EXPECT_EQ(driver.WaitForExit(), 0) << driver.StandardError();
+    driver->Signal(SIGINT);
+    EXPECT_EQ(driver->WaitForExit(), 0) << driver->StandardError();
     return time;
 }
 
@@ -65,8 +64,7 @@ void Await(Clock::time_point time, const ReadPipes& readPipes, const Done& done)
 TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndLeavesNothing) {
     Stage stage;
     stage.StartDesktop(test_support::kMixScene);
-    ChildProcess companion(KRT9_BINARIES "/krt9ctl", {"watch", "--units", "1"});
-    ASSERT_TRUE(WaitUntil([&] { return exists(stage.Session().Path() / "VEK_KRT9"); }));
+    stage.StartCompanion({"--units", "1"});
     const auto filesBefore = stage.Session().Files();
     const Load load;
 
@@ -76,22 +74,22 @@ TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndL
         0, duration_cast<std::chrono::microseconds>(2 * TimeToFirstReply(load)).count());
     const auto readPipes = [&] {
         stage.Desktop().ForgetOutput();
-        companion.ForgetOutput();
+        stage.Companion().ForgetOutput();
     };
     const int repetitions = test_support::Repetitions(40, 1000);
     for (int i = 0; i < repetitions; ++i) {
-        ChildProcess driver(Stage::DriverPath(), {}, Stage::DriverEnvironment());
-        ASSERT_TRUE(WaitForHandler(driver));
+        const auto driver = Stage::LaunchDriver();
+        ASSERT_TRUE(WaitForHandler(*driver));
         const std::chrono::microseconds delay(moment(random));
         Await(Clock::now() + delay, readPipes, [] { return false; });
         const auto interrupted = Clock::now();
-        driver.Signal(SIGINT);
+        driver->Signal(SIGINT);
         int status = -1;
         Await(interrupted + 10 * kAtOnce, readPipes,
-              [&] { return (status = driver.WaitForExit(0.01)) != -1; });
+              [&] { return (status = driver->WaitForExit(0.01)) != -1; });
         ASSERT_EQ(status, 0) << "after " << delay.count() << " us, seed " << seed << ", repetition "
                              << i << "\n"
-                             << driver.StandardError();
+                             << driver->StandardError();
         ASSERT_LT(Clock::now() - interrupted, kAtOnce);
         ASSERT_THAT(stage.Session().Files(), testing::UnorderedElementsAreArray(filesBefore))
             << "after " << delay.count() << " us, seed " << seed << ", repetition " << i;

@@ -8,9 +8,9 @@
 #include <memory>
 #include <vector>
 
-#include "tests/process/Stage.h"
 #include "tests/reliability/WireClient.h"
 #include "tests/support/ProcessState.h"
+#include "tests/support/Stage.h"
 
 namespace {
 
@@ -69,7 +69,7 @@ TEST_F(PeerFaults, HalfARequestIsWaitedForAndForgottenWithItsClient) {
         EXPECT_TRUE(Serves());
     }
     ExpectDescriptorsOf(before);
-    EXPECT_EQ(stage.Companion({"desktop", "log"}).standardOutput, "") << "nothing was posted";
+    EXPECT_EQ(stage.Control({"desktop", "log"}).standardOutput, "") << "nothing was posted";
 }
 
 TEST_F(PeerFaults, SecondHalfOfARequestMayComeLater) {

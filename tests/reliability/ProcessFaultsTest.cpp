@@ -4,39 +4,34 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 
-#include "tests/reliability/Trio.h"
+#include "tests/reliability/Together.h"
 
 namespace {
 
 using test_support::kRoles;
 using test_support::Name;
 using test_support::Role;
-using test_support::Trio;
+using test_support::Stage;
 using testing::HasSubstr;
 using Order = std::array<Role, kRoles.size()>;
 
 class ProcessFaults : public testing::TestWithParam<Order> {
   protected:
+    ProcessFaults() { StartTogether(stage); }
+
     // Everything works together again. A driver that started before its companion never finds it.
     void ExpectWhole(const std::string& timecode) {
-        EXPECT_TRUE(trio.DriverSeesTheEditor());
-        if (trio.ConnectedByOrder()) {
-            EXPECT_TRUE(trio.CompanionHears(timecode))
-                << trio.Process(Role::companion).StandardOutput()
-                << trio.Process(Role::driver).StandardError();
+        EXPECT_TRUE(test_support::DriverSeesTheEditor());
+        if (stage.StartedBefore(Role::companion, Role::driver)) {
+            EXPECT_TRUE(CompanionHears(stage, timecode))
+                << stage.Companion().StandardOutput() << stage.Driver().StandardError();
         } else {
-            EXPECT_THAT(trio.Process(Role::driver).StandardError(),
-                        HasSubstr("remotePort is not valid"));
+            EXPECT_THAT(stage.Driver().StandardError(), HasSubstr("remotePort is not valid"));
         }
     }
-    int InterruptDriver() {
-        trio.Process(Role::driver).Signal(SIGINT);
-        return trio.Process(Role::driver).WaitForExit();
-    }
 
-    Trio trio;
+    Stage stage;
 };
 
 std::string OrderName(const testing::TestParamInfo<Order>& info) {
@@ -62,57 +57,59 @@ TEST_P(ProcessFaults, KilledAllAndStartedAgain) {
     ExpectWhole("01:00:00:10");
     bool driverLives = true;
     for (const Role role : GetParam()) {
-        trio.Kill(role);
+        stage.Kill(role);
         driverLives = driverLives && role != Role::driver;
-        EXPECT_EQ(trio.DriverAnswers(), driverLives) << "after the death of the " << Name(role);
+        EXPECT_EQ(test_support::DriverAnswers(), driverLives)
+            << "after the death of the " << Name(role);
     }
     for (const Role role : GetParam()) {
-        trio.Start(role);
+        stage.Restart(role);
     }
     ExpectWhole("01:00:00:20");
-    EXPECT_EQ(InterruptDriver(), 0) << trio.Process(Role::driver).StandardError();
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
 }
 
 TEST_P(ProcessFaults, KilledAndStartedAgainOneAfterTheOther) {
     for (const Role role : GetParam()) {
-        trio.Kill(role);
-        EXPECT_EQ(trio.DriverAnswers(), role != Role::driver) << Name(role);
-        trio.Start(role);
-        EXPECT_TRUE(trio.DriverSeesTheEditor()) << Name(role);
+        stage.Kill(role);
+        EXPECT_EQ(test_support::DriverAnswers(), role != Role::driver) << Name(role);
+        stage.Restart(role);
+        EXPECT_TRUE(test_support::DriverSeesTheEditor()) << Name(role);
     }
-    EXPECT_EQ(InterruptDriver(), 0) << trio.Process(Role::driver).StandardError();
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
 }
 
 TEST_P(ProcessFaults, StoppedAllAndContinued) {
     ExpectWhole("01:00:00:10");
     bool driverRuns = true;
     for (const Role role : GetParam()) {
-        trio.Stop(role);
+        stage.Stop(role);
         driverRuns = driverRuns && role != Role::driver;
         if (driverRuns) {
-            EXPECT_TRUE(trio.DriverAnswers()) << "beside a " << Name(role) << " that stands still";
+            EXPECT_TRUE(test_support::DriverAnswers())
+                << "beside a " << Name(role) << " that stands still";
         }
     }
     for (const Role role : GetParam()) {
-        trio.Continue(role);
+        stage.Continue(role);
     }
-    EXPECT_TRUE(trio.DriverAnswers());
+    EXPECT_TRUE(test_support::DriverAnswers());
     ExpectWhole("01:00:00:20");
-    EXPECT_EQ(InterruptDriver(), 0) << trio.Process(Role::driver).StandardError();
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
 }
 
 TEST_P(ProcessFaults, StoppedAndThenKilledInTheMiddle) {
     for (const Role role : GetParam()) {
-        trio.Stop(role);
+        stage.Stop(role);
     }
     for (const Role role : GetParam()) {
-        trio.Kill(role);
+        stage.Kill(role);
     }
     for (const Role role : GetParam()) {
-        trio.Start(role);
+        stage.Restart(role);
     }
     ExpectWhole("01:00:00:20");
-    EXPECT_EQ(InterruptDriver(), 0) << trio.Process(Role::driver).StandardError();
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
 }
 
 }  // namespace

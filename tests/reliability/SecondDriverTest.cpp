@@ -6,19 +6,21 @@
 
 #include <csignal>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <vector>
 
-#include "tests/reliability/Trio.h"
-#include "tests/reliability/WaitUntil.h"
+#include "tests/reliability/Together.h"
 #include "tests/reliability/WireClient.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
 using test_support::ChildProcess;
+using test_support::DriverAnswers;
+using test_support::DriverSeesTheEditor;
 using test_support::Role;
 using test_support::Stage;
-using test_support::Trio;
 using test_support::WireClient;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -39,27 +41,24 @@ std::vector<std::string> SplitLines(const std::string& text) {
 class SecondDriver : public testing::Test {
   protected:
     SecondDriver() {
-        EXPECT_TRUE(trio.DriverSeesTheEditor());
+        StartTogether(stage);
+        EXPECT_TRUE(DriverSeesTheEditor());
+        client.emplace();
         socketBefore = Socket();
-    }
-
-    static std::unique_ptr<ChildProcess> Start() {
-        return std::make_unique<ChildProcess>(Stage::DriverPath(), std::vector<std::string>{},
-                                              Stage::DriverEnvironment());
     }
 
     // Which file is the port's socket; 0 for none.
     ino_t Socket() const {
         struct stat status {};
-        const std::string path = trio.Session().Path() / "KRT9Background";
+        const std::string path = stage.Session().Path() / "KRT9Background";
         return lstat(path.c_str(), &status) == 0 ? status.st_ino : 0;
     }
 
     // One request over a connection that lasts, answered by the driver that it was opened to.
     void ExpectServed() {
         ++sequence;
-        ASSERT_TRUE(client.Send(WireClient::Request("JGlM", {}, sequence)));
-        const auto reply = client.Receive();
+        ASSERT_TRUE(client->Send(WireClient::Request("JGlM", {}, sequence)));
+        const auto reply = client->Receive();
         ASSERT_TRUE(reply && reply->sequence == sequence && reply->data.size() == 8);
     }
 
@@ -83,8 +82,8 @@ class SecondDriver : public testing::Test {
         EXPECT_EQ(second.StandardOutput(), "");
     }
 
-    Trio trio;
-    WireClient client;
+    Stage stage;
+    std::optional<WireClient> client;
     std::uint32_t sequence = 0;
     ino_t socketBefore = 0;
 };
@@ -92,77 +91,75 @@ class SecondDriver : public testing::Test {
 }  // namespace
 
 TEST_F(SecondDriver, SaysSoAndIdlesWhileTheFirstGoesOnServing) {
-    const auto second = Start();
+    const auto second = Stage::LaunchDriver();
     ExpectServedUntil(*second, kVersion);
     EXPECT_EQ(Socket(), socketBefore);
-    EXPECT_TRUE(trio.CompanionHears("01:00:00:10"));
+    EXPECT_TRUE(CompanionHears(stage, "01:00:00:10"));
     ExpectIdledAndEnds(*second);
     EXPECT_EQ(Socket(), socketBefore) << "the first one's socket went with the second";
     ExpectServed();
-    EXPECT_TRUE(trio.DriverAnswers()) << "newcomers";
-    EXPECT_TRUE(trio.CompanionHears("01:00:00:20"));
+    EXPECT_TRUE(DriverAnswers()) << "newcomers";
+    EXPECT_TRUE(CompanionHears(stage, "01:00:00:20"));
     // Each driver tells its language once, and only the first has.
-    EXPECT_THAT(SplitLines(trio.Process(Role::companion).StandardOutput()),
+    EXPECT_THAT(SplitLines(stage.Companion().StandardOutput()),
                 testing::Contains(HasSubstr("JSLg")).Times(1));
 }
 
 TEST_F(SecondDriver, DoesNotDisturbTheFirstByItsDeath) {
-    const auto second = Start();
+    const auto second = Stage::LaunchDriver();
     ExpectServedUntil(*second, kVersion);
     second->Signal(SIGKILL);
     EXPECT_EQ(second->WaitForExit(), 128 + SIGKILL);
     ExpectServed();
     EXPECT_EQ(Socket(), socketBefore);
-    EXPECT_TRUE(trio.CompanionHears("01:00:00:10"));
+    EXPECT_TRUE(CompanionHears(stage, "01:00:00:10"));
 }
 
 // It looked for the port once, when it started.
 TEST_F(SecondDriver, DoesNotTakeThePortThatTheFirstLeaves) {
-    const auto second = Start();
+    const auto second = Stage::LaunchDriver();
     ExpectServedUntil(*second, kVersion);
-    trio.Process(Role::driver).Signal(SIGINT);
-    EXPECT_EQ(trio.Process(Role::driver).WaitForExit(), 0);
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0);
     EXPECT_EQ(Socket(), 0U);
-    EXPECT_FALSE(Trio::DriverAnswers());
+    EXPECT_FALSE(DriverAnswers());
 
-    trio.Start(Role::driver);  // the third takes it, and the second leaves it alone
-    EXPECT_TRUE(Trio::DriverAnswers());
+    stage.Restart(Role::driver);  // the third takes it, and the second leaves it alone
+    EXPECT_TRUE(DriverAnswers());
     const ino_t ofTheThird = Socket();
     ExpectIdledAndEnds(*second);
     EXPECT_EQ(Socket(), ofTheThird);
-    EXPECT_TRUE(Trio::DriverAnswers());
+    EXPECT_TRUE(DriverAnswers());
 }
 
 TEST_F(SecondDriver, DoesNotTakeThePortOfAFirstThatWasKilled) {
-    const auto second = Start();
+    const auto second = Stage::LaunchDriver();
     ExpectServedUntil(*second, kVersion);
-    trio.Kill(Role::driver);
+    stage.Kill(Role::driver);
     EXPECT_EQ(Socket(), socketBefore) << "a dead process's socket stays";
-    EXPECT_FALSE(Trio::DriverAnswers());
-    trio.Start(Role::driver);
-    EXPECT_TRUE(trio.DriverSeesTheEditor());
+    EXPECT_FALSE(DriverAnswers());
+    stage.Restart(Role::driver);
+    EXPECT_TRUE(DriverSeesTheEditor());
     ExpectIdledAndEnds(*second);
-    EXPECT_TRUE(Trio::DriverAnswers());
+    EXPECT_TRUE(DriverAnswers());
 }
 
 // Also while the first does nothing: a stopped process still holds its port.
 TEST_F(SecondDriver, DoesNotTakeThePortOfAFirstThatStandsStill) {
-    trio.Stop(Role::driver);
-    const auto second = Start();
+    stage.Stop(Role::driver);
+    const auto second = Stage::LaunchDriver();
     EXPECT_TRUE(second->WaitForOutput(kVersion));
     ExpectIdledAndEnds(*second);
-    trio.Continue(Role::driver);
+    stage.Continue(Role::driver);
     ExpectServed();
     EXPECT_EQ(Socket(), socketBefore);
 }
 
 TEST_F(SecondDriver, IsOneOfManyThatStartAtOnceAndOneServes) {
     constexpr int kDrivers = 8;
-    trio.Process(Role::driver).Signal(SIGINT);
-    EXPECT_EQ(trio.Process(Role::driver).WaitForExit(), 0);
+    EXPECT_EQ(stage.Interrupt(Role::driver), 0);
     std::vector<std::unique_ptr<ChildProcess>> drivers;
     for (int i = 0; i < kDrivers; ++i) {
-        drivers.push_back(Start());
+        drivers.push_back(Stage::LaunchDriver());
     }
     int idle = 0;
     ChildProcess* serving = nullptr;
@@ -176,13 +173,13 @@ TEST_F(SecondDriver, IsOneOfManyThatStartAtOnceAndOneServes) {
     }
     ASSERT_EQ(idle, kDrivers - 1);
     ASSERT_NE(serving, nullptr);
-    EXPECT_TRUE(trio.DriverSeesTheEditor());
+    EXPECT_TRUE(DriverSeesTheEditor());
     for (const auto& driver : drivers) {
         if (driver.get() != serving) {
             ExpectIdledAndEnds(*driver);
         }
     }
-    EXPECT_TRUE(Trio::DriverAnswers());
+    EXPECT_TRUE(DriverAnswers());
     serving->Signal(SIGINT);
     EXPECT_EQ(serving->WaitForExit(), 0) << serving->StandardError();
     EXPECT_THAT(serving->StandardError(), Not(HasSubstr(kTaken)));

@@ -11,7 +11,7 @@
 
 #include "platform/DesktopLink/Framing.h"
 #include "platform/DesktopLink/Messages.h"
-#include "tests/reliability/Trio.h"
+#include "tests/reliability/Together.h"
 #include "tests/reliability/WireClient.h"
 #include "tests/support/Paths.h"
 #include "tests/users/OtherUser.h"
@@ -22,11 +22,9 @@ using test_support::AsOtherUser;
 using test_support::Bytes;
 using test_support::ChildProcess;
 using test_support::Command;
-using test_support::kOtherUser;
+using test_support::DriverSeesTheEditor;
 using test_support::ProcessResult;
-using test_support::Role;
 using test_support::Stage;
-using test_support::Trio;
 using test_support::WireClient;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -89,20 +87,20 @@ class OtherUsers : public testing::Test {
         if (const std::string reason = test_support::NoOtherUser(); !reason.empty()) {
             GTEST_SKIP() << reason;
         }
-        trio.emplace();
-        EXPECT_TRUE(trio->DriverSeesTheEditor());
-        trio->Process(Role::companion).ForgetOutput();
+        stage.emplace();
+        StartTogether(*stage);
+        EXPECT_TRUE(DriverSeesTheEditor());
+        stage->Companion().ForgetOutput();
         logBefore = DesktopLog();
     }
 
     static std::string DesktopLog() {
-        const ProcessResult result =
-            test_support::RunProcess(Stage::CompanionPath(), {"desktop", "log"});
+        const ProcessResult result = Stage::Control({"desktop", "log"});
         EXPECT_EQ(result.status, 0) << result.standardError;
         return result.standardOutput;
     }
 
-    std::filesystem::path Folder() const { return trio->Session().Path(); }
+    std::filesystem::path Folder() const { return stage->Session().Path(); }
 
     // The result of the other user's attempts at one socket.
     std::unique_ptr<ChildProcess> Attack(const PrivateSocket& target) const {
@@ -126,16 +124,16 @@ class OtherUsers : public testing::Test {
     // The owner's session works as before; nothing came of what the other user sent.
     void ExpectUntouched() {
         EXPECT_EQ(DesktopLog(), logBefore);
-        EXPECT_TRUE(trio->DriverSeesTheEditor());
-        EXPECT_TRUE(trio->CompanionHears("01:00:00:12"));
+        EXPECT_TRUE(DriverSeesTheEditor());
+        EXPECT_TRUE(CompanionHears(*stage, "01:00:00:12"));
         // What another user sent would have come before.
-        EXPECT_THAT(trio->Process(Role::companion).StandardOutput(), Not(HasSubstr("JXXX")));
+        EXPECT_THAT(stage->Companion().StandardOutput(), Not(HasSubstr("JXXX")));
     }
 
     // The programs of the other user, pointed at this session, say `reason` in one line.
     void ExpectTurnedAway(const std::string& reason);
 
-    std::optional<Trio> trio;
+    std::optional<Stage> stage;
     std::string logBefore;
 };
 
@@ -146,13 +144,11 @@ void OtherUsers::ExpectTurnedAway(const std::string& reason) {
         std::vector<std::string> arguments;
         std::string output;
     } programs[] = {
-        {Stage::CompanionPath(), {"pointer"}, "krt9ctl: pointer: " + line + "\n"},
-        {Stage::CompanionPath(), {"watch"}, "krt9ctl: watch: " + line + "\n"},
-        {Stage::CompanionPath(), {"desktop", "state"}, "krt9ctl: desktop state: " + line + "\n"},
-        {Stage::CompanionPath(), {"dump"}, "krt9ctl: dump: " + line + "\n"},
-        {KRT9_BINARIES "/krt9-desktop",
-         {KRT9_SCENES "/editor-10.4.6.json"},
-         "krt9-desktop: " + line + "\n"},
+        {Stage::ControlPath(), {"pointer"}, "krt9ctl: pointer: " + line + "\n"},
+        {Stage::ControlPath(), {"watch"}, "krt9ctl: watch: " + line + "\n"},
+        {Stage::ControlPath(), {"desktop", "state"}, "krt9ctl: desktop state: " + line + "\n"},
+        {Stage::ControlPath(), {"dump"}, "krt9ctl: dump: " + line + "\n"},
+        {Stage::DesktopPath(), {KRT9_SCENES "/editor-10.4.6.json"}, "krt9-desktop: " + line + "\n"},
     };
     for (const auto& program : programs) {
         const ProcessResult result = RunAsOther(program.path, program.arguments);
@@ -220,22 +216,22 @@ TEST_F(OtherUsers, SendWhatTheOwnerWouldBeAnsweredTo) {
         char byte = 0;
         EXPECT_EQ(read(owner.get(), &byte, 1), 1) << target.socket;
     }
-    EXPECT_TRUE(trio->Process(Role::companion).WaitForOutput("JXXX"));
+    EXPECT_TRUE(stage->Companion().WaitForOutput("JXXX"));
     EXPECT_NE(DesktopLog(), logBefore) << "the button was pressed";
 }
 
 TEST_F(OtherUsers, ProgramsPointedAtThisSessionAreTurnedAway) {
-    const auto files = trio->Session().Files();
+    const auto files = stage->Session().Files();
     ExpectTurnedAway("cannot be opened: Permission denied");
-    EXPECT_EQ(trio->Session().Files(), files);
+    EXPECT_EQ(stage->Session().Files(), files);
     ExpectUntouched();
 }
 
 TEST_F(OtherUsers, ProgramsPointedAtThisSessionAreRefusedWhenItsModesWereRelaxedByHand) {
-    const auto files = trio->Session().Files();
+    const auto files = stage->Session().Files();
     ASSERT_EQ(chmod(Folder().c_str(), 0777), 0);
     ExpectTurnedAway("belongs to user 0 instead of 65534");
     ASSERT_EQ(chmod(Folder().c_str(), 0700), 0);
-    EXPECT_EQ(trio->Session().Files(), files);
+    EXPECT_EQ(stage->Session().Files(), files);
     ExpectUntouched();
 }

@@ -11,9 +11,9 @@
 #include <iterator>
 #include <map>
 
-#include "tests/process/Stage.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Paths.h"
+#include "tests/support/Stage.h"
 
 namespace test_support {
 
@@ -85,10 +85,7 @@ Program Driver() {
 }
 
 Program Desktop() {
-    return {KRT9_BINARIES "/krt9-desktop",
-            {KRT9_SCENES "/editor-10.4.6.json"},
-            "krt9-desktop: ",
-            "ready"};
+    return {Stage::DesktopPath(), {KRT9_SCENES "/editor-10.4.6.json"}, "krt9-desktop: ", "ready"};
 }
 
 Program Control(const std::vector<std::string>& arguments) {
@@ -96,7 +93,7 @@ Program Control(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         prefix += " " + argument;
     }
-    return {Stage::CompanionPath(), arguments, prefix + ": ", ""};
+    return {Stage::ControlPath(), arguments, prefix + ": ", ""};
 }
 
 void ExpectOneLine(const Program& program, const std::string& path, const std::string& reason) {

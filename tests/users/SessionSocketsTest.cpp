@@ -9,7 +9,7 @@
 #include <set>
 #include <sstream>
 
-#include "tests/reliability/Trio.h"
+#include "tests/reliability/Together.h"
 
 namespace {
 
@@ -49,16 +49,17 @@ std::vector<std::vector<std::string>> Rows(pid_t pid, const std::string& table, 
 }  // namespace
 
 TEST(SessionSockets, AreItsThreeSocketFilesOnly) {
-    test_support::Trio trio;
-    ASSERT_TRUE(trio.DriverSeesTheEditor());
-    EXPECT_THAT(trio.Session().Files(),
+    test_support::Stage stage;
+    StartTogether(stage);
+    ASSERT_TRUE(test_support::DriverSeesTheEditor());
+    EXPECT_THAT(stage.Session().Files(),
                 testing::IsSupersetOf({"KRT9Background", "VEK_KRT9", "krt9-desktop"}));
     constexpr std::size_t kFlags = 3;
     constexpr std::size_t kNumberOfUnix = 6;
     constexpr std::size_t kPath = 7;
     constexpr std::size_t kNumberOfInternet = 9;
     for (const Role role : test_support::kRoles) {
-        const pid_t pid = trio.Process(role).pid();
+        const pid_t pid = stage.Process(role).pid();
         const std::set<std::string> sockets = SocketsOf(pid);
         EXPECT_FALSE(sockets.empty());
         int listening = 0;

@@ -4,20 +4,16 @@
 #include <CoreMIDI/CoreMIDI.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <fstream>
-#include <memory>
 #include <string>
 
 #include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/LiveObjects.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/OwnedObject.h"
-#include "tests/support/Paths.h"
-#include "tests/support/SessionFixture.h"
+#include "tests/support/Stage.h"
 
 namespace {
 
+using test_support::Role;
 using OwnedElement = test_support::OwnedObject<AXUIElementRef>;
 using OwnedEvent = test_support::OwnedObject<CGEventRef>;
 using Owned = test_support::OwnedObject<CFTypeRef>;
@@ -36,18 +32,7 @@ class RealDesktop : public testing::Test {
     RealDesktop() { desktop_link::SetTransport(nullptr); }
     ~RealDesktop() override { desktop_link::SetTransport(nullptr); }
 
-    void Start() {
-        const std::string path = session_.Path() / "scene.json";
-        std::ofstream(path) << kScene;
-        process_ = std::make_unique<test_support::ChildProcess>(KRT9_BINARIES "/krt9-desktop",
-                                                                std::vector<std::string>{path});
-        ASSERT_TRUE(process_->WaitForOutput("ready")) << process_->StandardError();
-    }
-
-    void Kill() {
-        process_->Signal(SIGKILL);
-        process_->WaitForExit();
-    }
+    void Start() { stage_.StartDesktop(kScene); }
 
     static void Command(const std::string& json) {
         desktop_link::Request request;
@@ -73,8 +58,7 @@ class RealDesktop : public testing::Test {
     }
 
     platform_testing::AutoreleasePool pool_;
-    test_support::SessionFixture session_;
-    std::unique_ptr<test_support::ChildProcess> process_;
+    test_support::Stage stage_;
 };
 
 TEST_F(RealDesktop, AnswersEveryFramework) {
@@ -121,9 +105,9 @@ TEST_F(RealDesktop, HungApplicationCostsOneTimeoutACallAndAnswersAgainAfterwards
 TEST_F(RealDesktop, StoppedDesktopCostsOneTimeoutACall) {
     Start();
     EXPECT_EQ(ReadWindows(), kAXErrorSuccess);
-    process_->Signal(SIGSTOP);
+    stage_.Stop(Role::desktop);
     EXPECT_EQ(ReadWindows(), kAXErrorCannotComplete);
-    process_->Signal(SIGCONT);
+    stage_.Continue(Role::desktop);
     AXUIElementSetMessagingTimeout(OwnedElement(AXUIElementCreateSystemWide()), 5);
     EXPECT_EQ(ReadWindows(), kAXErrorSuccess);
     AXUIElementSetMessagingTimeout(OwnedElement(AXUIElementCreateSystemWide()), 0);
@@ -132,7 +116,7 @@ TEST_F(RealDesktop, StoppedDesktopCostsOneTimeoutACall) {
 TEST_F(RealDesktop, KilledDesktopLeavesAnEmptySessionAndTheNextOneIsFound) {
     Start();
     EXPECT_EQ(FrontPid(), 501);
-    Kill();
+    stage_.Kill(Role::desktop);
     EXPECT_EQ(ReadWindows(), kAXErrorAPIDisabled);
     EXPECT_FALSE(AXIsProcessTrustedWithOptions(nullptr));
     RunForOneDelivery();

@@ -2,22 +2,21 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <csignal>
 #include <sstream>
 
-#include "tests/support/ChildProcess.h"
-#include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
+#include "tests/support/Stage.h"
 #include "tests/unit/tools/OnTerminal.h"
 
 namespace {
 
-using test_support::ChildProcess;
 using test_support::OnTerminal;
 using test_support::RunProcess;
+using test_support::Stage;
 using testing::HasSubstr;
 
-constexpr char kProgram[] = KRT9_BINARIES "/krt9-desktop";
+const std::string kProgram = Stage::DesktopPath();
 
 class DesktopProgram : public testing::Test {
   protected:
@@ -60,8 +59,7 @@ TEST_F(DesktopProgram, RefusesAWrongCommandLineInOneLineThatNamesItsHelp) {
 }
 
 TEST_F(DesktopProgram, FailsWhenItsOutputCannotBeWritten) {
-    const std::string scene = (session_.Path() / "scene.json").string();
-    std::ofstream(scene) << R"({"front": null})";
+    const std::string scene = session_.Write("scene.json", R"({"front": null})");
     for (const std::string& words : {std::string("--version"), std::string("--help"), scene}) {
         const auto result = RunProcess("/bin/sh", {"-c", "\"$0\" $1 > /dev/full", kProgram, words});
         EXPECT_EQ(result.status, 1) << words;
@@ -70,16 +68,14 @@ TEST_F(DesktopProgram, FailsWhenItsOutputCannotBeWritten) {
 }
 
 TEST_F(DesktopProgram, FailsAtItsEndWhenItsLogCouldNotBeWritten) {
-    const std::string scene = (session_.Path() / "scene.json").string();
-    std::ofstream(scene) << R"({"front": null})";
-    ChildProcess desktop(kProgram, {scene, "--log", "/dev/full"});
-    ASSERT_TRUE(desktop.WaitForOutput("ready"));
-    const auto change =
-        RunProcess(KRT9_BINARIES "/krt9ctl", {"desktop", "plug", R"({"name": "a"})"});
+    const std::string scene = session_.Write("scene.json", R"({"front": null})");
+    const auto desktop = Stage::LaunchDesktop({scene, "--log", "/dev/full"});
+    ASSERT_TRUE(desktop->WaitForOutput("ready"));
+    const auto change = Stage::Control({"desktop", "plug", R"({"name": "a"})"});
     EXPECT_EQ(change.status, 0) << change.standardError;
-    desktop.Signal(SIGTERM);
-    EXPECT_EQ(desktop.WaitForExit(), 1);
-    EXPECT_THAT(desktop.StandardError(), HasSubstr("/dev/full: No space left on device"));
+    desktop->Signal(SIGTERM);
+    EXPECT_EQ(desktop->WaitForExit(), 1);
+    EXPECT_THAT(desktop->StandardError(), HasSubstr("/dev/full: No space left on device"));
 }
 
 TEST_F(DesktopProgram, HasColoursOnATerminalOnly) {

@@ -2,11 +2,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/unit/tools/DesktopSession.h"
+#include "tests/support/InProcessDesktop.h"
+#include "tests/unit/tools/Carried.h"
 
 namespace krt9ctl {
 namespace {
 
+using test_support::InProcessDesktop;
 using testing::HasSubstr;
 
 constexpr char kScene[] = R"({"front": "com.apple.FinalCut", "applications": [
@@ -25,15 +27,15 @@ constexpr char kScene[] = R"({"front": "com.apple.FinalCut", "applications": [
     "script": [{"command": "activate", "application": "org.example.Notes"},
                {"command": "pointer", "position": [7, 8]}]})";
 
-Json Asked(DesktopSession& session, const char* command) {
-    return Json::parse(session.desktop.Run(command));
+Json Asked(InProcessDesktop& session, const char* command) {
+    return Json::parse(session->Run(command));
 }
 
-Json State(DesktopSession& session) {
+Json State(InProcessDesktop& session) {
     return Asked(session, R"({"command": "state"})");
 }
 
-Json Attributes(DesktopSession& session, const std::string& element) {
+Json Attributes(InProcessDesktop& session, const std::string& element) {
     const Json answer =
         Asked(session, OneLine({{"command", "element"}, {"element", element}}).c_str());
     return answer.value("attributes", Json::object());
@@ -46,7 +48,7 @@ void Done(std::vector<std::string> words) {
 }
 
 TEST(DesktopVerbs, ActivateBringsAnApplicationOrNothingToTheFront) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"activate", "org.example.Notes"});
     EXPECT_EQ(State(session)["front"], "org.example.Notes");
     Done({"activate"});
@@ -54,7 +56,7 @@ TEST(DesktopVerbs, ActivateBringsAnApplicationOrNothingToTheFront) {
 }
 
 TEST(DesktopVerbs, LaunchAndQuitChangeTheApplications) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"launch", R"({"bundleID": "a.b", "pid": 9})"});
     EXPECT_EQ(State(session)["front"], "a.b");
     Done({"launch", R"({"bundleID": "c.d"})", "--behind"});
@@ -65,7 +67,7 @@ TEST(DesktopVerbs, LaunchAndQuitChangeTheApplications) {
 }
 
 TEST(DesktopVerbs, KillAndHangShowInTheState) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"hang", "com.apple.FinalCut"});
     EXPECT_EQ(State(session)["applications"][0]["hung"], true);
     Done({"unhang", "com.apple.FinalCut"});
@@ -77,7 +79,7 @@ TEST(DesktopVerbs, KillAndHangShowInTheState) {
 }
 
 TEST(DesktopVerbs, TrustIsGivenAndRevoked) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"trust", "--revoke"});
     EXPECT_EQ(State(session)["trusted"], false);
     Done({"trust"});
@@ -85,7 +87,7 @@ TEST(DesktopVerbs, TrustIsGivenAndRevoked) {
 }
 
 TEST(DesktopVerbs, SetTakesJsonAndPlainText) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"set", "_NS:159", "AXValue", "1"});
     EXPECT_EQ(Attributes(session, "_NS:159")["AXValue"], 1);
     Done({"set", "_NS:159", "AXValue", "two words"});
@@ -96,7 +98,7 @@ TEST(DesktopVerbs, SetTakesJsonAndPlainText) {
 }
 
 TEST(DesktopVerbs, PressFlipsACheckBox) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"press", "_NS:159"});
     EXPECT_EQ(Attributes(session, "_NS:159")["AXValue"], 1);
     Done({"press", "_NS:159", "--application", "com.apple.FinalCut", "--action", "AXPress"});
@@ -104,7 +106,7 @@ TEST(DesktopVerbs, PressFlipsACheckBox) {
 }
 
 TEST(DesktopVerbs, ElementsAreNumbersIdentifiersOrPaths) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     for (const char* element : {"159", "0x9f", "_NS:159", "/0/0"}) {
         EXPECT_THAT(Carried({"desktop", "element", element}).out, HasSubstr("AXCheckBox"))
             << element;
@@ -112,7 +114,7 @@ TEST(DesktopVerbs, ElementsAreNumbersIdentifiersOrPaths) {
 }
 
 TEST(DesktopVerbs, SelectClipGoesByNameByRowAndToNone) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"select-clip", "Clip 2"});
     EXPECT_EQ(Attributes(session, "_NS:100")["AXValue"], "Clip 2");
     Done({"select-clip", "--row", "0"});
@@ -124,7 +126,7 @@ TEST(DesktopVerbs, SelectClipGoesByNameByRowAndToNone) {
 }
 
 TEST(DesktopVerbs, PlayheadGoesToATimecodeAndByFrames) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"playhead", "01:00:00:24"});
     EXPECT_EQ(Attributes(session, "_NS:9")["AXValueDescription"], "01:00:00:24");
     Done({"playhead", "--frames", "1"});
@@ -135,7 +137,7 @@ TEST(DesktopVerbs, PlayheadGoesToATimecodeAndByFrames) {
 }
 
 TEST(DesktopVerbs, PlugAndUnplugShowInTheLog) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"plug", R"({"name": "KRT-9 USB"})"});
     Done({"unplug", "KRT-9 USB"});
     const Outcome log = Carried({"desktop", "log"});
@@ -144,7 +146,7 @@ TEST(DesktopVerbs, PlugAndUnplugShowInTheLog) {
 }
 
 TEST(DesktopVerbs, LogIsOneEntryALineForPeopleAndOneObjectForPrograms) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"press", "_NS:159"});
     Done({"plug", R"({"name": "a"})"});
     Done({"unplug", "a"});
@@ -160,7 +162,7 @@ TEST(DesktopVerbs, LogIsOneEntryALineForPeopleAndOneObjectForPrograms) {
 }
 
 TEST(DesktopVerbs, StepAndPlayRunTheScenesScript) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"step"});
     EXPECT_EQ(State(session)["front"], "org.example.Notes");
     Done({"play"});
@@ -169,7 +171,7 @@ TEST(DesktopVerbs, StepAndPlayRunTheScenesScript) {
 }
 
 TEST(DesktopVerbs, PointerAdvanceElementAndRawReachTheDesktop) {
-    DesktopSession session(kScene);
+    InProcessDesktop session(kScene);
     Done({"pointer", "-3,4"});
     EXPECT_EQ(State(session)["pointer"], Json::array({-3, 4}));
     Done({"advance", "0.5"});
@@ -181,7 +183,7 @@ TEST(DesktopVerbs, PointerAdvanceElementAndRawReachTheDesktop) {
 }
 
 TEST(DesktopVerbs, ARefusalIsAnExitCodeOfItsOwnAndTheDesktopsReason) {
-    const DesktopSession session(kScene);
+    const InProcessDesktop session(kScene);
     const Outcome outcome = Carried({"desktop", "quit", "no.such"});
     EXPECT_EQ(outcome.code, ExitCode::refused);
     EXPECT_THAT(outcome.err, HasSubstr("no application"));

@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "tests/support/Paths.h"
-#include "tests/unit/tools/DesktopSession.h"
+#include "tests/unit/tools/Carried.h"
 
 namespace krt9ctl {
 namespace {

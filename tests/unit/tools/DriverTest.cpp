@@ -8,8 +8,8 @@
 #include <sstream>
 #include <vector>
 
-#include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
+#include "tests/support/Stage.h"
 #include "tools/Client.h"
 #include "tools/Run.h"
 
@@ -79,9 +79,8 @@ class Driver : public testing::Test {
 TEST_F(Driver, ThatDoesNotRunIsAnExitCodeOfItsOwn) {
     EXPECT_EQ(Tell({"ping"}), ExitCode::noDriver);
     EXPECT_EQ(err_.str(), "krt9ctl: 'JPth': no driver runs in the session " +
-                              session_.Path().string() +
-                              "; start it with " KRT9_BINARIES
-                              "/KRT9Background.app/Contents/MacOS/KRT9Background\n");
+                              session_.Path().string() + "; start it with " +
+                              test_support::Stage::DriverPath() + "\n");
 }
 
 TEST_F(Driver, OfASessionThatOthersMayEnterIsNotAsked) {

@@ -2,16 +2,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/unit/tools/DesktopSession.h"
+#include "tests/support/InProcessDesktop.h"
+#include "tests/unit/tools/Carried.h"
 
 namespace krt9ctl {
 namespace {
 
+using test_support::InProcessDesktop;
 using testing::HasSubstr;
 using testing::Not;
 
 std::string DumpOf(const std::string& scene, std::vector<std::string> words = {"dump"}) {
-    const DesktopSession session(scene);
+    const InProcessDesktop session(scene);
     const Outcome outcome = Carried(std::move(words));
     EXPECT_EQ(outcome.code, ExitCode::ok) << outcome.err;
     return outcome.out;
@@ -155,7 +157,7 @@ TEST(Dump, OfDeepValuesThatHoldAnElementLoadsAgain) {
 TEST(Dump, IsOneObjectInOneLineWithJsonUnlessPretty) {
     const std::string scene =
         SceneWith(R"({"AXRole": "AXButton", "AXTitle": "a\n   b", "AXChildren": [{}, {}]})");
-    const DesktopSession session(scene);
+    const InProcessDesktop session(scene);
     const std::string pretty = Carried({"dump"}).out;
     const std::string line = Carried({"dump"}, true).out;
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
@@ -173,13 +175,13 @@ TEST(Dump, PutsAnElementWhereItWasMetFirst) {
 }
 
 TEST(Dump, CostsTwoExchangesForEachElement) {
-    DesktopSession session(SceneWith(R"({"AXRole": "AXButton"}, {"AXRole": "AXButton"})"));
+    InProcessDesktop session(SceneWith(R"({"AXRole": "AXButton"}, {"AXRole": "AXButton"})"));
     Carried({"dump"});
     constexpr unsigned long kElements = 4;  // with the application and the window
-    EXPECT_EQ(session.desktop.Count(desktop_link::Operation::attributeNames), kElements);
-    EXPECT_EQ(session.desktop.Count(desktop_link::Operation::copyAttributes), kElements);
-    EXPECT_EQ(session.desktop.Count(desktop_link::Operation::copyAttribute), 1U);
-    EXPECT_EQ(session.desktop.Count(desktop_link::Operation::actionNames), 0U);
+    EXPECT_EQ(session->Count(desktop_link::Operation::attributeNames), kElements);
+    EXPECT_EQ(session->Count(desktop_link::Operation::copyAttributes), kElements);
+    EXPECT_EQ(session->Count(desktop_link::Operation::copyAttribute), 1U);
+    EXPECT_EQ(session->Count(desktop_link::Operation::actionNames), 0U);
 }
 
 TEST(Dump, TakesTheActionsWhenAsked) {
@@ -192,14 +194,13 @@ TEST(Dump, TakesTheActionsWhenAsked) {
 }
 
 TEST(Dump, LeavesOutAnElementThatGoesAwayWhileItIsRead) {
-    DesktopSession session(SceneWith(R"({"AXRole": "AXButton"}, {"AXRole": "AXImage"})"));
+    InProcessDesktop session(SceneWith(R"({"AXRole": "AXButton"}, {"AXRole": "AXImage"})"));
     bool done = false;
     // The second child dies while the first one is read.
-    session.desktop.onRead = [&](const desktop_link::ElementReference& element,
-                                 const std::string&) {
-        if (!done && element == session.desktop.Find("", "/0/0")) {
+    session->onRead = [&](const desktop_link::ElementReference& element, const std::string&) {
+        if (!done && element == session->Find("", "/0/0")) {
             done = true;
-            session.desktop.Run(R"({"command": "remove", "element": "/0/1"})");
+            session->Run(R"({"command": "remove", "element": "/0/1"})");
         }
     };
     const Outcome outcome = Carried({"dump"});
@@ -238,7 +239,7 @@ TEST(Dump, SaysWhyItCannotRead) {
         {R"({"front": null})", {"dump", "--application", "x.y"}, "no such application"},
     };
     for (const auto& each : cases) {
-        const DesktopSession session(each.scene);
+        const InProcessDesktop session(each.scene);
         const Outcome outcome = Carried(each.words);
         EXPECT_EQ(outcome.code, ExitCode::accessibility) << each.scene;
         EXPECT_THAT(outcome.err, HasSubstr(each.sentence)) << each.scene;

@@ -8,7 +8,8 @@
 
 #include "scenes/notation/Names.h"
 #include "scenes/notation/Values.h"
-#include "tests/unit/tools/DesktopSession.h"
+#include "tests/support/InProcessDesktop.h"
+#include "tests/unit/tools/Carried.h"
 #include "tools/Reference.h"
 #include "tools/SceneValue.h"
 #include "tools/Text.h"
@@ -16,11 +17,12 @@
 namespace krt9ctl {
 namespace {
 
+using test_support::InProcessDesktop;
 using testing::HasSubstr;
 using testing::Not;
 
 Outcome Dumped(const std::string& scene, std::vector<std::string> words = {"dump"}) {
-    const DesktopSession session(scene);
+    const InProcessDesktop session(scene);
     return Carried(std::move(words));
 }
 
@@ -159,9 +161,9 @@ class Altering : public desktop_link::Transport {
 };
 
 TEST(OddTree, LeavesOutNamesThatNoSceneHasAndSaysSo) {
-    DesktopSession session(SceneOf(R"([{"AXRole": "AXWindow"}])"));
+    InProcessDesktop session(SceneOf(R"([{"AXRole": "AXWindow"}])"));
     desktop_link::SetTransport(std::make_unique<Altering>(
-        session.desktop, [](const desktop_link::Request& request, desktop_link::Reply& reply) {
+        *session, [](const desktop_link::Request& request, desktop_link::Reply& reply) {
             if (request.operation == desktop_link::Operation::attributeNames &&
                 request.element.id != 0) {
                 reply.values.push_back({std::string("lower")});
@@ -174,9 +176,9 @@ TEST(OddTree, LeavesOutNamesThatNoSceneHasAndSaysSo) {
 }
 
 TEST(OddDesktop, WhoseReplyIsNotAnObjectIsARefusal) {
-    DesktopSession session(SceneOf("[]"));
+    InProcessDesktop session(SceneOf("[]"));
     desktop_link::SetTransport(std::make_unique<Altering>(
-        session.desktop,
+        *session,
         [](const desktop_link::Request&, desktop_link::Reply& reply) { reply.text = "[1]"; }));
     const Outcome outcome = Carried({"desktop", "state"});
     EXPECT_EQ(outcome.code, ExitCode::refused);

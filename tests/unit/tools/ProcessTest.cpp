@@ -6,8 +6,7 @@
 #include <sstream>
 
 #include "VEKCommon/MessageCodes.h"
-#include "tests/process/Stage.h"
-#include "tests/support/Paths.h"
+#include "tests/support/Stage.h"
 #include "tools/Interruption.h"
 #include "tools/Output.h"
 #include "tools/Reference.h"
@@ -21,7 +20,7 @@ using test_support::Stage;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-constexpr char kProgram[] = KRT9_BINARIES "/krt9ctl";
+const std::string kProgram = Stage::ControlPath();
 
 test_support::ProcessResult Shell(const std::string& script) {
     return RunProcess("/bin/sh", {"-c", script, kProgram});
@@ -95,7 +94,7 @@ TEST(ClosedPipe, EndsWatchWithoutAnotherMessage) {
 }
 
 Json LogOf(Stage& stage) {
-    return Json::parse(stage.Companion({"desktop", "log", "--json"}).standardOutput)["entries"];
+    return Json::parse(stage.Control({"desktop", "log", "--json"}).standardOutput)["entries"];
 }
 
 // The last event of this name; null when there is none.
@@ -109,12 +108,13 @@ Json Last(const Json& log, const std::string& name) {
 
 // Sends the signal in the middle of a long drag with the Option key; its exit status.
 int StopDrag(Stage& stage, const std::vector<int>& signals) {
-    ChildProcess drag(kProgram, {"drag", "10,20", "1010,20", "--option", "--steps", "10000"});
+    const auto drag =
+        Stage::LaunchControl({"drag", "10,20", "1010,20", "--option", "--steps", "10000"});
     EXPECT_TRUE(stage.Desktop().WaitForOutput("leftMouseDragged"));
     for (const int signal : signals) {
-        drag.Signal(signal);
+        drag->Signal(signal);
     }
-    return drag.WaitForExit();
+    return drag->WaitForExit();
 }
 
 void ExpectLetGo(Stage& stage) {

@@ -8,9 +8,7 @@
 #include <sstream>
 
 #include "VEKCommon/MessageCodes.h"
-#include "tests/support/ChildProcess.h"
-#include "tests/support/Paths.h"
-#include "tests/support/SessionFixture.h"
+#include "tests/support/Stage.h"
 #include "tools/Bytes.h"
 #include "tools/Reference.h"
 #include "tools/Run.h"
@@ -18,9 +16,8 @@
 namespace krt9ctl {
 namespace {
 
+using test_support::Stage;
 using testing::HasSubstr;
-
-constexpr char kProgram[] = KRT9_BINARIES "/krt9ctl";
 
 // Does something once, as soon as the run loop runs in the default mode.
 class Soon {
@@ -64,7 +61,7 @@ struct Watched : testing::Test {
         return RunCommandLine(words, {out, err});
     }
 
-    test_support::SessionFixture session;
+    Stage stage;
     std::ostringstream out, err;
 };
 
@@ -123,27 +120,26 @@ TEST_F(Watched, EndsAfterTheTimeWithoutAnyMessage) {
 }
 
 TEST_F(Watched, PortOfAnotherProcessIsAnExitCodeOfItsOwn) {
-    test_support::ChildProcess other(kProgram, {"watch"});
-    ASSERT_TRUE(other.WaitForOutput("watching")) << other.StandardError();
+    stage.StartCompanion();
     EXPECT_EQ(Watch({"--for", "0.01"}), ExitCode::nameTaken);
     EXPECT_THAT(err.str(), HasSubstr("VEK_KRT9 is taken"));
 }
 
 TEST_F(Watched, AnInterruptionEndsItInGoodOrder) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        test_support::ChildProcess watch(kProgram, {"watch"});
-        ASSERT_TRUE(watch.WaitForOutput("watching")) << watch.StandardError();
-        watch.Signal(signal);
-        EXPECT_EQ(watch.WaitForExit(), 0);
-        EXPECT_THAT(session.Files(), testing::IsEmpty());
+        stage.StartCompanion();
+        stage.Companion().Signal(signal);
+        EXPECT_EQ(stage.Companion().WaitForExit(), 0);
+        EXPECT_THAT(stage.Session().Files(), testing::IsEmpty());
     }
 }
 
 TEST(Program, EndsWithTheExitCodeOfItsCommand) {
     const test_support::SessionFixture session;
-    EXPECT_EQ(test_support::RunProcess(kProgram, {"--version"}).standardOutput, "krt9ctl 1.0.0\n");
-    EXPECT_EQ(test_support::RunProcess(kProgram, {}).status, 2);
-    EXPECT_EQ(test_support::RunProcess(kProgram, {"ping"}).status, 3);
+    EXPECT_EQ(test_support::RunProcess(Stage::ControlPath(), {"--version"}).standardOutput,
+              "krt9ctl 1.0.0\n");
+    EXPECT_EQ(test_support::RunProcess(Stage::ControlPath(), {}).status, 2);
+    EXPECT_EQ(test_support::RunProcess(Stage::ControlPath(), {"ping"}).status, 3);
 }
 
 }  // namespace

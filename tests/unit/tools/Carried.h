@@ -1,32 +1,17 @@
-// A simulated desktop in the test's own process, and verbs that act on it.
+// Verbs that act on the session's desktop, carried out in the test's own process.
 #pragma once
 
-#include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
-#include "desktop/Desktop.h"
-#include "desktop/InProcessTransport.h"
-#include "platform/DesktopLink/Transport.h"
 #include "tools/Arguments.h"
 #include "tools/CommandLine.h"
 #include "tools/Run.h"
 
 namespace krt9ctl {
-
-class DesktopSession {
-  public:
-    explicit DesktopSession(const std::string& scene) : desktop(scene) {
-        desktop_link::SetTransport(std::make_unique<desktop::InProcessTransport>(desktop));
-    }
-    ~DesktopSession() { desktop_link::SetTransport(nullptr); }
-    DesktopSession(const DesktopSession&) = delete;
-    DesktopSession& operator=(const DesktopSession&) = delete;
-
-    desktop::Desktop desktop;
-};
 
 struct Outcome {
     ExitCode code = ExitCode::ok;
