@@ -1,6 +1,9 @@
 # krt9_add_test(NAME [PORTABLE file...] [SOURCES file...] [LIBRARIES library...])
-# One GoogleTest program, usually for one folder. Each writes its results as JSON, from which the
-# last line of `make check` counts the cases.
+# One GoogleTest program. Each writes its results as JSON, from which the last line of `make check`
+# counts the cases.
+#
+# The name is the folder's: unit_windows is in tests/unit/windows. What the program holds may follow,
+# as it must where a folder has several: unit_protocol_records.
 #
 # PORTABLE files are built on macOS as well, against the real frameworks: they include driver
 # folders, framework headers and test data, and nothing of platform/ or desktop/ (`make lint` checks
@@ -34,6 +37,12 @@ endfunction()
 krt9_precompile_test_headers()
 
 function(krt9_add_test name)
+    cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${CMAKE_SOURCE_DIR}/tests
+               OUTPUT_VARIABLE folder)
+    string(REPLACE "/" "_" folder "${folder}")
+    if(NOT name MATCHES "^${folder}(_|$)")
+        message(FATAL_ERROR "The test program ${name} must be named after its folder: ${folder}")
+    endif()
     cmake_parse_arguments(arg "" "TIMEOUT" "PORTABLE;SOURCES;LIBRARIES" ${ARGN})
     if(APPLE)
         set(arg_SOURCES)

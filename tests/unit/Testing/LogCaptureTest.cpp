@@ -90,7 +90,7 @@ TEST(ConsoleLog, WritesDateProcessAndTextInUTF8) {
     WriteConsoleLine("Caf\xC3\xA9\n");
     EXPECT_THAT(GetCapturedStderr(),
                 testing::MatchesRegex("[0-9]+-[0-9]+-[0-9]+ [0-9]+:[0-9]+:[0-9]+[.][0-9]+ "
-                                      "unit_testing\\[[0-9]+:[0-9]+\\] Caf\xC3\xA9\n"));
+                                      "unit_Testing\\[[0-9]+:[0-9]+\\] Caf\xC3\xA9\n"));
 }
 
 TEST(ConsoleLog, ShowsHalfACharacterAsAReplacement) {
