@@ -11,6 +11,7 @@ struct UToBuffer {
     // returns the position of that 0 byte.
     static unsigned char* StorePStrAsCStr(const unsigned char* pstr, unsigned char* dst);
 
+    // Returns n.
     static unsigned int StoreBytes(const unsigned char* src, unsigned int n, unsigned char* dst);
 };
 
@@ -22,5 +23,7 @@ struct UFromBuffer {
     static unsigned short GetShort(const unsigned char* src);
 
     static unsigned int GetLong(const unsigned char* src);
+
+    // Returns n.
     static unsigned int GetBytes(const unsigned char* src, unsigned char* dst, unsigned int n);
 };

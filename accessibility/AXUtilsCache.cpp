@@ -12,8 +12,8 @@ namespace {
 
 constexpr CFIndex kCacheCapacity = 20;
 
-// One entry is at most the application's: only a dictionary with more counts as keyed and accepts
-// elements.
+// A dictionary with one entry holds no more than the application's identifier. Only one with more
+// entries counts as keyed, and takes elements.
 constexpr CFIndex kKeyedThreshold = 1;
 
 CFArrayRef CreateSearchAttributes() {
@@ -72,7 +72,7 @@ void VEK_C_AXUtils::KeepApplicationIdentifier(CFStringRef identifier) {
     applicationIdentifier_ = identifier;
 }
 
-// A cache that has just been keyed holds one entry and so stores nothing. That is deliberate.
+// A cache that has just been keyed holds one entry and so takes no element. That is deliberate.
 void VEK_C_AXUtils::CacheElement(AXUIElementRef element, CFStringRef identifier) {
     CFStringRef application = FrontBundleIdentifier();
     if (application == nullptr) {

@@ -69,8 +69,8 @@ AXUIElementRef VEK_C_AXUtils::CopyElement(CFStringRef identifier, CFStringRef ro
         ConsoleLog(CFSTR("  rebuilding path"));
     }
     AXUIElementRef element = CopyElementInWindows(windows.get(), identifier, role, debug);
-    // Released before the count is logged, which then covers the caller's reference and those of
-    // other owners only.
+    // Released first, so that the retain count that is logged does not include the list's
+    // references.
     windows.reset();
     if (debug && element != nullptr) {
         ConsoleLog(CFSTR("    ***FOUND IT (%@)  retain count %ld***"), identifier,

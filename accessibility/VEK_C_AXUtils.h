@@ -21,10 +21,12 @@ class VEK_C_AXUtils {
     VEK_C_AXUtils& operator=(const VEK_C_AXUtils&) = delete;
 
     // --- Cache: maps identifiers, compared by address, to elements; retains neither. No search
-    // --- consults it.
+    // --- consults it, and it never holds an element: see CacheElement.
 
     // Returns the cache, keyed for that application; empties it first if it was keyed for another.
     CFMutableDictionaryRef CachedElementsForApplication(CFStringRef bundleIdentifier);
+
+    // Stores only into a cache that holds an element already.
     void CacheElement(AXUIElementRef element, CFStringRef identifier);
     void UncacheElement(CFStringRef identifier);
     void ResetFrontApplicationCache();
@@ -44,7 +46,8 @@ class VEK_C_AXUtils {
     AXUIElementRef CopyElement(CFStringRef identifier, CFStringRef role, CFStringRef unused,
                                bool debug, const char* tag);  // always null
 
-    // The same within an array of elements: true, and the element in `out`, when found.
+    // The same within an array of elements: true, and the element in `out`, which the caller
+    // releases, when found. passThrough has no effect.
     bool CopyChild(AXUIElementRef& out, CFStringRef identifier, CFStringRef role,
                    CFArrayRef children, bool passThrough, bool debug);
 
@@ -56,7 +59,7 @@ class VEK_C_AXUtils {
     AXUIElementRef CopySibling(CFArrayRef children, CFStringRef role, CFStringRef description);
     AXUIElementRef CopySibling(CFArrayRef children, CFStringRef role);  // borrowed from children
 
-    // The depth from which CopyChild counts.
+    // The depth from which the log lines of CopyChild count.
     void SetDebugLevel(unsigned int level);
 
     // --- Values of one element. A value of another type counts as missing.

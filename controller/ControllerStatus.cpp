@@ -40,7 +40,7 @@ void CVEK_UserSpaceDriver::RequestKRTStatus() {
     CFRelease(reply);
 }
 
-// Only the first two words are kept. statusReserved stays 0, whatever the third word is.
+// Only the first two words are kept.
 void CVEK_UserSpaceDriver::SetKRTStatus(const unsigned char* reply) {
     statusReserved = 0;
     unitCount = static_cast<unsigned short>(UFromBuffer::GetLong(reply));

@@ -43,7 +43,7 @@ struct Element {
     bool childrenNumbered = true;   // the two positions below are up to date in all children
     bool selected = false;          // among its parent's selected rows
     std::uint32_t position = 0;     // among its parent's children
-    std::uint32_t rowPosition = 0;  // the same, rows only counted
+    std::uint32_t rowPosition = 0;  // the same, counting rows only
     Element* parent = nullptr;      // null: an application's root, or not in a tree
     std::vector<Element*> children;
     std::vector<Attribute> attributes;

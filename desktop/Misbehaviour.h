@@ -16,7 +16,7 @@ namespace desktop {
 
 struct Rule {
     std::string name;
-    std::uint64_t skip = 0;              // does not apply to that many occasions first
+    std::uint64_t skip = 0;              // occasions that pass before it applies
     std::optional<std::uint64_t> times;  // then applies that often; none: for ever
 
     friend bool operator==(const Rule&, const Rule&) = default;

@@ -58,7 +58,7 @@ class CVEK_UserSpaceDriver {
 
     // --- driver/: periodic work ------------------------------------------------------------------
 
-    // Every 0.1 s, in the default run-loop mode only.
+    // Ticks every 0.1 s, in the default run-loop mode only.
     void StartTimeoutCounter();
     void StopTimeoutCounter();
     static void TimeoutCounterEntry(CFRunLoopTimerRef timer, void* info);
@@ -82,11 +82,12 @@ class CVEK_UserSpaceDriver {
 
     void MIDISignIn();
     void MIDISignOut();  // clears fields; disposes of nothing
+    // False when a port or the controller is missing, or when connecting fails.
     bool DoConnect();
-    bool LocateController();
+    bool LocateController();  // stores the controller's endpoints; false when it is not found
     MIDIDeviceRef LocateControllerDevice();                             // 0 when not found
     MIDIEntityRef LocateControllerPrivateEntity(MIDIDeviceRef device);  // 0 when not found
-    MIDIEntityRef LocateControllerEchoEntity(MIDIDeviceRef device);     // the same; never called
+    MIDIEntityRef LocateControllerEchoEntity(MIDIDeviceRef device);     // 0 when not found
 
     // Exact equality of two 0-terminated names shorter than `max` bytes.
     static bool NameCmp(const char* wanted, const char* found, unsigned max);
@@ -95,6 +96,7 @@ class CVEK_UserSpaceDriver {
     static void HardwareReadProcEntry(const MIDIPacketList* packets, void* readProcRefCon,
                                       void* srcConnRefCon);
 
+    // Asks the companion; waits at most 0.01 s to send and 0.01 s for the reply.
     void RequestKRTStatus();
 
     // `reply`: seven 32-bit words, most significant byte first, 28 bytes.
@@ -107,29 +109,41 @@ class CVEK_UserSpaceDriver {
     static unsigned short GetChannelCount();
 
     static void HexByteToCString(unsigned char byte, char* out);  // out: 3 bytes
-    // out: 3 x length bytes, at least 1. Nothing in the program calls the three hex helpers.
+    // out: 3 x length bytes, at least 1.
     static void HexDataToCString(const unsigned char* data, unsigned length, char* out);
     static void PrtHex(const unsigned char* data, unsigned length, bool newline);
 
     // --- accessibility/: element search in a given array -----------------------------------------
 
-    // The found element is borrowed from the arrays read on the way.
+    // Searches the children, and the groups, split groups and scroll areas among them, to any
+    // depth. The element that is found is autoreleased. False, with `element` untouched, when there
+    // is none. passThrough has no effect.
     bool CopyChildWithID(CFArrayRef children, CFStringRef identifier, AXUIElementRef& element,
                          CFStringRef role, bool passThrough, bool debug);
+    // Looks at the children alone. The caller releases; null when there is none.
     AXUIElementRef CopyChildWithRoleAndDescription(CFArrayRef children, CFStringRef role,
                                                    CFStringRef description, bool debug);
     void UncachePathToElementID(CFStringRef identifier);  // does nothing
 
     // --- accessibility/: element operations by identifier ----------------------------------------
 
-    // Autoreleased: the caller does not release it. Null when there is none.
+    // Each works on the first such element of the front application. False, with the output
+    // untouched, when there is none, when the application fails, or when the element does not have
+    // what is asked for. Points are global display coordinates.
+
+    // Autoreleased: the caller does not release it. Null instead of false.
     CFStringRef GetStringValueOfElementWithID(CFStringRef identifier);
-    bool SetIntValueAsStringOfElementWithID(CFStringRef identifier, int value);  // always false
+    // Always false, also after success.
+    bool SetIntValueAsStringOfElementWithID(CFStringRef identifier, int value);
+    // 0 for a value that is not a number or cannot be read.
     bool GetValueOfElementWithID(CFStringRef identifier, unsigned& value);
+    // A point in the control: except for one, a little right of and below its top left corner.
     bool GetPositionOfElementWithID(CFStringRef identifier, CGPoint& point);
     bool PressButtonWithID(CFStringRef identifier);
+    // The index of the selected button, and the selection of the button at an index.
     bool GetValueOfAXRadioGroupWithID(CFStringRef identifier, unsigned& value);
     bool SetValueOfAXRadioGroupWithID(CFStringRef identifier, unsigned index);
+    // The top left corner of the element's parent.
     bool GetParentPositionOfElementWithID(CFStringRef identifier, CGPoint& point);
 
     // --- accessibility/: version profiles --------------------------------------------------------
@@ -152,7 +166,7 @@ class CVEK_UserSpaceDriver {
     void SetClipNameFromStaticTextElement(AXUIElementRef element);
     void SetClipNameFromClipTableElement(AXUIElementRef table);
 
-    // Entry points of a design with accessibility notifications. They do nothing.
+    // These do nothing: see accessibility/ObserverStubs.cpp.
     void ObserveFCPXElement(NSString* identifier, unsigned value, NSString* text);
     static void ObserverCallbackEntry(AXObserverRef observer, AXUIElementRef element,
                                       CFStringRef notification, void* info);
@@ -174,9 +188,14 @@ class CVEK_UserSpaceDriver {
     NSArray* CopyApplicationWindowList(bool debug, NSString* label);  // autoreleased, or nil
     AXUIElementRef GetWindowElementWithTitle(NSString* title, bool partial);     // borrowed
     AXUIElementRef GetWindowElementWithTitle(std::string& title, bool partial);  // UTF-8; borrowed
+
+    // Frames are points in global display coordinates. False, with `position` and `size` untouched,
+    // when there is no such window or its frame cannot be read.
     bool GetPosAndSizeForWindowElement(AXUIElementRef window, CGPoint& position, CGSize& size);
+    // Makes the window the main one first; false, too, when that fails.
     bool GetPosAndSizeForWindowName(std::string& name, bool partial, CGPoint& position,
                                     CGSize& size);
+    // `index` is that of the candidate that was found.
     bool GetTargetIndexForWindow(NSString* windowTitle, VEK_Driver_TargetWindowInfo* targets,
                                  unsigned count, unsigned* index);
     bool GetPosAndSizeForTargetWindow(VEK_Driver_TargetWindowInfo* targets, unsigned count,
@@ -219,7 +238,7 @@ class CVEK_UserSpaceDriver {
     MIDIPortRef inputPort = 0;
     MIDIPortRef outputPort = 0;
     MIDIEndpointRef sourceEndpoint = 0;
-    MIDIEndpointRef destinationEndpoint = 0;
+    MIDIEndpointRef destinationEndpoint = 0;  // nothing is sent to it
     bool connected = false;
     bool localeSent;
     char language[32] = {};
@@ -231,7 +250,7 @@ class CVEK_UserSpaceDriver {
     bool observeTimelineTimecode;
     bool timelineIndexVisible;
     bool timelineIndexChanged;
-    pid_t frontAppPID = 0;
+    pid_t frontAppPID = 0;  // stored by 'JAcF'; nothing reads it
     [[maybe_unused]] void* sparePointer;
     long long lastClipRow = -1;  // -1: none
     CFMutableStringRef lastTimecode;

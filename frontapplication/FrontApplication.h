@@ -12,8 +12,10 @@
 class NSString;
 #endif
 
+// Records what is in front now and, from then on, what each activation brings to the front.
 void CFWorkspace_StartObservingFrontApplication();
 
+// '????' for an application whose bundle gives none; 0 before any was in front.
 UInt32 CFWorkspace_FrontApplicationSignature();
 
 // True, with *out borrowed, when there is one; otherwise false, with *out untouched.
@@ -26,4 +28,5 @@ bool CFWorkspace_ChangedFrontApplicationSignatureAndID(UInt32* signature, NSStri
 // *bundleID is autoreleased, and nil when the front application has none.
 void CFWorkspace_CurrentFrontApplicationSignatureAndID(UInt32* signature, NSString** bundleID);
 
+// -1 for an application whose process the system does not know; 0 before any was in front.
 pid_t CFWorkspace_CurrentFrontApplicationPID();

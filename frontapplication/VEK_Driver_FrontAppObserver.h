@@ -22,11 +22,16 @@
 @property(nonatomic, assign) BOOL frontAppChanged;  // set by a change, cleared by its reader
 @property(nonatomic, assign) pid_t processID;
 
-// The single instance.
+// The single instance, made at the first call.
 + (VEK_Driver_FrontAppObserver*)frontAppObserver;
 
+// Records the application in front, and registers for activations.
 - (void)observe;
+
+// An activation: records the application that the notification names.
 - (void)newFrontApp:(NSNotification*)notification;
+
+// Nil changes nothing.
 - (void)collectFrontAppInfo:(NSRunningApplication*)app;
 
 @end

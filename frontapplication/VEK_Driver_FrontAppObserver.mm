@@ -35,7 +35,8 @@ NSString* StringForKey(NSDictionary* dictionary, NSString* key) {
     return gSelf;
 }
 
-// The latest instance is the shared one, which is retained here, whoever releases it.
+// The latest instance becomes the shared one. It is retained here, so that it outlives its
+// creator's release.
 - (id)init {
     self = [super init];
     // Unreachable: nil. NSObject's init does not fail.

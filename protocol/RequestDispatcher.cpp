@@ -20,7 +20,8 @@
 namespace {
 
 // What a body must be for the request to be considered at all. A request that its guard stops is
-// ignored, without a log line.
+// ignored, without a log line. An absent body has no bytes either, so that the last two stop the
+// same requests.
 enum class Guard {
     kNone,
     kNonEmpty,

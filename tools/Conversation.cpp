@@ -106,7 +106,7 @@ ExitCode Conversation::Hold(const Plan& plan) {
         }
         if (result == ExitCode::ok) {
             result = Tell(request);
-        } else if (request.letsGo && last_) {
+        } else if (request.releases && last_) {
             Tell(WhereThePointerIs(request));
         }
     }

@@ -15,10 +15,10 @@ using Send = std::function<Answer(const Request&)>;
 // The exit code for a signal that has arrived; ok while there is none.
 using Stopped = std::function<ExitCode()>;
 
-// Stops at the first failure, signal, or output that cannot be written, but still sends what
-// releases keys and buttons, unless nothing can have arrived: the button goes up at the pointer,
-// not where the gesture would have ended, which could drop what is dragged there. The exit code is
-// that of the first of these.
+// Sends the requests one after the other until the first failure, signal, or output that cannot be
+// written, which also decides the exit code. Requests that release keys and buttons are sent even
+// after it, unless no earlier request can have reached the driver. The button is then released
+// where the pointer is: at the end of the gesture, what is being dragged could be dropped.
 ExitCode Converse(const Plan& plan, const Send& send, const Stopped& stopped, Output& output);
 
 }  // namespace krt9ctl

@@ -54,9 +54,9 @@ Bytes MouseBody(Coordinates where, const Arguments& arguments) {
     return BodyOf(std::move(record));
 }
 
-template <MessageCode code, bool letsGo>
+template <MessageCode code, bool releases>
 Plan PlanMouseStep(const Arguments& arguments) {
-    return {{code, MouseBody(arguments.Point("POINT"), arguments), letsGo}};
+    return {{code, MouseBody(arguments.Point("POINT"), arguments), releases}};
 }
 
 Coordinates Between(Coordinates from, Coordinates to, std::int64_t step, std::int64_t steps) {

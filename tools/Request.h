@@ -15,7 +15,7 @@ struct Request {
     Bytes body;
     // Sent even when an earlier request of the same plan failed after it may have reached the
     // driver: what was pressed must be released, or keys and buttons stay down.
-    bool letsGo = false;
+    bool releases = false;
 };
 
 // The requests of one verb, in the order in which they are sent.

@@ -8,6 +8,7 @@
 // element, or its title cannot be read or is not a string.
 CFStringRef CopyWindowTitle(CFTypeRef window);
 
-// Writes `value` only when the attribute holds an AXValue of that type.
+// True, with the structure written to `value` (a CGPoint or a CGSize, as `type` says), when the
+// attribute holds an AXValue of that type; else false, with `value` untouched.
 bool CopyWindowGeometry(AXUIElementRef window, CFStringRef attribute, AXValueType type,
                         void* value);

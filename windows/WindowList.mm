@@ -33,7 +33,6 @@ NSArray* CVEK_UserSpaceDriver::CopyApplicationWindowList(bool debug, NSString* l
     return (NSArray*)Autoreleased<CFArrayRef>(std::move(windows).ValueOrEmpty());
 }
 
-// Signatures come from the front-application observer: this always returns 0.
 OSType CVEK_UserSpaceDriver::GetSigFromPSN(ProcessSerialNumber*) {
     return 0;
 }

@@ -8,7 +8,8 @@
 
 namespace {
 
-// The system measures the time-out itself, and not by this clock: it may end a little early here.
+// A call that fails after this part of the time-out counts as timed out. The system measures the
+// time-out by a clock of its own, and by this one it may end a little early.
 constexpr double kNearlyAll = 0.9;
 
 constinit CallTiming timing;
@@ -52,7 +53,7 @@ MeasuredCall::MeasuredCall(AXUIElementRef element) {
     start_ = timing.now();
 }
 
-bool MeasuredCall::IsInVain() const {
+bool MeasuredCall::ProcessIsHung() const {
     return IsHung(process_);
 }
 

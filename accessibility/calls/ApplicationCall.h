@@ -44,8 +44,9 @@ class MeasuredCall {
     explicit MeasuredCall(AXUIElementRef element);
 
     // Whether the current operation has found the process to hang.
-    bool IsInVain() const;
+    bool ProcessIsHung() const;
 
+    // To be called with the result as soon as the call has returned.
     void Ended(AXError error);
 
   private:
@@ -58,7 +59,7 @@ class MeasuredCall {
 template <typename Call>
 AXError CallApplication(AXUIElementRef element, const Call& call) {
     MeasuredCall measured(element);
-    if (measured.IsInVain()) {
+    if (measured.ProcessIsHung()) {
         return kAXErrorCannotComplete;
     }
     const AXError error = call();

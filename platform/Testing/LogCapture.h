@@ -13,8 +13,8 @@ struct LogLine {
 
     Log log = Log::console;
     int priority = 0;  // syslog's, without the facility; 0 for the console
-    std::string
-        text;  // as it was logged: UTF-8, without a prefix, with its own newline if it has one
+    // As it was logged: UTF-8, without a prefix, with its own newline if it has one.
+    std::string text;
 
     friend bool operator==(const LogLine&, const LogLine&) = default;
 };

@@ -1,5 +1,6 @@
-// What macOS is not known to do in one way only. Each variant is a way other than the layer's
-// usual one; the programs that could notice run under it, too (scripts/variants).
+// Ways in which macOS may behave, where it is not known in which it does. Each variant is a way
+// other than the layer's usual one; the test programs that could notice it run under it, too
+// (scripts/variants).
 //
 // A process is under the variants that KRT9_PLATFORM_VARIANT names when it starts, separated by
 // commas; an unknown name ends it with status 2 and one line. A test may select one for itself.

@@ -19,10 +19,13 @@ class PeerQueue {
     void Sent(int socket);
 
   private:
-    // For each message that may still be there, oldest first: how much memory was not taken when
-    // it had just been written, less what older messages held of it by then.
-    std::deque<int> sizes_;
+    // Drops the oldest messages that the peer must have taken, given the bytes of socket memory
+    // that it has not.
     void Forget(int untaken);
+
+    // For each message that the peer may not have taken yet, oldest first: the bytes of socket
+    // memory by which writing it increased what is not taken.
+    std::deque<int> sizes_;
 };
 
 }  // namespace message_port

@@ -42,7 +42,7 @@ struct Mode {
     std::vector<Retained<Source>> sources;
     std::unordered_map<std::uint64_t, DescriptorSource*> watchers;  // by the token of the watch
     Poller poller;
-    bool workedOffBacklog = false;
+    bool workedOffBacklog = false;  // the last pass served a backlog: descriptors have their turn
     std::atomic<unsigned long> revision = 0;  // of timers and observers: counts every change
 
     // The timers or the observers.

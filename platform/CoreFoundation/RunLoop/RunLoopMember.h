@@ -19,7 +19,7 @@ class LoopMember : public core_foundation::Object {
     bool IsIn(const Mode& mode) const;
 
     void Join(RunLoop& loop, Mode& mode);
-    // Returns whether that was the last of its modes; it is of no loop then.
+    // Returns whether that was the last of its modes: then it belongs to no loop any more.
     bool Leave(Mode& mode);
 
   protected:

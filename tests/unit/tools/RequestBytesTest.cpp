@@ -84,9 +84,9 @@ TEST(Drag, GoesThroughWholePointsAndBackwardsToo) {
 TEST(Drag, OnlyItsEndLetsGo) {
     const Plan plan = PlanOf({"drag", "0,0", "1,1", "--steps", "1"});
     ASSERT_EQ(plan.size(), 3U);
-    EXPECT_FALSE(plan[0].letsGo);
-    EXPECT_FALSE(plan[1].letsGo);
-    EXPECT_TRUE(plan[2].letsGo);
+    EXPECT_FALSE(plan[0].releases);
+    EXPECT_FALSE(plan[1].releases);
+    EXPECT_TRUE(plan[2].releases);
 }
 
 TEST(Mouse, HasAVerbForEachStep) {
