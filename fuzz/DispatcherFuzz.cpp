@@ -28,6 +28,8 @@
 #include "platform/Testing/TestClock.h"
 #include "platform/Variants/EventFaults.h"
 #include "platform/Variants/MidiFaults.h"
+#include "protocol/GeometryRecords.h"
+#include "protocol/IntegerRecords.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/FrontApplicationState.h"
@@ -40,6 +42,24 @@ using fuzz::Choices;
 
 constexpr int kMostSteps = 48;
 constexpr CFTimeInterval kTick = 0.1;
+
+// The records that replies are have their size; this one stands for no reply.
+struct NoReply {
+    static constexpr unsigned int kSmallestSize = 0;
+};
+
+// Bytes of the reply to a request that succeeds; 0 for one that never gets any.
+CFIndex ReplySize(SInt32 code) {
+    switch (code) {
+#define REQUEST(request, guard, body, operation, reply) \
+    case k##request:                                    \
+        return reply::kSmallestSize;
+#include "VEKCommon/Requests.def"
+#undef REQUEST
+        default:
+            return 0;
+    }
+}
 
 // A driver as `main` makes it, its timer running. The process of a real one ends right after its
 // destructor, which leaves the timer, the last timecode, the MIDI client and its static pointer
@@ -171,28 +191,8 @@ class Play {
             fuzz::Check(code != kJGlM, "the pointer's position is always answered");
             return;
         }
-        CFIndex size = 0;
-        switch (code) {
-            case kJESI:
-            case kJElV:
-            case kJGRV:
-                size = 4;
-                break;
-            case kJEPp:
-            case kJElP:
-            case kJGlM:
-                size = 8;
-                break;
-            case kJWiP:
-                size = 16;
-                break;
-            case kJTWP:
-                size = 20;
-                break;
-            default:
-                fuzz::Fail("a reply to a request that has none");
-        }
-        fuzz::Check(CFDataGetLength(reply) == size, "a reply is one record");
+        fuzz::Check(ReplySize(code) > 0, "a request without a reply gets none");
+        fuzz::Check(CFDataGetLength(reply) == ReplySize(code), "a reply is one record");
     }
 
     void ChangeFront() {
@@ -228,8 +228,8 @@ class Play {
         }
     }
 
-    // The driver permanently remembers where it last looked for a clip's name: after a text that is
-    // found by the first of its ways, it begins there again.
+    // The process remembers which source of the clip's name it uses. Two looks at an application
+    // that has only the first source set it back to that one, whichever it was.
     void Settle(CVEK_UserSpaceDriver& driver) {
         answers_.OnlyTheFirstStaticText();
         test_support::SetFrontApplication({"com.apple.FinalCut", "10.4.6", 501});

@@ -33,7 +33,7 @@ struct RequestRow {
     std::string_view sentence;          // the reply for people; {name} stands for a field
 };
 
-// The 21 requests of the driver, in alphabetical order of their codes.
+// Every request of the driver, in the order of VEKCommon/Requests.def.
 std::span<const RequestRow> RequestTable();
 
 // The row of a code, null for a code the driver does not know.

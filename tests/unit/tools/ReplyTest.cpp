@@ -57,8 +57,7 @@ TEST(Reply, OfAnotherLengthIsNotDecoded) {
     }
 }
 
-TEST(RequestTable, HoldsTheTwentyOneRequests) {
-    EXPECT_EQ(RequestTable().size(), 21U);
+TEST(RequestTable, FindsEachRequestByItsCode) {
     for (const RequestRow& row : RequestTable()) {
         EXPECT_EQ(FindRequest(row.code), &row) << FormatCode(row.code);
     }
