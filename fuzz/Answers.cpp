@@ -171,7 +171,8 @@ Reply Answers::Plausible(const Request& request) {
     return reply;
 }
 
-// A whole element, of which only the children are still open.
+// One of the elements that the driver looks for, with everything it wants of it; the input decides
+// which one, and its children.
 Array Answers::SoughtElement(const std::vector<std::string>& names) {
     const std::uint8_t choice = choices_.Byte();
     const Sought& known = kSought[choice % std::size(kSought)];
@@ -298,7 +299,7 @@ Answers::Value Answers::Elements() {
     return {elements};
 }
 
-// Few, so that an element is met again: as its own ancestor, too.
+// Of a few elements, so that each occurs several times, also as its own ancestor.
 desktop_link::ElementReference Answers::Element() {
     const std::uint8_t choice = choices_.Byte();
     if (choice == 0xFF) {

@@ -50,9 +50,9 @@ Bytes Payload(const MessageHeader& header, const Bytes& data) {
     return payload;
 }
 
-// Short as a rule; long ones do not fit the sockets' buffers unless they are read. All long ones of
-// an input together are so long that the limit of an allocation still tells memory for what came
-// from memory for what was announced.
+// Mostly short; a long one fills the sockets' buffers until the other end reads. All long ones of
+// an input together stay below the limit of one allocation: only memory for a length that was
+// announced, and not received, can exceed it.
 class DataSource {
   public:
     explicit DataSource(Choices& choices) : choices_(choices) {}

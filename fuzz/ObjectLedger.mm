@@ -16,8 +16,8 @@ namespace fuzz {
 
 namespace {
 
-// Objects by their address, inverted so that the leak sanitizer does not take the ledger for an
-// owner; each with the number of its making.
+// The objects that exist, each by its address and with its number in the order of creation. The
+// bits of the addresses are inverted, so that the leak sanitizer does not take them for references.
 struct Ledger {
     std::unordered_map<std::uintptr_t, std::uint64_t> numbers;
     std::uint64_t made = 0;
@@ -33,7 +33,7 @@ std::uintptr_t Inverted(id object) {
 }
 
 void ObjectWasMade(Class type, id object) {
-    // Foundation keeps some pools for later.
+    // Foundation keeps pools for reuse, which is not a leak.
     if (type != [NSAutoreleasePool class]) {
         TheLedger().numbers[Inverted(object)] = ++TheLedger().made;
     }

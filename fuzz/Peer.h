@@ -28,7 +28,7 @@ class Peer {
                static_cast<ssize_t>(bytes.size());
     }
 
-    // What has come, at most 64 KiB; nothing also at the end.
+    // What has arrived, at most 64 KiB. Empty when nothing has, and at the end.
     std::vector<std::uint8_t> Receive() const {
         static std::uint8_t buffer[std::size_t{64} << 10];
         const ssize_t count = recv(socket_.get(), buffer, sizeof buffer, MSG_DONTWAIT);

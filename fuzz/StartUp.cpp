@@ -21,8 +21,8 @@ const char* __lsan_default_options() {
     return "print_suppressions=0";
 }
 
-// The runtime's own allocator: classes that are used for the first time during an input. Objects do
-// not come from it.
+// What the Objective-C runtime allocates for itself when a class is used for the first time.
+// Objects are not allocated by that function.
 const char* __lsan_default_suppressions() {
     return "leak:objc_malloc\n";
 }
@@ -45,7 +45,7 @@ __attribute__((section(".preinit_array"), used)) void (*const kBeginStart)() = B
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     // Each input writes its bundles where those of the last one lay.
     static const platform_testing::UnderVariant fresh(platform_testing::Variant::freshBundleInfo);
-    // Only this way is the behaviour of a full socket reached.
+    // With the usual limit of 5 messages no socket would ever be full.
     static const platform_testing::UnderVariant longQueue(platform_testing::Variant::longPortQueue);
     fuzz::PrepareTarget();
     if (__lsan_enable != nullptr) {

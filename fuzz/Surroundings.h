@@ -14,7 +14,7 @@ const std::filesystem::path& PrivateFolder();
 // The folder in which translations are looked for.
 std::filesystem::path TranslationFolder();
 
-// Makes the folders on the way.
+// Makes the folders of its path that are missing.
 void WriteFile(const std::filesystem::path& file, std::span<const std::uint8_t> bytes);
 
 }  // namespace fuzz

@@ -23,7 +23,7 @@ using platform_testing::LogLine;
 using test_support::OwnedObject;
 
 constexpr CFTimeInterval kTickInterval = 0.1;
-constexpr CFTimeInterval kPatience = 10;  // seconds of the clock that a request may take, not takes
+constexpr CFTimeInterval kPatience = 10;  // seconds of the test's clock: time-outs of a request
 constexpr std::size_t kStatusWords = 7;
 
 // Sent behind everything else, on the same connection: what came before it has all arrived.
@@ -37,8 +37,8 @@ std::string ContentOf(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Where the clip name is looked for is remembered by the process as a whole. Three looks at a scene
-// in which the first source works lead to it from anywhere.
+// The process remembers which source of the clip's name it uses. Three looks at a scene in which
+// the first source works set it back to that one, whichever it was.
 void LookForClipNamesFromTheStart(const std::string& scene) {
     const test_support::InProcessDesktop desktop(scene);
     test_support::TestDriver driver;

@@ -40,8 +40,9 @@ class Session {
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    // What came of the step, in lines: the request as it travelled and its reply; what the driver
-    // sent; what the desktop saw; what was logged. Throws std::exception for a step that is none.
+    // Returns what the step caused, in lines: the request's bytes and its reply; what the driver
+    // sent; what the desktop saw; what was logged. Throws std::exception for an unknown or
+    // malformed step.
     std::vector<std::string> Perform(const std::string& step);
 
   private:
@@ -61,7 +62,7 @@ class Session {
     void Add(const char* what, const std::string& text);
 
     std::vector<std::string> lines_;    // of the step under way
-    std::uint64_t desktopEntries_ = 0;  // of its log that were reported
+    std::uint64_t desktopEntries_ = 0;  // entries of its log that were reported
     std::string language_ = "en";
     std::map<std::string, std::string> titles_;
 

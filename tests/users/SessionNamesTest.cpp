@@ -140,7 +140,7 @@ TEST_P(SessionName, IsRefusedByEveryProgramThatUsesItAndLeftAsItIs) {
     if (Name() == "krt9-desktop") {
         test_support::ExpectOneLine(desktop, path, Planted().reason);
     } else {
-        desktop.ending = Ending::signal;  // the name is none of its business
+        desktop.ending = Ending::signal;  // it does not use the name
         test_support::ExpectNoLine(desktop, path);
     }
     EXPECT_EQ(Everything(), before) << "after the desktop";

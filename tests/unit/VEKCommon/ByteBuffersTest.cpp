@@ -60,7 +60,7 @@ TEST(ByteBuffers, LengthPrefixedStringMayBe255BytesLong) {
     EXPECT_EQ(bytes[256], 0xAA);
 }
 
-TEST(ByteBuffers, ByteCopiesAnswerTheirCount) {
+TEST(ByteBuffers, ByteCopiesReturnTheirCount) {
     const Bytes source{1, 2, 3};
     Bytes stored(4, 0xAA);
     Bytes got(4, 0xAA);

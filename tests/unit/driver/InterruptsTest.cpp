@@ -52,7 +52,7 @@ class InterruptsDeathTest : public testing::Test {
 
     static void Run(double seconds) { CFRunLoopRunInMode(kCFRunLoopDefaultMode, seconds, false); }
 
-    // However slow the machine: the program has an alarm.
+    // Without a time limit, since the machine may be slow: the program's alarm is the limit.
     static void RunUntil(const std::function<bool()>& done) {
         while (!done()) {
             Run(0.01);
