@@ -374,7 +374,7 @@ TEST_F(ListenerTest, ClientOfAnotherUserIsClosedAtOnce) {
         GTEST_SKIP() << "only root can act as another user";
     }
     auto listener = Serve("port");
-    // The file modes that keep other users out are relaxed, so that only the check itself is left.
+    // The file modes let other users in, so that only the check of the peer's user is left.
     ASSERT_EQ(chmod(session_.Path().c_str(), 0755), 0);
     ASSERT_EQ(chmod((session_.Path() / "port").c_str(), 0777), 0);
     const std::string path = (session_.Path() / "port").string();
@@ -436,7 +436,8 @@ TEST_F(ListenerTest, ListenerOfAnotherUserIsNotTrusted) {
     Kill(child);
 }
 
-// The file is this user's, so that only the kernel's word for the other end is left.
+// The file belongs to this user, so that only the credentials of the listening process show that
+// another user serves it.
 TEST_F(ListenerTest, ServerOfAnotherUserIsNotTrustedUnderAFileOfThisOne) {
     if (geteuid() != 0) {
         GTEST_SKIP() << "only root can act as another user";
@@ -450,7 +451,7 @@ TEST_F(ListenerTest, ServerOfAnotherUserIsNotTrustedUnderAFileOfThisOne) {
     const pid_t child = fork();
     if (child == 0) {
         const bool serves = setgid(kNobody) == 0 && setuid(kNobody) == 0 &&
-                            listen(socket.get(), 8) == 0;  // as whom, the kernel remembers
+                            listen(socket.get(), 8) == 0;  // the kernel records the user
         (void)!write(ready[1], serves ? "y" : "n", 1);
         pause();
     }

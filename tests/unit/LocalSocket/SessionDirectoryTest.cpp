@@ -17,7 +17,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-// Folders are tried inside a session's own, so that all of it goes in the end.
+// The folders are made inside the folder of a session, and removed with it.
 class SessionDirectoryTest : public testing::Test {
   protected:
     std::string Use(const std::string& name) {

@@ -78,8 +78,8 @@ TEST_F(Destruction, TakesTheSourceOfTheLocalPortOutOfTheRunLoop) {
     EXPECT_FALSE(CFRunLoopContainsSource(CFRunLoopGetCurrent(), source, kCFRunLoopDefaultMode));
 }
 
-// The fields are looked at whenever an object that the driver owns is released: they last as long
-// as the last of them.
+// Reads the driver's fields whenever an object that it owns is released, which is before the fields
+// themselves are gone.
 TEST_F(Destruction, SignsOutOfMIDIAfterTheRemotePortIsGoneAndBeforeTheEventSourceIs) {
     MIDIObjectRef(&spare)[2] = DriverInspector::SpareMIDIReferences(*driver_);
     spare[0] = spare[1] = 7;

@@ -9,12 +9,13 @@ using platform_testing::Growth;
 using platform_testing::LiveObjects;
 using platform_testing::ObjectCounts;
 
-// Without a pool of the test around what it measures, what is autoreleased lives on.
+// There is no pool of the test around the callbacks: what they autorelease outside of their own
+// pools is never released, and counts as growth.
 class Pools : public DriverTest {
   protected:
     Pools() : DriverTest(SceneWithController()) { ObserveBoth(); }
 
-    // What lives after many more of them than after a few.
+    // The objects by which a hundred calls increase what exists after the first five.
     static ObjectCounts GrowthOver(const std::function<void()>& callback) {
         const auto call = [&](int times) {
             for (int i = 0; i < times; ++i) {

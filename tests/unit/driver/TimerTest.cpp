@@ -14,7 +14,7 @@ using testing::SizeIs;
 
 const auto kOtherMode = CFSTR("KRT9TestMode");
 
-// Ticks are seen by the language that cannot be had.
+// There is no language tag, so that every tick asks for it: that is how the ticks are counted.
 class Timer : public DriverTest {
   protected:
     Timer() { LanguageTag::Current().text.reset(); }

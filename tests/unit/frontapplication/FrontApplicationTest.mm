@@ -42,7 +42,7 @@
 
 @end
 
-// Writes down whether the change was marked already when it was told what is in front.
+// Records whether frontAppChanged was already set when the information was collected.
 @interface OrderOfSteps : VEK_Driver_FrontAppObserver {
   @public
     BOOL _markedBefore[4];
@@ -61,7 +61,7 @@
 
 @end
 
-// Counts the ends of its instances.
+// Counts the instances that were deallocated.
 @interface MortalObserver : VEK_Driver_FrontAppObserver
 @end
 
@@ -105,7 +105,7 @@ class FrontApplication : public testing::Test {
     // Whichever observer was made last is the shared one: each test starts with a new one.
     FrontApplication() : observer([[VEK_Driver_FrontAppObserver alloc] init]) {}
     ~FrontApplication() override {
-        // Another one becomes the shared one, so that nobody is left with this test's.
+        // A new observer becomes the shared one, so that the test's own can be released.
         [[[VEK_Driver_FrontAppObserver alloc] init] release];
         [observer release];
     }
@@ -115,7 +115,7 @@ class FrontApplication : public testing::Test {
         test_support::AwaitActivations();
     }
 
-    // Where activations are announced late, the process has not been told when this returns.
+    // Under the variant of late notifications, none has arrived when this returns.
     void ActivateUnannounced(const std::string& application) {
         desktop.Run(R"({"command": "activate", "application": ")" + application + "\"}");
     }
@@ -308,9 +308,9 @@ TEST_F(FrontApplication, NoApplicationChangesNothing) {
     EXPECT_EQ(CurrentBundleID(), "com.apple.FinalCut");
 }
 
-// --- who owns what -------------------------------------------------------------------------------
+// --- ownership -----------------------------------------------------------------------------------
 
-// Each attempt in a pool of its own, so that the counts tell what was handed out with it.
+// In a pool of its own, so that what was autoreleased is released before the count is read.
 TEST_F(FrontApplication, IdentifierThatWasHandedOutOutlivesAnActivation) {
     NSMutableString* identifier = [[NSMutableString alloc] initWithString:@"com.example.kept"];
     observer.bundleID = identifier;
@@ -357,7 +357,7 @@ TEST_F(FrontApplication, DeadObserverLetsGoOfItsTexts) {
     VEK_Driver_FrontAppObserver* shortLived = [[VEK_Driver_FrontAppObserver alloc] init];
     shortLived.bundleID = text;
     shortLived.shortVersion = text;
-    observer = [observer init];  // shared again, so that nobody holds the short-lived one
+    observer = [observer init];  // shared again: the other one is no longer retained
     EXPECT_EQ([text retainCount], 3u);
     [shortLived release];
     EXPECT_EQ([text retainCount], 1u);
@@ -476,7 +476,7 @@ TEST_F(FrontApplication, CallbackIsKeptAndNeverCalled) {
 TEST_F(FrontApplication, DeadObserverIsNoLongerNotified) {
     VEK_Driver_FrontAppObserver* shortLived = [[VEK_Driver_FrontAppObserver alloc] init];
     [shortLived observe];
-    observer = [observer init];  // shared again, so that nobody holds the short-lived one
+    observer = [observer init];  // shared again: the other one is no longer retained
     [shortLived release];
     Activate("com.example.odd");
     EXPECT_EQ(CurrentBundleID(), "(nil)") << "the shared observer was never told to observe";
@@ -494,7 +494,7 @@ TEST_F(FrontApplication, ActivationsLeaveNoObjectBehind) {
               "");
 }
 
-// What is in front is what the last notification told, whatever the workspace knows by then.
+// The front application is that of the last notification, whatever the workspace reports by then.
 TEST_F(FrontApplication, IsFollowedWhenTheNotificationsComeLate) {
     CFWorkspace_StartObservingFrontApplication();
     const platform_testing::UnderVariant late(platform_testing::Variant::lateActivation);

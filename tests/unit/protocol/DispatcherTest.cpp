@@ -58,7 +58,7 @@ std::optional<Bytes> DispatcherTest::AskWithoutBody(SInt32 code) {
     return AskWith(code, nullptr);
 }
 
-// As a pass of the run loop does: what is autoreleased on the way lives until its end.
+// In an autorelease pool, as a pass of the run loop may be.
 std::optional<Bytes> DispatcherTest::AskWith(SInt32 code, CFDataRef body) {
     const platform_testing::AutoreleasePool pool;
     std::optional<test_support::LeakAllowance> groupAndChildren;

@@ -17,7 +17,7 @@ using testing::SizeIs;
 
 struct Sample {
     const char* code;
-    bool emptyIsSilent;  // the request's guard stops an empty body without a word
+    bool emptyIsSilent;  // an empty body is ignored without a log line
     Bytes body;          // one complete body that would be acted upon
     unsigned int smallest;
 

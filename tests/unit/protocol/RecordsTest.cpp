@@ -17,7 +17,7 @@ const double kNoNumber = std::nan("");
 
 }  // namespace
 
-// Nobody may rely on it, and what is sent by mistake tells nothing of the process's memory.
+// So that a record that is sent unfilled discloses nothing of the process's memory.
 TEST(Records, MadeByDefaultHoldZeros) {
     SOneIntSpec one;
     EXPECT_EQ(Serialized(one), Integers({0}));

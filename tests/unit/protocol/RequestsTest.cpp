@@ -183,8 +183,7 @@ TEST_F(Requests, RadioButtonThatIsNotThereIsLogged) {
                 ElementsAre("  SetValueOfAXRadioGroupWithID (_NS:62, -1) failed!"));
 }
 
-// --- Identifiers beyond the signed range
-// ----------------------------------------------------------
+// --- Identifiers beyond the signed range ---------------------------------------------------------
 
 class LargeIdentifiers : public Requests {
   protected:

@@ -14,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-// Sends to answers prepared by the test; the last one is given again and again.
+// Each request gets the next of the answers that the test prepared; the last one is repeated.
 struct Conversation {
     ExitCode Hold(const std::vector<std::string>& words, std::vector<Answer> answers,
                   bool json = false) {

@@ -36,7 +36,7 @@ std::string SceneWith(const std::string& elements) {
     return SceneOf(R"([{"AXRole": "AXWindow", "AXChildren": [)" + elements + "]}]");
 }
 
-// The scene's dump, which must be its own dump.
+// The dump of the scene; loaded and dumped again it must be the same.
 std::string RoundTrip(const std::string& scene) {
     const Outcome first = Dumped(scene);
     EXPECT_EQ(first.code, ExitCode::ok) << first.err;

@@ -131,7 +131,7 @@ TEST(Help, OfANarrowTerminalHasAtLeastFortyColumns) {
         << "of a terminal that does not tell";
 }
 
-// A driver whose run loop never looks: a request to it waits for its time-out.
+// A driver whose run loop never runs: a request to it waits for its time-out.
 TEST(Progress, AppearsOnATerminalWhenAWaitIsLongAndGoesAway) {
     const test_support::SessionFixture session;
     const Reference<CFMessagePortRef> port(CFMessagePortCreateLocal(

@@ -26,7 +26,7 @@ TEST(BundleFile, OfAnyLengthIsReadWhole) {
     }
 }
 
-// Files of the kernel's claim to have no byte.
+// Files of /proc report a size of 0.
 TEST(BundleFile, OfUnknownLengthIsReadToItsEnd) {
     std::ifstream limits("/proc/self/limits");
     const std::string text(std::istreambuf_iterator<char>(limits), {});
@@ -53,7 +53,7 @@ TEST(BundleFile, IsAtMostAsLongAsADocument) {
     EXPECT_EQ(Read(file), std::nullopt);
 }
 
-// Files of the kernel's: one claims to have no byte, and the other cannot be read at its beginning.
+// One of these files of /proc never ends, and the other cannot be read at its beginning.
 TEST(BundleFile, IsGivenUpWhenItHasNoEndOrFails) {
     EXPECT_EQ(Read("/proc/self/pagemap"), std::nullopt);
     EXPECT_EQ(Read("/proc/self/mem"), std::nullopt);

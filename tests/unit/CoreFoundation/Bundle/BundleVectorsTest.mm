@@ -142,8 +142,8 @@ INSTANTIATE_TEST_SUITE_P(Reference, LayoutVector,
                                                      })),
                          VectorName);
 
-// So many vectors are of functions that nothing here calls. A vector of any other family is one of
-// the tests above or in the files on URLs and streams.
+// The vectors of these families, with their numbers, are left out, because nothing calls their
+// functions. Every other family is tested above or in the files on URLs and streams.
 TEST(BundleVectors, OnlyThoseOfFunctionsThatTheLayerLacksAreLeftOut) {
     const std::map<std::string, std::size_t> leftOut{
         {"localizations", 8},  // CFBundleCopyBundleLocalizations, CFBundleGetDevelopmentRegion

@@ -27,7 +27,7 @@ CFIndex Number(const json& step, std::size_t index) {
     return std::stol(step.at(index).get<std::string>());
 }
 
-// Asks only: leaving them out changes nothing for the other steps.
+// Steps that change no object, so that leaving them out changes no result of the others.
 const std::set<std::string> kQuestionsNotProvided = {
     "hasvalue",  "countkey", "countvalue",          // of dictionaries
     "acontains", "acountof", "first",      "last",  // of arrays

@@ -12,11 +12,11 @@ class CollectionScript {
   public:
     ~CollectionScript();
 
-    // Whether every step that changes an object is a function that the layer has, and some step
-    // asks by one. Steps that only ask and that it has not are skipped by Run.
+    // Whether the layer has the functions of all steps that change an object, and of at least one
+    // that queries an object. Run skips queries by functions that it does not have.
     static bool CanRun(const nlohmann::json& steps);
 
-    // "" when each step gives its result, else the first that does not.
+    // Empty when each step gives its result, else a message about the first that does not.
     std::string Run(const nlohmann::json& steps, const nlohmann::json& results);
 
   private:

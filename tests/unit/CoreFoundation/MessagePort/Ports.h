@@ -1,4 +1,4 @@
-// Ports for tests: what they hold goes with them, and text stands for data.
+// Ports for tests. Each releases what it holds; data is given and returned as text.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -22,8 +22,7 @@ void CountInterrupt(int) {
     interrupts = interrupts + 1;
 }
 
-// Does the work in a new program, after installing the handler there, and expects its answer to be
-// 0.
+// Does the work in a new process, with the handler installed, and expects it to return 0.
 void ExpectZeroFrom(const std::function<int()>& work, void (*handler)(int) = CountInterrupt) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(
@@ -50,7 +49,8 @@ TEST(Interrupt, IsDeliveredInTheMiddleOfACallbackToo) {
     });
 }
 
-// A program that needs this blocks the signal and unblocks it in observers.
+// What a program does that must not be interrupted in between: it keeps the signal blocked, and
+// unblocks it in observers.
 TEST(Interrupt, BlockedIsDeliveredInTheWaitBetweenTwoObservers) {
     ExpectZeroFrom([] {
         sigset_t interrupt;

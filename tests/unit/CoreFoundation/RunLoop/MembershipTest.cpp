@@ -22,7 +22,7 @@ class Membership : public testing::Test {
             [this](const std::string& report) { reports_.push_back(report); });
     }
 
-    std::vector<std::string> reports_;  // before the scene, whose end cancels its sources
+    std::vector<std::string> reports_;  // outlives the scene, whose sources report to it
     Scene scene_;
     const CFRunLoopRef loop_ = scene_.Loop();
 };

@@ -1,5 +1,5 @@
-// What a run-loop test plays with: timers and sources that call functions, on the test clock, and
-// that leave the loop with the scene.
+// The timers, sources and observers of one run-loop test, on the test clock. They call functions of
+// the test, and leave the loop when the scene is destroyed.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -25,11 +25,11 @@ class Scene {
 
     CFRunLoopRef Loop() const { return loop_; }
 
-    // A mode that no other scene knows.
+    // A mode of this scene alone.
     CFRunLoopMode Custom() const { return custom_; }
     // Adds it to the common set, in which it stays as long as the loop.
     void MakeCustomCommon();
-    // As if no scene before had added a mode to the common set.
+    // Takes the timer out of the modes that earlier scenes added to the common set.
     void RemoveFromAddedCommonModes(CFRunLoopTimerRef timer) const;
     // "custom" for that mode, else its name; "" for null.
     std::string NameOf(CFRunLoopMode mode) const;
@@ -37,7 +37,7 @@ class Scene {
     // `after` and `interval` in seconds. Owned by the scene; in no mode yet.
     CFRunLoopTimerRef MakeTimer(double after, double interval, Callback fired);
     CFRunLoopSourceRef MakeSource(Callback performed, CFIndex order = 0);
-    // Gives the scene's reference away.
+    // The caller releases it.
     CFRunLoopTimerRef MakeTimerForCaller(double after, double interval, Callback fired);
     // A source that reports `schedule:MODE` and `cancel:MODE`.
     CFRunLoopSourceRef MakeReportingSource(std::function<void(std::string)> report);

@@ -1,4 +1,4 @@
-// The clock that the scenes play by: one that tests move on Linux, the real one on macOS.
+// The clock of the scenes: the test clock on Linux, the real one on macOS.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -14,7 +14,7 @@ class SceneClock {
     SceneClock& operator=(const SceneClock&) = delete;
     ~SceneClock();
 
-    // Lets time go by without calling anything.
+    // Lets that time pass without calling anything.
     void Advance(CFTimeInterval seconds);
 
   private:

@@ -1,4 +1,4 @@
-// A second thread that steps in when a run loop is waiting for something.
+// A thread that acts when a run loop has not returned in time.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -11,7 +11,7 @@
 
 namespace run_loop_test {
 
-// Does something after a while of real time, unless it is destroyed before.
+// Runs the action after that much real time, unless it is ended or destroyed before.
 class Watchdog {
   public:
     Watchdog(std::chrono::milliseconds delay, std::function<void()> action)
@@ -26,7 +26,7 @@ class Watchdog {
     Watchdog& operator=(const Watchdog&) = delete;
     ~Watchdog() { End(); }
 
-    // Whether it stepped in.
+    // Returns whether the action has been run.
     bool End() {
         {
             const std::lock_guard lock(mutex_);
