@@ -47,7 +47,7 @@ TEST(ScreensOnMac, PointerAgreesWithAnEventsLocation) {
         if ([NSScreen mainScreen] == nil) {
             GTEST_SKIP() << "needs a screen";
         }
-        // The way of the driver, from AppKit's position, and that of Quartz must meet.
+        // The driver computes the position from AppKit's; it must be the one that Quartz reports.
         const NSPoint pointer = [NSEvent mouseLocation];
         const NSRect main = [[NSScreen mainScreen] frame];
         const test_support::OwnedObject<CGEventRef> event(CGEventCreate(nullptr));

@@ -205,7 +205,7 @@ TEST_F(OtherUsers, AreClosedAtOnceWhenTheModesWereRelaxedByHandAndTheOwnerIsServ
     ExpectUntouched();
 }
 
-// What the other user sends is what the owner is answered to.
+// The same frames, sent by the owner, have an effect: they are refused for who sends them.
 TEST_F(OtherUsers, SendWhatTheOwnerWouldBeAnsweredTo) {
     for (const PrivateSocket& target : PrivateSockets()) {
         const local_socket::Descriptor owner = local_socket::Connect(target.socket);
