@@ -27,7 +27,7 @@ bool IsDisabled(const Element& element) {
     return enabled != nullptr && enabled->HasValue() && NumberIn(enabled->value) == 0;
 }
 
-// The number in the type that the value had.
+// The number as a value of the old value's type; an integer for any other type.
 Value WithNumber(const Value& old, double number) {
     if (std::holds_alternative<bool>(old.content)) {
         return {number != 0};

@@ -52,7 +52,7 @@ RuleType* FindRule(std::vector<RuleType> Misbehaviour::*kind, Element& element,
     return nullptr;
 }
 
-// No reply, so that the caller waits; or the system sees at once that it would wait in vain.
+// None, so that the caller waits for its time-out; under the variant, the time-out's error at once.
 std::optional<Reply> ReplyOfHung() {
     if (platform_testing::IsOn(platform_testing::Variant::hangAtOnce)) {
         return ErrorReply(kCannotComplete);

@@ -16,7 +16,7 @@ using desktop_link::Rect;
 using desktop_link::Size;
 using nlohmann::ordered_json;
 
-// The values that the link can carry whole are those that a scene can hold.
+// The link carries values exactly as deep as a scene can hold them.
 static_assert(desktop_link::kDeepestValue == scene_notation::kDeepestValue);
 static_assert(kNoValue == scene_notation::kNoValueError);
 

@@ -189,7 +189,7 @@ void Server::Send(Peer& peer, std::span<const std::uint8_t> payload) {
     }
 }
 
-// Whatever it sent or was to get: a peer that violates the protocol is dropped.
+// Ends a peer that violates the protocol: what it has sent and was to receive is discarded.
 void Server::Drop(Peer& peer) {
     peer.ended = true;
     peer.unwritable = true;

@@ -1,12 +1,13 @@
 // Options for AddressSanitizer and LeakSanitizer, compiled in so that every run of a program has
-// them. The Objective-C runtime keeps what it allocates while classes register; only these
-// functions are suppressed, so that a leaked object of our own is still reported.
+// them. The Objective-C runtime and GNUstep keep some of what they allocate, as while classes
+// register. Only the functions that do so are suppressed, so that a leaked object of our own is
+// still reported.
 
 extern "C" {
 
 const char* __asan_default_options() {
-    // Exact stacks, which distinguish the runtime's own functions from ours; no longer than that
-    // takes, since finding them is what most of the time goes into.
+    // Exact stacks, which tell the libraries' functions from ours, and no longer than that needs:
+    // recording them takes most of the time.
     return "fast_unwind_on_malloc=0:malloc_context_size=15";
 }
 

@@ -14,7 +14,7 @@ using core_foundation::Stop;
 
 namespace {
 
-// An object as the callbacks of this file hold it.
+// The functions of kCFTypeArrayCallBacks.
 const void* RetainObject(CFAllocatorRef, const void* value) {
     return CFRetain(value);
 }

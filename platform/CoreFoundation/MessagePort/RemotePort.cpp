@@ -17,7 +17,8 @@ namespace {
 using Status = local_socket::FrameWriter::Status;
 using Table = PortTable<RemotePort>;
 
-// A send time-out below this does not wait at all; one from the other on has no limit.
+// Seconds. A send time-out shorter than the first does not wait at all; one from the second on
+// waits without a limit.
 constexpr CFTimeInterval kShortestWait = 0.001;
 constexpr CFTimeInterval kNoLimit = 10.0 * 24 * 60 * 60;
 

@@ -27,7 +27,7 @@ namespace {
 constexpr SInt64 kLeastCommon = -1;
 constexpr SInt64 kGreatestCommon = 12;
 
-// The fixed-width type that a C type is.
+// The fixed-width type of the same size and kind as a C type.
 CFNumberType Canonical(CFNumberType type, const char* function) {
     switch (type) {
         case kCFNumberSInt8Type:
@@ -94,10 +94,10 @@ SInt64 IntegerFor(const NumberValue& value, CFNumberType type) {
                                        : core_foundation::Truncated<SInt32>(value.real);
 }
 
-// Whether an integer survives. For 8 and 16 bits one that fits unsigned does, though it comes out
-// negative, as in Core Foundation.
+// Whether an integer fits the type without loss. For 8 and 16 bits one that fits the unsigned type
+// counts as well, although it is read as a negative number, as in Core Foundation.
 template <typename Integer>
-bool Survives(SInt64 integer) {
+bool FitsWithoutLoss(SInt64 integer) {
     using Widest = std::conditional_t<(sizeof(Integer) < sizeof(SInt32)),
                                       std::make_unsigned_t<Integer>, Integer>;
     return static_cast<Integer>(integer) == integer || static_cast<Widest>(integer) == integer;
@@ -108,14 +108,14 @@ bool WriteInteger(const NumberValue& value, CFNumberType type, void* pointer) {
     const auto converted = static_cast<Integer>(IntegerFor(value, type));
     Write(pointer, converted);
     return value.isReal() ? static_cast<double>(converted) == value.real
-                          : Survives<Integer>(value.integer);
+                          : FitsWithoutLoss<Integer>(value.integer);
 }
 
 bool IsExactly(float converted, double real) {
     return static_cast<double>(converted) == real;
 }
 
-// Also for NaN, which equals nothing.
+// A double loses nothing, and NaN, which equals nothing, does not either.
 bool IsExactly(double, double) {
     return true;
 }

@@ -38,7 +38,7 @@ bool IsCommonModes(CFRunLoopMode mode) {
 }
 
 std::mutex& StructureMutex() {
-    static std::mutex& mutex = *new std::mutex;  // in use while the process ends
+    static std::mutex& mutex = *new std::mutex;  // never destroyed: in use while the process ends
     return mutex;
 }
 
