@@ -112,8 +112,7 @@ std::vector<Verb> InputVerbs() {
     static constexpr std::string_view kDragDetail =
         "All steps carry the same modifiers and the same --no-click. When the drag fails or is "
         "interrupted, the button and the modifier keys go up where the pointer is. The driver "
-        "takes "
-        "coordinates as unsigned numbers: a negative one arrives as its two's complement.";
+        "takes coordinates as unsigned numbers: a negative one arrives as its two's complement.";
     return {
         {.name = "keystroke",
          .requests = "JCPK",
