@@ -34,7 +34,7 @@
 #include "tests/support/DriverInspector.h"
 #include "tests/support/FrontApplicationState.h"
 #include "tests/support/OwnedObject.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/support/ScriptedDesktop.h"
 
 namespace {
 
@@ -97,8 +97,9 @@ class Play {
         : input_(input),
           program_(input_, fuzz::End::front),
           back_(input_, fuzz::End::back),
-          answers_(back_),
-          desktop_([this](const auto& request) { return answers_.To(request); }) {}
+          answers_(back_) {
+        desktop_.replyInstead = [this](const auto& request) { return answers_.To(request); };
+    }
 
     void Run() {
         Prepare();
@@ -245,7 +246,7 @@ class Play {
     Choices back_;
     fuzz::Answers answers_;
     platform_testing::TestClock clock_;
-    test_support::ScriptedTransport desktop_;
+    test_support::ScriptedDesktop desktop_;
     std::optional<test_support::Companion> companion_;
 };
 

@@ -1,17 +1,28 @@
 #include "tests/adversary/AttackedOperation.h"
 
+#include "tests/adversary/SessionMoments.h"
+
 namespace adversary {
 
 namespace {
 
 constexpr double kMessagingTimeout = 6.0;  // seconds, the session's
 
+// What arrives of the reply.
+std::optional<desktop_link::Reply> Travelled(const std::optional<desktop_link::Reply>& reply) {
+    if (!reply) {
+        return reply;
+    }
+    const auto bytes = desktop_link::Encode(*reply);
+    return desktop_link::DecodeReply(bytes.data(), bytes.size());
+}
+
 }  // namespace
 
 void AttackedOperation::Begin() {
     Remember();
     driver_.Desktop().Load(operation_.scene);
-    driver_.Expected().mainWindow = driver_.Desktop().Find("/1");
+    driver_.Expected().mainWindow = driver_.Desktop()->Find("", "/1");
     sceneIsLost_ = false;
 }
 
@@ -95,28 +106,32 @@ std::string AttackedOperation::RunAgain(const char* when) {
 
 std::string AttackedOperation::RunClean() {
     Begin();
+    const SessionMoments moments(driver_.Desktop(), nullptr);
     std::string problem = RunAndCompare();
     exchanges_ = driver_.Desktop().Exchanges();
-    moments_ = driver_.Desktop().Moments();
+    moments_ = moments.Count();
     return problem;
 }
 
 std::string AttackedOperation::RunWith(const Event& event, const std::string& control,
                                        unsigned moment) {
     Begin();
-    driver_.Desktop().onMoment = [&](unsigned now) {
-        if (now == moment) {
-            event.happen(driver_.Desktop(), control);
-        }
-    };
-    std::string problem = RunAndCompare();
+    std::string problem;
+    {
+        const SessionMoments moments(driver_.Desktop(), [&](unsigned now) {
+            if (now == moment) {
+                event.happen(driver_.Desktop(), control);
+            }
+        });
+        problem = RunAndCompare();
+    }
     sceneIsLost_ = true;
     // The driver's run loop runs, and the same is asked again.
     driver_.Desktop().DeliverNotifications();
     driver_.Expected().front = event.frontAfterwards;
     problem += RunAgain("afterwards");
     if (!event.end.empty()) {
-        driver_.Desktop().Run(event.end);
+        driver_.Desktop().RunUnnoticed(event.end);
         problem += RunAgain("in the end");
     }
     return problem;
@@ -128,9 +143,10 @@ std::string AttackedOperation::RunWithReply(std::size_t index, const Falsify& fa
     } else {
         Remember();
     }
-    driver_.Desktop().onReply = [&](std::size_t exchange, auto& reply) {
-        if (exchange == index) {
-            falsify(reply);
+    driver_.Desktop().onReply = [&](std::size_t number, Exchange& exchange) {
+        if (number == index) {
+            falsify(exchange.reply);
+            exchange.reply = Travelled(exchange.reply);
         }
     };
     std::string problem = RunAndCompare();

@@ -1,6 +1,5 @@
 #include "tests/adversary/CrowdedApplication.h"
 
-#include <memory>
 #include <string>
 
 namespace adversary {
@@ -19,20 +18,9 @@ desktop_link::Value Windows(std::uint64_t count) {
 
 }  // namespace
 
-CrowdedApplication& CrowdedApplication::Install(std::uint64_t windows) {
-    auto application = std::make_unique<CrowdedApplication>(windows);
-    CrowdedApplication& installed = *application;
-    desktop_link::SetTransport(std::move(application));
-    return installed;
-}
-
-std::optional<desktop_link::Reply> CrowdedApplication::Exchange(
-    const desktop_link::Request& request, double /*timeout*/) {
+std::optional<desktop_link::Reply> CrowdedApplication::operator()(
+    const desktop_link::Request& request) const {
     desktop_link::Reply reply;
-    if (request.operation == desktop_link::Operation::hello) {
-        return reply;
-    }
-    ++count_;
     const bool reads = request.operation == desktop_link::Operation::copyAttribute;
     if (reads && request.names.front() == "AXWindows") {
         reply.values.push_back(Windows(windows_));

@@ -68,7 +68,7 @@ void DriverUnderAttack::LookForClipNameIn(unsigned source) {
         FindFirstSource();
     }
     // After a source that cannot be read, the next one is tried.
-    desktop_.onReply = [](std::size_t, auto& reply) { reply.reset(); };
+    desktop_.onReply = [](std::size_t, auto& exchange) { exchange.reply.reset(); };
     for (; expected_.clipNameSource != source;
          expected_.clipNameSource = (expected_.clipNameSource + 1) % 3) {
         driver_->ObserveFCPXClipSelectionTask();

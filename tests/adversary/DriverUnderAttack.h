@@ -8,11 +8,11 @@
 
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
-#include "tests/adversary/AdversaryDesktop.h"
 #include "tests/adversary/ExpectedDriver.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/HomeFolder.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 
@@ -39,7 +39,7 @@ class DriverUnderAttack {
     Outcome Tick();
 
     CVEK_UserSpaceDriver& Driver() { return *driver_; }
-    AdversaryDesktop& Desktop() { return desktop_; }
+    test_support::ScriptedDesktop& Desktop() { return desktop_; }
 
     // What the driver must know and do by now.
     ExpectedDriver& Expected() { return expected_; }
@@ -54,7 +54,7 @@ class DriverUnderAttack {
     test_support::SessionFixture session_;
     test_support::HomeFolder home_;  // without translations
     test_support::Companion companion_;
-    AdversaryDesktop desktop_;
+    test_support::ScriptedDesktop desktop_;
     test_support::TestDriver driver_;
     platform_testing::LogCapture log_;
     ExpectedDriver expected_;

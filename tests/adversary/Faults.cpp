@@ -31,35 +31,42 @@ std::string ParentOf(const std::string& address) {
 
 Event Command(const std::string& name, const std::string& command, const std::string& end = "") {
     return {.name = name,
-            .happen = [command](AdversaryDesktop& desktop, const auto&) { desktop.Run(command); },
+            .happen = [command](ScriptedDesktop& desktop,
+                                const auto&) { desktop.RunUnnoticed(command); },
             .end = end};
 }
 
-void Remove(AdversaryDesktop& desktop, const std::string& address) {
-    desktop.Run(R"({"command": "remove", "element": )" + Quoted(address) + "}");
+void Remove(ScriptedDesktop& desktop, const std::string& address) {
+    desktop.RunUnnoticed(R"({"command": "remove", "element": )" + Quoted(address) + "}");
+}
+
+bool Has(ScriptedDesktop& desktop, const std::string& address) {
+    return desktop->Run(R"({"command": "element", "element": )" + Quoted(address) + "}")
+        .starts_with(R"({"ok")");
 }
 
 // Before everything else in the same parent: a group with a control that has identifiers
 // in use, but is not one that any request looks for.
-void InsertBefore(AdversaryDesktop& desktop, const std::string& control) {
+void InsertBefore(ScriptedDesktop& desktop, const std::string& control) {
     const std::string parent = ParentOf(control);
-    desktop.Run(R"({"command": "insert", "parent": )" + Quoted(parent.empty() ? "/" : parent) +
-                R"(, "position": 0, "element": {"AXRole": "AXGroup", "AXChildren": [
+    desktop.RunUnnoticed(R"({"command": "insert", "parent": )" +
+                         Quoted(parent.empty() ? "/" : parent) +
+                         R"(, "position": 0, "element": {"AXRole": "AXGroup", "AXChildren": [
                     {"AXRole": "AXImage", "AXIdentifier": "_NS:59"}]}})");
 }
 
-void ReorderHolder(AdversaryDesktop& desktop, const std::string&) {
+void ReorderHolder(ScriptedDesktop& desktop, const std::string&) {
     std::string reversed;
     for (int index = 0;; ++index) {
         const std::string child = kHolder + "/" + std::to_string(index);
-        if (!desktop.Has(child)) {
+        if (!Has(desktop, child)) {
             break;
         }
         reversed =
             R"({"element": )" + Quoted(child) + "}" + (reversed.empty() ? "" : ", " + reversed);
     }
-    desktop.Run(R"({"command": "set", "element": )" + Quoted(kHolder) +
-                R"(, "attribute": "AXChildren", "value": {"array": [)" + reversed + "]}}");
+    desktop.RunUnnoticed(R"({"command": "set", "element": )" + Quoted(kHolder) +
+                         R"(, "attribute": "AXChildren", "value": {"array": [)" + reversed + "]}}");
 }
 
 }  // namespace
@@ -69,18 +76,18 @@ std::vector<Event> AllEvents() {
     std::vector<Event> events = {
         {"the control is destroyed", Remove, true},
         {"what holds the control is destroyed",
-         [](AdversaryDesktop& desktop, const std::string& control) {
+         [](ScriptedDesktop& desktop, const std::string& control) {
              Remove(desktop, ParentOf(control).empty() ? control : ParentOf(control));
          },
          true},
         {"an element is inserted before the control", InsertBefore, true},
         {"the control before is destroyed",
-         [](AdversaryDesktop& desktop, const auto&) { Remove(desktop, kHolder + "/0"); }},
+         [](ScriptedDesktop& desktop, const auto&) { Remove(desktop, kHolder + "/0"); }},
         {"the children are reordered", ReorderHolder},
         {"the first window is closed",
-         [](AdversaryDesktop& desktop, const auto&) { Remove(desktop, "/0"); }},
+         [](ScriptedDesktop& desktop, const auto&) { Remove(desktop, "/0"); }},
         {"the main window is closed",
-         [](AdversaryDesktop& desktop, const auto&) { Remove(desktop, "/1"); }},
+         [](ScriptedDesktop& desktop, const auto&) { Remove(desktop, "/1"); }},
         Command("the application dies", R"({"command": "kill", )" + editor),
         Command("the application quits", R"({"command": "quit", )" + editor),
         Command("the application hangs", R"({"command": "hang", )" + editor,
@@ -91,10 +98,10 @@ std::vector<Event> AllEvents() {
         Command("another application comes to the front",
                 R"({"command": "activate", "application": ")" + kOtherApplication + R"("})"),
         {"another application gets the process id of the dead one",
-         [editor](AdversaryDesktop& desktop, const auto&) {
-             desktop.Run(R"({"command": "kill", )" + editor);
-             desktop.Run(R"({"command": "activate", "application": null})");
-             desktop.Run(R"({"command": "launch", "application": {"pid": 501,
+         [editor](ScriptedDesktop& desktop, const auto&) {
+             desktop.RunUnnoticed(R"({"command": "kill", )" + editor);
+             desktop.RunUnnoticed(R"({"command": "activate", "application": null})");
+             desktop.RunUnnoticed(R"({"command": "launch", "application": {"pid": 501,
                  "bundleID": "com.example.player2", "windows": [{"AXRole": "AXWindow",
                  "AXTitle": "Main", "AXChildren": [{"AXRole": "AXCheckBox",
                  "AXIdentifier": "_NS:59", "AXValue": 99}]}]}})");

@@ -5,15 +5,17 @@
 #include <string>
 #include <vector>
 
-#include "tests/adversary/AdversaryDesktop.h"
 #include "tests/adversary/ExpectedDriver.h"
+#include "tests/support/ScriptedDesktop.h"
 
 namespace adversary {
+
+using test_support::ScriptedDesktop;
 
 // Something that happens in the session at one moment of a request.
 struct Event {
     std::string name;
-    std::function<void(AdversaryDesktop& desktop, const std::string& control)> happen;
+    std::function<void(ScriptedDesktop& desktop, const std::string& control)> happen;
     bool concernsControl = false;  // else it is the same for every control
 
     std::string end = {};  // the command that takes it back, if there is one

@@ -18,7 +18,7 @@
 #include "tests/adversary/HostileDocuments.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/OwnedObject.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestDriver.h"
@@ -101,8 +101,7 @@ class FrontApplication : public testing::Test {
     const platform_testing::UnderVariant fresh_{platform_testing::Variant::freshBundleInfo};
     test_support::TemporaryFolder folder_;
     test_support::SessionFixture session_;
-    test_support::ScriptedTransport desktop_{
-        [](const auto&) { return std::optional(desktop_link::Reply()); }};
+    test_support::ScriptedDesktop desktop_;
     test_support::TestDriver driver_;
     platform_testing::LogCapture log_;
 };

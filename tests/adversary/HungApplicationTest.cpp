@@ -115,21 +115,20 @@ class HungApplication : public testing::Test {
     // The exchange with that number, counted from 0, ends with the error of a hung application, but
     // this many seconds after it began.
     void FailAfter(double seconds, std::size_t exchange) {
-        driver_.Desktop().onReply = [=](std::size_t now, auto& reply) {
-            if (now == exchange) {
+        driver_.Desktop().onReply = [=](std::size_t number, Exchange& now) {
+            if (number == exchange) {
                 test_support::CallClock::Advance(seconds);
-                reply->error = kAXErrorCannotComplete;
-                reply->values.clear();
+                now.reply->error = kAXErrorCannotComplete;
+                now.reply->values.clear();
             }
         };
     }
 
     // From the moment on that the n-th exchange begins.
     void HangAt(std::size_t exchange, const std::string& command = kHang) {
-        driver_.Desktop().onMoment = [=, this, done = false](unsigned) mutable {
-            if (!done && driver_.Desktop().Exchanges().size() == exchange) {
-                done = true;
-                driver_.Desktop().Run(command);
+        driver_.Desktop().onRequest = [=, this](const auto&) {
+            if (driver_.Desktop().Exchanges().size() == exchange) {
+                driver_.Desktop().RunUnnoticed(command);
             }
         };
     }
@@ -143,7 +142,7 @@ class HungApplication : public testing::Test {
             driver_.LookForClipNameIn(*operation.clipSource);
         }
         Begin(operation.scene, operation.version);
-        driver_.Expected().mainWindow = driver_.Desktop().Find("/1");
+        driver_.Expected().mainWindow = driver_.Desktop()->Find("", "/1");
         if (operation.clipSource) {
             driver_.ObserveBoth();
         }
@@ -159,7 +158,7 @@ class HungApplication : public testing::Test {
             EXPECT_EQ(replay.Deviation(), "") << operation.name;
             EXPECT_NE(ReadsOfAttributes(), 1) << operation.name << " ends where it could hang";
         }
-        driver_.Desktop().onMoment = nullptr;
+        driver_.Desktop().onRequest = nullptr;
         driver_.LoseTrack();
         return driver_.Desktop().Exchanges().size();
     }
@@ -174,7 +173,7 @@ class HungApplication : public testing::Test {
         driver_.LookForClipNameIn(0);
         Begin(scene);
         driver_.ObserveBoth();
-        driver_.Desktop().Run(command);
+        driver_.Desktop().RunUnnoticed(command);
         std::vector<std::string> sent = driver_.Tick().sent;
         driver_.LoseTrack();
         return sent;
@@ -186,7 +185,7 @@ class HungApplication : public testing::Test {
         HangAt(2);
         driver_.Desktop().onReply = [this](std::size_t exchange, auto&) {
             if (exchange == 2) {
-                driver_.Desktop().Run(kUnhang);
+                driver_.Desktop().RunUnnoticed(kUnhang);
             }
         };
         return ValueOf59();
@@ -232,7 +231,7 @@ TEST_F(HungForTheTimeOut, CostsATickOneTimeOut) {
         driver_.LookForClipNameIn(source);
         Begin(kScene);
         driver_.ObserveBoth();
-        driver_.Desktop().Run(kHang);
+        driver_.Desktop().RunUnnoticed(kHang);
         driver_.Tick();
         EXPECT_EQ(Waited(), kTimeOut) << "source " << source;
         driver_.LoseTrack();
@@ -308,11 +307,11 @@ TEST_F(HungApplication, IsNotTakenForAGroupThatCannotCompleteAfterAWhile) {
 TEST_F(HungApplication, IsNotTakenForAStepOfTheWallClock) {
     for (const double step : {7.0, 86'400.0, -86'400.0}) {
         driver_.Desktop().Restart();
-        driver_.Desktop().onReply = [&](std::size_t exchange, auto& reply) {
-            if (exchange == 2) {
+        driver_.Desktop().onReply = [&](std::size_t number, Exchange& exchange) {
+            if (number == 2) {
                 wallClock_.Advance(step);
-                reply->error = kAXErrorCannotComplete;
-                reply->values.clear();
+                exchange.reply->error = kAXErrorCannotComplete;
+                exchange.reply->values.clear();
             }
         };
         EXPECT_EQ(ValueOf59(), Integers({3})) << step;
@@ -368,7 +367,7 @@ TEST_F(HungApplication, BehindARemoteViewLeavesTheEditorsOwnValuesThere) {
     Begin(kSceneWithRemoteView);
     EXPECT_EQ(ValueOf(60), Integers({8})) << "the view is part of the tree";
     driver_.Desktop().Restart();
-    driver_.Desktop().Run(kHangExtension);
+    driver_.Desktop().RunUnnoticed(kHangExtension);
     EXPECT_EQ(ValueOf59(), Integers({3}));
     EXPECT_EQ(Waited(kExtension), CostOf(2)) << "the view is listed twice";
     EXPECT_EQ(Waited(kEditor), 0.0);
@@ -386,7 +385,7 @@ TEST_F(HungApplication, MetByTheClipTaskLeavesTheTimecodeTaskItsTurn) {
     driver_.LookForClipNameIn(1);
     Begin(kSceneWithRemoteView);
     driver_.ObserveBoth();
-    driver_.Desktop().Run(kHangExtension);
+    driver_.Desktop().RunUnnoticed(kHangExtension);
     EXPECT_THAT(driver_.Tick().sent, testing::ElementsAre("JFTC 01:00"));
     EXPECT_EQ(Waited(), CostOf(4));
     driver_.LoseTrack();
@@ -394,7 +393,7 @@ TEST_F(HungApplication, MetByTheClipTaskLeavesTheTimecodeTaskItsTurn) {
 
 TEST_F(HungApplication, BesideAnotherIsWaitedForOnceLikeThatOne) {
     Begin(kSceneWithRemoteView);
-    driver_.Desktop().Run(kHangExtension);
+    driver_.Desktop().RunUnnoticed(kHangExtension);
     // The editor's own group, behind the view, which is asked again only if it failed early.
     HangAt(CostOf(1) == kTimeOut ? 3 : 4);
     EXPECT_EQ(ValueOf59(), std::nullopt);
@@ -405,7 +404,7 @@ TEST_F(HungApplication, BesideAnotherIsWaitedForOnceLikeThatOne) {
 TEST_F(HungApplication, IsAskedAnewByTheNextRequest) {
     HangAt(4);
     EXPECT_EQ(ValueOf59(), std::nullopt);
-    driver_.Desktop().Run(kUnhang);
+    driver_.Desktop().RunUnnoticed(kUnhang);
     driver_.Desktop().Restart();
     EXPECT_EQ(ValueOf59(), Integers({3}));
     EXPECT_EQ(Waited(), 0.0);
@@ -416,7 +415,7 @@ TEST_F(HungApplication, BehindARemoteViewIsAskedAnewByEachRequestAndTick) {
     driver_.LookForClipNameIn(0);
     Begin(kSceneWithRemoteView);
     driver_.ObserveBoth();
-    driver_.Desktop().Run(kHangExtension);
+    driver_.Desktop().RunUnnoticed(kHangExtension);
     ValueOf59();
     EXPECT_EQ(Waited(kExtension), CostOf(2));
     driver_.Tick();

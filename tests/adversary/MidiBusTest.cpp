@@ -10,7 +10,7 @@
 #include "platform/Testing/LogCapture.h"
 #include "tests/adversary/AllocationMeter.h"
 #include "tests/support/DriverInspector.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 
@@ -19,7 +19,6 @@ namespace adversary {
 namespace {
 
 using desktop_link::Operation;
-using desktop_link::Reply;
 
 const std::string kController = R"({"id": 1, "name": "KRT-9 USB", "entities": [
     {"id": 2, "name": "Private", "sources": [{"id": 3, "name": "in"}],
@@ -34,14 +33,15 @@ class MidiBus : public testing::Test {
     // Whether a driver that starts with that bus connects to its controller.
     bool Connects(const std::string& bus, std::int32_t error = 0) {
         const platform_testing::AutoreleasePool pool;
-        const test_support::ScriptedTransport desktop([&](const desktop_link::Request& request) {
-            Reply reply;
-            if (request.operation == Operation::midiDevices) {
-                reply.text = bus;
-                reply.error = error;
+        test_support::ScriptedDesktop desktop;
+        desktop.onReply = [&](std::size_t, test_support::Exchange& exchange) {
+            if (exchange.request.operation == Operation::midiDevices) {
+                exchange.reply->text = bus;
+                exchange.reply->error = error;
+            } else if (exchange.request.operation == Operation::midiConnectSource) {
+                exchange.reply->error = 0;
             }
-            return std::optional(reply);
-        });
+        };
         test_support::TestDriver driver;
         return DriverInspector::Connected(*driver);
     }

@@ -8,13 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "tests/adversary/AdversaryDesktop.h"
+#include "tests/support/ScriptedDesktop.h"
 
 namespace adversary {
 
 using desktop_link::ElementReference;
 using desktop_link::Operation;
 using desktop_link::Value;
+using test_support::Exchange;
 
 class Replay {
   public:

@@ -40,7 +40,8 @@ std::string ContentOf(const std::string& path) {
 // The process remembers which source of the clip's name it uses. Three looks at a scene in which
 // the first source works set it back to that one, whichever it was.
 void LookForClipNamesFromTheStart(const std::string& scene) {
-    const test_support::InProcessDesktop desktop(scene);
+    const test_support::SessionFixture session;
+    const test_support::ScriptedDesktop desktop(scene);
     test_support::TestDriver driver;
     CFWorkspace_StartObservingFrontApplication();
     driver->ObserveFCPXClipSelectionChange();
@@ -107,6 +108,7 @@ std::vector<std::string> Session::Perform(const std::string& step) {
 void Session::Scene(const std::string& file) {
     const std::string scene = ContentOf(KRT9_SCENES "/" + file);
     LookForClipNamesFromTheStart(scene);
+    session_.emplace();
     desktop_.emplace(scene);
 }
 

@@ -28,7 +28,8 @@
 #include "tests/golden/Notation.h"
 #include "tests/support/Companion.h"
 #include "tests/support/HomeFolder.h"
-#include "tests/support/InProcessDesktop.h"
+#include "tests/support/ScriptedDesktop.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 
 namespace golden {
@@ -68,7 +69,8 @@ class Session {
 
     test_support::HomeFolder home_;
     platform_testing::TestClock clock_;
-    std::optional<test_support::InProcessDesktop> desktop_;
+    std::optional<test_support::SessionFixture> session_;
+    std::optional<test_support::ScriptedDesktop> desktop_;
     std::optional<test_support::Companion> companion_;
     std::optional<test_support::TestDriver> driver_;
     std::optional<platform_testing::LogCapture> log_;

@@ -2,15 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Testing/LiveObjects.h"
-#include "tests/support/ScriptedTransport.h"
-#include "tests/support/SessionFixture.h"
+#include <string>
 
-using desktop_link::Application;
-using desktop_link::Notification;
-using desktop_link::Reply;
-using desktop_link::Request;
-using test_support::ScriptedTransport;
+#include "platform/DesktopLink/Session.h"
+#include "platform/Testing/LiveObjects.h"
+#include "tests/support/ScriptedDesktop.h"
+#include "tests/support/SessionFixture.h"
 
 // Collects the activations that the workspace announces.
 @interface ActivationRecorder : NSObject {
@@ -54,29 +51,31 @@ using test_support::ScriptedTransport;
 
 namespace {
 
-Application Editor() {
-    return {501, "com.example.editor", "/Applications/Some Editor.app", "Editor"};
-}
-Application Player() {
-    return {502, "com.example.player", std::nullopt, "Player"};
-}
-Application Tool() {
-    return {777, std::nullopt, std::nullopt, "tool"};
+// An editor with a bundle, a player without one, and a tool that has no identifier either.
+std::string SceneWithFront(const std::string& front) {
+    return R"({"front": )" + front + R"(, "applications": [
+        {"bundleID": "com.example.editor", "name": "Some Editor", "pid": 501, "info": {}},
+        {"bundleID": "com.example.player", "name": "Player", "pid": 502},
+        {"name": "tool", "pid": 777}]})";
 }
 
-std::optional<Reply> NoAnswer(const Request&) {
-    return std::nullopt;
-}
-
-desktop_link::Session With(const Application& front) {
-    return {front, 6.0};
-}
+constexpr char kEditor[] = R"("com.example.editor")";
+constexpr char kPlayer[] = R"("com.example.player")";
+constexpr char kTool[] = R"("pid:777")";
 
 NSRunningApplication* Front() {
     return [[NSWorkspace sharedWorkspace] frontmostApplication];
 }
 
 class Workspace : public testing::Test {
+  protected:
+    void Activate(const std::string& application) {
+        desktop_.Run(R"({"command": "activate", "application": )" + application + "}");
+    }
+
+    test_support::ScriptedDesktop desktop_{SceneWithFront(kEditor)};
+
+  private:
     platform_testing::AutoreleasePool pool_;
 };
 
@@ -86,16 +85,17 @@ TEST_F(Workspace, IsOneObject) {
 }
 
 TEST_F(Workspace, FrontmostApplicationIsTheSessions) {
-    ScriptedTransport desktop(NoAnswer, With(Editor()));
     EXPECT_EQ([Front() processIdentifier], 501);
     EXPECT_TRUE([[Front() bundleIdentifier] isEqual:@"com.example.editor"]);
-    EXPECT_TRUE([[[Front() bundleURL] path] isEqual:@"/Applications/Some Editor.app"]);
+    const std::string path = desktop_link::FrontApplication()->bundlePath.value();
+    EXPECT_TRUE(path.ends_with("/Some Editor.app")) << path;
+    EXPECT_EQ([[[Front() bundleURL] path] UTF8String], path);
     EXPECT_TRUE([[Front() bundleURL] isFileURL]);
     EXPECT_EQ(Front(), Front()) << "the same object until it changes";
 }
 
 TEST_F(Workspace, NothingInFrontIsNil) {
-    ScriptedTransport desktop(NoAnswer);
+    const test_support::ScriptedDesktop desktop(SceneWithFront("null"));
     EXPECT_EQ(Front(), nil);
 }
 
@@ -107,28 +107,27 @@ TEST_F(Workspace, WithoutADesktopNothingIsInFront) {
 }
 
 TEST_F(Workspace, ProgramWithoutBundleHasNeitherIdentifierNorURL) {
-    ScriptedTransport desktop(NoAnswer, With(Tool()));
+    const test_support::ScriptedDesktop desktop(SceneWithFront(kTool));
     EXPECT_EQ([Front() processIdentifier], 777);
     EXPECT_EQ([Front() bundleIdentifier], nil);
     EXPECT_EQ([Front() bundleURL], nil);
 }
 
 TEST_F(Workspace, BundleIdentifierThatIsNoUtf8CountsAsNone) {
-    Application broken = Editor();
-    broken.bundleIdentifier = "\xFF";
-    broken.bundlePath = "";
-    ScriptedTransport desktop(NoAnswer, With(broken));
+    desktop_.onHello = [](desktop_link::Reply& reply) {
+        reply.session->frontApplication->bundleIdentifier = "\xFF";
+        reply.session->frontApplication->bundlePath = "";
+    };
     EXPECT_EQ([Front() bundleIdentifier], nil);
     EXPECT_EQ([Front() bundleURL], nil);
 }
 
 TEST_F(Workspace, ActivationsAreAnnouncedOneByOneInOrder) {
-    ScriptedTransport desktop(NoAnswer, With(Editor()));
     ActivationRecorder* recorder = [[ActivationRecorder alloc] init];
     EXPECT_EQ([Front() processIdentifier], 501);
-    desktop.Deliver(Notification{Player()});
-    desktop.Deliver(Notification{Tool()});
-    desktop.Deliver(Notification{Editor()});
+    Activate(kPlayer);
+    Activate(kTool);
+    Activate(kEditor);
     NSArray* expected =
         [NSArray arrayWithObjects:[NSNumber numberWithInt:502], [NSNumber numberWithInt:777],
                                   [NSNumber numberWithInt:501], nil];
@@ -138,17 +137,15 @@ TEST_F(Workspace, ActivationsAreAnnouncedOneByOneInOrder) {
 }
 
 TEST_F(Workspace, FrontmostApplicationHasChangedWhenTheActivationIsAnnounced) {
-    ScriptedTransport desktop(NoAnswer, With(Editor()));
     EXPECT_EQ([Front() processIdentifier], 501);
-    desktop.Deliver(Notification{Player()});
+    Activate(kPlayer);
     EXPECT_EQ([Front() processIdentifier], 502);
 }
 
 TEST_F(Workspace, GoingToNothingInFrontIsNoActivation) {
-    ScriptedTransport desktop(NoAnswer, With(Editor()));
     ActivationRecorder* recorder = [[ActivationRecorder alloc] init];
     EXPECT_NE(Front(), nil);
-    desktop.Deliver(Notification{});
+    Activate("null");
     EXPECT_EQ(Front(), nil);
     EXPECT_EQ([[recorder processIdentifiers] count], 0u);
     [recorder release];
@@ -160,20 +157,18 @@ TEST_F(Workspace, ActivationsGoToItsOwnCenterOnly) {
 }
 
 TEST_F(Workspace, RunningApplicationOutlivesTheChangeOfTheFrontApplication) {
-    ScriptedTransport desktop(NoAnswer, With(Editor()));
     NSRunningApplication* editor = [Front() retain];
-    desktop.Deliver(Notification{Player()});
+    Activate(kPlayer);
     EXPECT_EQ([editor processIdentifier], 501);
     EXPECT_TRUE([[editor bundleIdentifier] isEqual:@"com.example.editor"]);
     [editor release];
 }
 
 TEST_F(Workspace, ApplicationsOfOneProcessAreEqual) {
-    ScriptedTransport desktop(NoAnswer, With(Editor()));
     NSRunningApplication* before = Front();
-    desktop.Deliver(Notification{Player()});
+    Activate(kPlayer);
     EXPECT_FALSE([before isEqual:Front()]);
-    desktop.Deliver(Notification{Editor()});
+    Activate(kEditor);
     EXPECT_NE(before, Front());
     EXPECT_TRUE([before isEqual:Front()]);
     EXPECT_EQ([before hash], [Front() hash]);
@@ -181,23 +176,19 @@ TEST_F(Workspace, ApplicationsOfOneProcessAreEqual) {
 }
 
 TEST_F(Workspace, SessionOfAReplacedTransportIsForgotten) {
-    {
-        ScriptedTransport desktop(NoAnswer, With(Editor()));
-        EXPECT_EQ([Front() processIdentifier], 501);
-    }
-    ScriptedTransport desktop(NoAnswer, With(Player()));
+    { EXPECT_EQ([Front() processIdentifier], 501); }
+    test_support::ScriptedDesktop other(SceneWithFront(kPlayer));
     EXPECT_EQ([Front() processIdentifier], 502);
-    desktop.Deliver(Notification{Tool()});
+    other.Run(R"({"command": "activate", "application": "pid:777"})");
     EXPECT_EQ([Front() processIdentifier], 777) << "the new transport's notifications arrive";
 }
 
 TEST_F(Workspace, LeavesNoObjectBehind) {
-    ScriptedTransport desktop(NoAnswer, With(Editor()));
     EXPECT_EQ(platform_testing::LeftOverBy([&] {
                   [[Front() bundleURL] path];
-                  desktop.Deliver(Notification{Player()});
+                  Activate(kPlayer);
                   [Front() bundleIdentifier];
-                  desktop.Deliver(Notification{Editor()});
+                  Activate(kEditor);
                   [Front() bundleIdentifier];
               }),
               "");

@@ -5,7 +5,7 @@
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Variants/Variants.h"
 #include "tests/support/OwnedObject.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 
 namespace {
@@ -19,7 +19,7 @@ using desktop_link::Point;
 using desktop_link::Reply;
 using desktop_link::Request;
 using desktop_link::Value;
-using test_support::ScriptedTransport;
+using test_support::ScriptedDesktop;
 using OwnedElement = test_support::OwnedObject<AXUIElementRef>;
 using OwnedArray = test_support::OwnedObject<CFArrayRef>;
 using Owned = test_support::OwnedObject<CFTypeRef>;
@@ -56,14 +56,15 @@ class ElementCalls : public testing::Test {
   protected:
     // Every call gets this reply.
     void Desktop(std::optional<Reply> reply) {
-        desktop_.emplace([reply](const Request&) { return reply; });
+        desktop_.Restart();
+        desktop_.replyInstead = [reply](const Request&) { return reply; };
     }
     const Request& OnlyRequest() const {
-        EXPECT_EQ(desktop_->Requests().size(), 1u) << "one call is one exchange";
-        return desktop_->Requests().at(0);
+        EXPECT_EQ(desktop_.Exchanges().size(), 1u) << "one call is one exchange";
+        return desktop_.Exchanges().at(0).request;
     }
 
-    std::optional<ScriptedTransport> desktop_;
+    ScriptedDesktop desktop_;
     const OwnedElement button_ = CreateElement(kButton);
 };
 
@@ -195,7 +196,7 @@ TEST_F(ElementCalls, NullOrWrongArgumentsAreIllegalAndNeverSent) {
     for (std::size_t i = 0; i < std::size(results); ++i) {
         EXPECT_EQ(results[i], kAXErrorIllegalArgument) << "call " << i;
     }
-    EXPECT_TRUE(desktop_->Requests().empty());
+    EXPECT_TRUE(desktop_.Exchanges().empty());
     EXPECT_EQ(value, nullptr);
     EXPECT_EQ(values, nullptr);
     EXPECT_EQ(settable, 7);
@@ -301,8 +302,8 @@ TEST_F(ElementCalls, NamesAreAnsweredAsTexts) {
     ASSERT_EQ(CFArrayGetCount(names), 2);
     EXPECT_TRUE(CFEqual(CFArrayGetValueAtIndex(names, 1), kAXTitleAttribute));
     EXPECT_EQ(AXUIElementCopyActionNames(button_, names.Out()), kAXErrorSuccess);
-    EXPECT_EQ(desktop_->Requests().at(0).operation, Operation::attributeNames);
-    EXPECT_EQ(desktop_->Requests().at(1).operation, Operation::actionNames);
+    EXPECT_EQ(desktop_.Exchanges().at(0).request.operation, Operation::attributeNames);
+    EXPECT_EQ(desktop_.Exchanges().at(1).request.operation, Operation::actionNames);
 }
 
 TEST_F(ElementCalls, NoActionsAreAnEmptyArray) {
@@ -340,7 +341,7 @@ TEST_F(ElementCalls, SettingAnObjectThatCannotTravelIsAnIllegalArgument) {
         CGEventCreateKeyboardEvent(nullptr, 0, true);
     EXPECT_EQ(AXUIElementSetAttributeValue(button_, kAXValueAttribute, event.get()),
               kAXErrorIllegalArgument);
-    EXPECT_TRUE(desktop_->Requests().empty());
+    EXPECT_TRUE(desktop_.Exchanges().empty());
 }
 
 TEST_F(ElementCalls, PerformActionSendsTheActionAndAnswersItsError) {
@@ -379,22 +380,21 @@ TEST_F(ElementCalls, WhatIsMissingAmongSeveralIsNullUnderThatVariant) {
 
 TEST_F(ElementCalls, NobodyWaitsLongerThanASecondUnderThatVariant) {
     const platform_testing::UnderVariant hang(platform_testing::Variant::hangForASecond);
-    ScriptedTransport desktop([](const Request&) { return Answer({Text("text")}); },
-                              {std::nullopt, 6});
+    Desktop(Answer({Text("text")}));
     Owned value;
     AXUIElementCopyAttributeValue(button_, kAXTitleAttribute, value.Out());
-    EXPECT_EQ(desktop.LastTimeout(), 1.0);
+    EXPECT_EQ(desktop_.Exchanges().back().timeout, 1.0);
     AXUIElementSetMessagingTimeout(button_, 0.25F);
     Owned again;
     AXUIElementCopyAttributeValue(button_, kAXTitleAttribute, again.Out());
-    EXPECT_EQ(desktop.LastTimeout(), 0.25);
+    EXPECT_EQ(desktop_.Exchanges().back().timeout, 0.25);
 }
 
 // --- trust ---
 
 TEST(Trust, IsAskedAnewEachTimeAndPromptsOnlyWhenTold) {
     bool trusted = true;
-    ScriptedTransport desktop([&](const Request&) {
+    ScriptedDesktop desktop([&](const Request&) {
         Reply reply;
         reply.flag = trusted;
         return reply;
@@ -411,15 +411,15 @@ TEST(Trust, IsAskedAnewEachTimeAndPromptsOnlyWhenTold) {
                                &kCFTypeDictionaryValueCallBacks);
         EXPECT_FALSE(AXIsProcessTrustedWithOptions(options));
     }
-    ASSERT_EQ(desktop.Requests().size(), 4u);
-    EXPECT_FALSE(desktop.Requests()[0].flag);
-    EXPECT_FALSE(desktop.Requests()[1].flag);
-    EXPECT_TRUE(desktop.Requests()[2].flag) << "the prompt was asked for";
-    EXPECT_FALSE(desktop.Requests()[3].flag);
+    ASSERT_EQ(desktop.Exchanges().size(), 4u);
+    EXPECT_FALSE(desktop.Exchanges()[0].request.flag);
+    EXPECT_FALSE(desktop.Exchanges()[1].request.flag);
+    EXPECT_TRUE(desktop.Exchanges()[2].request.flag) << "the prompt was asked for";
+    EXPECT_FALSE(desktop.Exchanges()[3].request.flag);
 }
 
 TEST(Trust, OptionsWithoutABooleanForThePromptDoNotPrompt) {
-    ScriptedTransport desktop([](const Request&) { return Reply{}; });
+    ScriptedDesktop desktop([](const Request&) { return Reply{}; });
     const int number = 1;
     const Owned one = CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &number);
     const std::pair<CFStringRef, CFTypeRef> entries[] = {{CFSTR("Other"), kCFBooleanTrue},
@@ -431,12 +431,12 @@ TEST(Trust, OptionsWithoutABooleanForThePromptDoNotPrompt) {
             CFDictionaryCreate(kCFAllocatorDefault, keys, values, 1, &kCFTypeDictionaryKeyCallBacks,
                                &kCFTypeDictionaryValueCallBacks);
         AXIsProcessTrustedWithOptions(options);
-        EXPECT_FALSE(desktop.Requests().back().flag);
+        EXPECT_FALSE(desktop.Exchanges().back().request.flag);
     }
 }
 
 TEST(Trust, DesktopThatCannotTellTrustsNobody) {
-    ScriptedTransport desktop([](const Request&) {
+    ScriptedDesktop desktop([](const Request&) {
         Reply reply;
         reply.error = kAXErrorFailure;
         reply.flag = true;
@@ -452,7 +452,7 @@ TEST(Trust, PromptKeyIsTheSystemsText) {
 // --- ownership ---
 
 TEST(ElementCallsOwnership, EveryCallLeavesNoObjectBehind) {
-    ScriptedTransport desktop([](const Request& request) {
+    ScriptedDesktop desktop([](const Request& request) {
         if (request.operation == Operation::copyAttributes) {
             return Answer({Text("AXGroup"), Value{Array{Value{ElementReference{501, 13}}}},
                            Value{ErrorValue{kAXErrorNoValue}}, Text("_NS:9")});

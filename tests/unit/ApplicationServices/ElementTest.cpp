@@ -6,7 +6,7 @@
 #include "platform/ApplicationServices/Element.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/OwnedObject.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/support/ScriptedDesktop.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ using application_services::ReferenceOf;
 using application_services::TimeoutOf;
 using desktop_link::Reply;
 using desktop_link::Request;
-using test_support::ScriptedTransport;
+using test_support::ScriptedDesktop;
 using OwnedElement = test_support::OwnedObject<AXUIElementRef>;
 
 // Puts the process's time-out back.
@@ -32,13 +32,13 @@ std::optional<Reply> Succeed(const Request&) {
 }
 
 TEST(Element, OfAnApplicationIsMadeForAnyProcessIdWithoutContact) {
-    ScriptedTransport desktop(Succeed);
+    ScriptedDesktop desktop(Succeed);
     for (const pid_t pid : {501, 0, -1}) {
         const OwnedElement element = AXUIElementCreateApplication(pid);
         ASSERT_NE(element.get(), nullptr);
         EXPECT_EQ(ReferenceOf(element).pid, pid);
     }
-    EXPECT_TRUE(desktop.Requests().empty());
+    EXPECT_TRUE(desktop.Exchanges().empty());
 }
 
 TEST(Element, ObjectsOfOneControlAreEqualAndHashAlike) {
@@ -76,7 +76,7 @@ TEST(Element, IsATypeOfItsOwn) {
 }
 
 TEST(Element, TellsItsProcessWithoutAskingIt) {
-    ScriptedTransport desktop(Succeed);
+    ScriptedDesktop desktop(Succeed);
     const OwnedElement element = CreateElement({777, 12});
     const OwnedElement application = AXUIElementCreateApplication(-1);
     pid_t process = 0;
@@ -87,19 +87,20 @@ TEST(Element, TellsItsProcessWithoutAskingIt) {
     EXPECT_EQ(AXUIElementGetPid(element, nullptr), kAXErrorIllegalArgument);
     EXPECT_EQ(AXUIElementGetPid(nullptr, &process), kAXErrorIllegalArgument);
     EXPECT_EQ(process, -1) << "a failure writes nothing";
-    EXPECT_TRUE(desktop.Requests().empty());
+    EXPECT_TRUE(desktop.Exchanges().empty());
 }
 
 TEST_F(ElementTimeout, IsTheSessionsUntilSet) {
-    ScriptedTransport desktop(Succeed, {std::nullopt, 0.75});
+    ScriptedDesktop desktop(R"({"messagingTimeout": 0.75})");
+    desktop.Restart();
     const OwnedElement element = AXUIElementCreateApplication(501);
     EXPECT_EQ(TimeoutOf(element), 0.75);
     AXUIElementPerformAction(element, kAXPressAction);
-    EXPECT_EQ(desktop.LastTimeout(), 0.75);
+    EXPECT_EQ(desktop.Exchanges().back().timeout, 0.75);
 }
 
 TEST_F(ElementTimeout, SetOnAnElementHoldsForThatVeryObjectOnly) {
-    ScriptedTransport desktop(Succeed);
+    ScriptedDesktop desktop(Succeed);
     const OwnedElement element = CreateElement({501, 3});
     const OwnedElement equal = CreateElement({501, 3});
     EXPECT_EQ(AXUIElementSetMessagingTimeout(element, 0.5F), kAXErrorSuccess);
@@ -110,7 +111,7 @@ TEST_F(ElementTimeout, SetOnAnElementHoldsForThatVeryObjectOnly) {
 }
 
 TEST_F(ElementTimeout, SetOnTheSystemWideElementHoldsForAllThatHaveNoneOfTheirOwn) {
-    ScriptedTransport desktop(Succeed);
+    ScriptedDesktop desktop(Succeed);
     const OwnedElement system = AXUIElementCreateSystemWide();
     const OwnedElement element = CreateElement({501, 3});
     const OwnedElement own = CreateElement({501, 3});
@@ -123,7 +124,7 @@ TEST_F(ElementTimeout, SetOnTheSystemWideElementHoldsForAllThatHaveNoneOfTheirOw
 }
 
 TEST_F(ElementTimeout, BelowZeroOrNoNumberIsAnIllegalArgument) {
-    ScriptedTransport desktop(Succeed);
+    ScriptedDesktop desktop(Succeed);
     const OwnedElement element = AXUIElementCreateApplication(501);
     EXPECT_EQ(AXUIElementSetMessagingTimeout(element, -1), kAXErrorIllegalArgument);
     EXPECT_EQ(AXUIElementSetMessagingTimeout(element, std::nanf("")), kAXErrorIllegalArgument);
@@ -132,13 +133,13 @@ TEST_F(ElementTimeout, BelowZeroOrNoNumberIsAnIllegalArgument) {
 }
 
 TEST(SystemWideElement, HasNeitherAttributesNorActions) {
-    ScriptedTransport desktop(Succeed);
+    ScriptedDesktop desktop(Succeed);
     const OwnedElement system = AXUIElementCreateSystemWide();
     CFTypeRef value = nullptr;
     EXPECT_EQ(AXUIElementCopyAttributeValue(system, kAXRoleAttribute, &value),
               kAXErrorAttributeUnsupported);
     EXPECT_EQ(AXUIElementPerformAction(system, kAXPressAction), kAXErrorActionUnsupported);
-    EXPECT_TRUE(desktop.Requests().empty());
+    EXPECT_TRUE(desktop.Exchanges().empty());
     EXPECT_EQ(value, nullptr);
 }
 

@@ -4,7 +4,7 @@
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Variants/EventFaults.h"
 #include "tests/support/OwnedObject.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 
 namespace {
@@ -12,34 +12,26 @@ namespace {
 using desktop_link::Event;
 using desktop_link::Operation;
 using desktop_link::Point;
-using desktop_link::Reply;
-using desktop_link::Request;
-using desktop_link::Value;
 using platform_testing::EventCreation;
 using platform_testing::FailEventCreation;
-using test_support::ScriptedTransport;
+using test_support::ScriptedDesktop;
 using OwnedEvent = test_support::OwnedObject<CGEventRef>;
 using OwnedSource = test_support::OwnedObject<CGEventSourceRef>;
 
 class QuartzEvents : public testing::Test {
   protected:
+    QuartzEvents() { desktop_.Restart(); }
     ~QuartzEvents() override { platform_testing::ForgetEventFaults(); }
 
     Event Posted(CGEventRef event, CGEventTapLocation tap = kCGHIDEventTap) {
-        const std::size_t before = desktop_.Requests().size();
+        const std::size_t before = desktop_.Exchanges().size();
         CGEventPost(tap, event);
-        EXPECT_EQ(desktop_.Requests().size(), before + 1) << "posting is one exchange";
-        EXPECT_EQ(desktop_.Requests().back().operation, Operation::postEvent);
-        return desktop_.Requests().back().event;
+        EXPECT_EQ(desktop_.Exchanges().size(), before + 1) << "posting is one exchange";
+        EXPECT_EQ(desktop_.Exchanges().back().request.operation, Operation::postEvent);
+        return desktop_.Exchanges().back().request.event;
     }
 
-    ScriptedTransport desktop_{[](const Request& request) {
-        Reply reply;
-        if (request.operation == Operation::pointerLocation) {
-            reply.values = {Value{Point{100, 200}}};
-        }
-        return reply;
-    }};
+    ScriptedDesktop desktop_{R"({"pointer": [100, 200]})"};
 };
 
 TEST_F(QuartzEvents, AreMadeWithoutAnyExchange) {
@@ -55,7 +47,7 @@ TEST_F(QuartzEvents, AreMadeWithoutAnyExchange) {
     }
     ASSERT_NE(source.get(), nullptr);
     EXPECT_EQ(CFGetTypeID(source.get()), CGEventSourceGetTypeID());
-    EXPECT_TRUE(desktop_.Requests().empty());
+    EXPECT_TRUE(desktop_.Exchanges().empty());
 }
 
 TEST_F(QuartzEvents, KeyboardEventCarriesKeyCodeDirectionAndSource) {
@@ -147,7 +139,7 @@ TEST_F(QuartzEvents, EmptyEventIsWhereThePointerIs) {
     EXPECT_EQ(CGEventGetType(event), kCGEventNull);
     EXPECT_EQ(CGEventGetLocation(event).x, 100);
     EXPECT_EQ(CGEventGetLocation(event).y, 200);
-    EXPECT_EQ(desktop_.Requests().size(), 1u) << "asked once";
+    EXPECT_EQ(desktop_.Exchanges().size(), 1u) << "asked once";
 }
 
 TEST_F(QuartzEvents, NullEventIsIgnoredEverywhere) {
@@ -157,7 +149,7 @@ TEST_F(QuartzEvents, NullEventIsIgnoredEverywhere) {
     EXPECT_EQ(CGEventGetType(nullptr), kCGEventNull);
     EXPECT_EQ(CGEventGetLocation(nullptr).x, 0);
     EXPECT_EQ(CGEventGetIntegerValueField(nullptr, kCGKeyboardEventKeycode), 0);
-    EXPECT_TRUE(desktop_.Requests().empty());
+    EXPECT_TRUE(desktop_.Exchanges().empty());
 }
 
 TEST_F(QuartzEvents, PostingDoesNotConsumeTheEvent) {

@@ -3,10 +3,10 @@
 #include <CoreMIDI/CoreMIDI.h>
 #include <gtest/gtest.h>
 
-#include "desktop/InProcessTransport.h"
 #include "platform/ApplicationServices/Element.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/OwnedObject.h"
+#include "tests/support/ScriptedDesktop.h"
 
 namespace {
 
@@ -34,11 +34,6 @@ constexpr char kScene[] = R"({
 
 class WithDesktop : public testing::Test {
   protected:
-    WithDesktop() {
-        desktop_link::SetTransport(std::make_unique<desktop::InProcessTransport>(desktop_));
-    }
-    ~WithDesktop() override { desktop_link::SetTransport(nullptr); }
-
     static AXError Copy(AXUIElementRef element, CFStringRef attribute, Owned& value) {
         return AXUIElementCopyAttributeValue(element, attribute, value.Out());
     }
@@ -66,7 +61,7 @@ class WithDesktop : public testing::Test {
         return number;
     }
 
-    desktop::Desktop desktop_{kScene};
+    test_support::ScriptedDesktop desktop_{kScene};
 };
 
 TEST_F(WithDesktop, TreeIsReadDownFromTheApplicationAndUpAgain) {
@@ -158,7 +153,7 @@ TEST_F(WithDesktop, UntrustedProcessIsToldThatTheInterfaceIsDisabled) {
     EXPECT_EQ(Copy(box, kAXValueAttribute, value), kAXErrorAPIDisabled);
     const OwnedEvent event = CGEventCreateKeyboardEvent(nullptr, 1, true);
     CGEventPost(kCGHIDEventTap, event);
-    EXPECT_TRUE(desktop_.Events().empty()) << "events of an untrusted process are dropped";
+    EXPECT_TRUE(desktop_->Events().empty()) << "events of an untrusted process are dropped";
 }
 
 TEST_F(WithDesktop, EventsReachTheTapInOrderAndMoveThePointer) {
@@ -168,9 +163,9 @@ TEST_F(WithDesktop, EventsReachTheTapInOrderAndMoveThePointer) {
     CGEventSetFlags(key, kCGEventFlagMaskCommand);
     CGEventPost(kCGHIDEventTap, key);
     CGEventPost(kCGHIDEventTap, move);
-    ASSERT_EQ(desktop_.Events().size(), 2u);
-    EXPECT_EQ(desktop_.Events()[0].keyCode, 55);
-    EXPECT_EQ(desktop_.Events()[1].position, (desktop_link::Point{300, 400}));
+    ASSERT_EQ(desktop_->Events().size(), 2u);
+    EXPECT_EQ(desktop_->Events()[0].keyCode, 55);
+    EXPECT_EQ(desktop_->Events()[1].position, (desktop_link::Point{300, 400}));
     const OwnedEvent here = CGEventCreate(nullptr);
     EXPECT_EQ(CGEventGetLocation(here).x, 300);
     EXPECT_EQ(CGEventGetLocation(here).y, 400);

@@ -2,19 +2,18 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <string>
 
 #include "platform/Variants/MidiFaults.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 
 namespace {
 
 using desktop_link::Operation;
-using desktop_link::Reply;
-using desktop_link::Request;
 using platform_testing::FailMidiCreation;
 using platform_testing::MidiCreation;
-using test_support::ScriptedTransport;
+using test_support::ScriptedDesktop;
 
 void Ignore(const MIDIPacketList*, void*, void*) {}
 
@@ -35,16 +34,11 @@ class MidiClients : public testing::Test {
     MIDIClientRef client_ = 0;
 };
 
-// Every connection attempt gets this result.
-ScriptedTransport::Script Connecting(std::optional<OSStatus> status) {
-    return [status](const Request&) -> std::optional<Reply> {
-        if (!status) {
-            return std::nullopt;
-        }
-        Reply reply;
-        reply.error = *status;
-        return reply;
-    };
+// A source with the id 3, which refuses connections with this error unless it is 0.
+std::string BusWithSource(OSStatus connectError) {
+    return R"({"midi": {"devices": [{"id": 1, "name": "KRT-9 USB", "entities": [{"id": 2,
+        "name": "Private", "sources": [{"id": 3, "name": "in", "connectError": )" +
+           std::to_string(connectError) + "}]}]}]}}";
 }
 
 TEST_F(MidiClients, ReferencesOfClientsAndPortsAreUniqueAndNeverZero) {
@@ -78,7 +72,8 @@ TEST_F(MidiClients, NullArgumentsAreRefused) {
 }
 
 TEST_F(MidiClients, PortsGoWithTheirClient) {
-    ScriptedTransport desktop(Connecting(0));
+    ScriptedDesktop desktop(BusWithSource(0));
+    desktop.Restart();
     const MIDIPortRef port = InputPort();
     EXPECT_EQ(MIDIPortConnectSource(port, 3, nullptr), 0);
     EXPECT_EQ(MIDIClientDispose(client_), 0);
@@ -87,20 +82,23 @@ TEST_F(MidiClients, PortsGoWithTheirClient) {
 }
 
 TEST_F(MidiClients, ConnectingTellsTheDesktopWhichSource) {
-    ScriptedTransport desktop(Connecting(0));
+    ScriptedDesktop desktop(BusWithSource(0));
+    desktop.Restart();
     EXPECT_EQ(MIDIPortConnectSource(InputPort(), 3, nullptr), 0);
-    ASSERT_EQ(desktop.Requests().size(), 1u);
-    EXPECT_EQ(desktop.Requests()[0].operation, Operation::midiConnectSource);
-    EXPECT_EQ(desktop.Requests()[0].number, 3);
+    ASSERT_EQ(desktop.Exchanges().size(), 1u);
+    EXPECT_EQ(desktop.Exchanges()[0].request.operation, Operation::midiConnectSource);
+    EXPECT_EQ(desktop.Exchanges()[0].request.number, 3);
 }
 
 TEST_F(MidiClients, ConnectingAnswersTheDesktopsError) {
-    ScriptedTransport desktop(Connecting(kMIDIUnknownEndpoint));
+    const ScriptedDesktop desktop(BusWithSource(kMIDIServerStartErr));
+    EXPECT_EQ(MIDIPortConnectSource(InputPort(), 3, nullptr), kMIDIServerStartErr);
     EXPECT_EQ(MIDIPortConnectSource(InputPort(), 99, nullptr), kMIDIUnknownEndpoint);
 }
 
 TEST_F(MidiClients, ConnectingThatIsNotAnsweredInTimeFails) {
-    ScriptedTransport desktop(Connecting(std::nullopt));
+    ScriptedDesktop desktop(BusWithSource(0));
+    desktop.onReply = [](std::size_t, auto& exchange) { exchange.reply.reset(); };
     EXPECT_EQ(MIDIPortConnectSource(InputPort(), 3, nullptr), kMIDIMessageSendErr);
 }
 
@@ -112,12 +110,13 @@ TEST_F(MidiClients, ConnectingWithoutADesktopFindsNoSuchEndpoint) {
 }
 
 TEST_F(MidiClients, OnlyAnInputPortCanBeConnected) {
-    ScriptedTransport desktop(Connecting(0));
+    ScriptedDesktop desktop(BusWithSource(0));
+    desktop.Restart();
     MIDIPortRef output = 0;
     MIDIOutputPortCreate(client_, CFSTR("Output"), &output);
     EXPECT_EQ(MIDIPortConnectSource(output, 3, nullptr), kMIDIInvalidPort);
     EXPECT_EQ(MIDIPortConnectSource(0, 3, nullptr), kMIDIInvalidPort);
-    EXPECT_TRUE(desktop.Requests().empty());
+    EXPECT_TRUE(desktop.Exchanges().empty());
 }
 
 TEST_F(MidiClients, NthCreationOfAKindCanBeMadeToFail) {

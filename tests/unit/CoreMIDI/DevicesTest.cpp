@@ -1,18 +1,18 @@
 #include <CoreMIDI/CoreMIDI.h>
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Variants/Variants.h"
 #include "tests/support/OwnedObject.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 
 namespace {
 
 using desktop_link::Operation;
-using desktop_link::Reply;
-using desktop_link::Request;
-using test_support::ScriptedTransport;
+using test_support::ScriptedDesktop;
 using OwnedString = test_support::OwnedObject<CFStringRef>;
 
 // Two devices; the second has an entity with two sources and no destination, and a name that cannot
@@ -26,14 +26,23 @@ constexpr char kBus[] = R"({"devices": [
         {"id": 7, "name": "Port", "sources": [{"id": 8, "name": "a"}, {"id": 9, "name": "b"}],
          "destinations": []}]}]})";
 
-ScriptedTransport::Script Bus(std::string json) {
-    return [json = std::move(json)](const Request& request) {
-        EXPECT_EQ(request.operation, Operation::midiDevices);
-        Reply reply;
-        reply.text = json;
-        return reply;
-    };
+std::string SceneWithBus() {
+    return std::string(R"({"midi": )") + kBus + "}";
 }
+
+// A desktop that describes its bus in these words.
+class OddBus {
+  public:
+    explicit OddBus(const std::string& description) {
+        desktop_.onReply = [description](std::size_t, auto& exchange) {
+            EXPECT_EQ(exchange.request.operation, Operation::midiDevices);
+            exchange.reply->text = description;
+        };
+    }
+
+  private:
+    ScriptedDesktop desktop_;
+};
 
 std::string NameOf(MIDIObjectRef object) {
     OwnedString name;
@@ -46,7 +55,7 @@ std::string NameOf(MIDIObjectRef object) {
 }
 
 TEST(MidiDevices, AreEnumeratedInOrderDownToTheirEndpoints) {
-    ScriptedTransport desktop(Bus(kBus));
+    const ScriptedDesktop desktop(SceneWithBus());
     ASSERT_EQ(MIDIGetNumberOfDevices(), 2u);
     const MIDIDeviceRef device = MIDIGetDevice(0);
     ASSERT_EQ(MIDIDeviceGetNumberOfEntities(device), 2u);
@@ -61,17 +70,18 @@ TEST(MidiDevices, AreEnumeratedInOrderDownToTheirEndpoints) {
 }
 
 TEST(MidiDevices, EachCallIsOneExchange) {
-    ScriptedTransport desktop(Bus(kBus));
+    ScriptedDesktop desktop(SceneWithBus());
+    desktop.Restart();
     MIDIGetNumberOfDevices();
-    EXPECT_EQ(desktop.Requests().size(), 1u);
+    EXPECT_EQ(desktop.Exchanges().size(), 1u);
     MIDIEntityGetSource(2, 0);
-    EXPECT_EQ(desktop.Requests().size(), 2u);
+    EXPECT_EQ(desktop.Exchanges().size(), 2u);
     NameOf(4);
-    EXPECT_EQ(desktop.Requests().size(), 3u);
+    EXPECT_EQ(desktop.Exchanges().size(), 3u);
 }
 
 TEST(MidiDevices, CountsAndReferencesOfWhatIsNotThereAreZero) {
-    ScriptedTransport desktop(Bus(kBus));
+    const ScriptedDesktop desktop(SceneWithBus());
     EXPECT_EQ(MIDIGetDevice(2), 0u);
     EXPECT_EQ(MIDIGetDevice(~ItemCount{0}), 0u);
     EXPECT_EQ(MIDIDeviceGetNumberOfEntities(0), 0u);
@@ -97,7 +107,7 @@ TEST(MidiDevices, WithoutADesktopThereAreNone) {
 }
 
 TEST(MidiDevices, FailedReadOfAPropertySaysWhyAndWritesNothing) {
-    ScriptedTransport desktop(Bus(kBus));
+    const ScriptedDesktop desktop(SceneWithBus());
     CFStringRef name = nullptr;
     EXPECT_EQ(MIDIObjectGetStringProperty(6, kMIDIPropertyName, &name), -10841)
         << "the name that cannot be read";
@@ -113,13 +123,13 @@ TEST(MidiDevices, DescriptionThatMakesNoSenseIsAnEmptyBus) {
     for (const char* json : {"", "[]", "null", "{", "{\"devices\": 5}", "{\"devices\": [1, null]}",
                              "{\"devices\": [{}, {\"id\": 0}, {\"id\": -3}, {\"id\": \"1\"}]}",
                              "{\"devices\": [{\"id\": 99999999999}]}", "\xFF\xFE"}) {
-        ScriptedTransport desktop(Bus(json));
+        const OddBus desktop(json);
         EXPECT_EQ(MIDIGetNumberOfDevices(), 0u) << json;
     }
 }
 
 TEST(MidiDevices, DeviceWithoutNameOrEntitiesHasNone) {
-    ScriptedTransport desktop(Bus(R"({"devices": [{"id": 1, "name": 7, "entities": {}}]})"));
+    const OddBus desktop(R"({"devices": [{"id": 1, "name": 7, "entities": {}}]})");
     EXPECT_EQ(MIDIGetNumberOfDevices(), 1u);
     EXPECT_EQ(MIDIDeviceGetNumberOfEntities(1), 0u);
     CFStringRef name = nullptr;
@@ -127,8 +137,8 @@ TEST(MidiDevices, DeviceWithoutNameOrEntitiesHasNone) {
 }
 
 TEST(MidiDevices, NameThatIsNeitherTextNorErrorIsUnknown) {
-    ScriptedTransport desktop(Bus(R"({"devices": [{"id": 1}, {"id": 2, "name": {"code": 1}},
-        {"id": 3, "name": {"error": "much"}}, {"id": 4, "name": {"error": -1}}]})"));
+    const OddBus desktop(R"({"devices": [{"id": 1}, {"id": 2, "name": {"code": 1}},
+        {"id": 3, "name": {"error": "much"}}, {"id": 4, "name": {"error": -1}}]})");
     ASSERT_EQ(MIDIGetNumberOfDevices(), 4u);
     CFStringRef name = nullptr;
     for (const MIDIObjectRef device : {1u, 2u, 3u}) {
@@ -141,9 +151,9 @@ TEST(MidiDevices, NameThatIsNeitherTextNorErrorIsUnknown) {
 }
 
 TEST(MidiDevices, EntitiesAndEndpointsThatMakeNoSenseAreLeftOut) {
-    ScriptedTransport desktop(Bus(R"({"devices": [{"id": 1, "entities": [{}, {"id": "x"}, 7,
+    const OddBus desktop(R"({"devices": [{"id": 1, "entities": [{}, {"id": "x"}, 7,
         {"id": 2}, {"id": 3, "sources": [{"id": 0}, {"id": 4}], "destinations": "none"}]},
-        {"id": 5}]})"));
+        {"id": 5}]})");
     EXPECT_EQ(MIDIDeviceGetNumberOfEntities(1), 2u);
     EXPECT_EQ(MIDIDeviceGetEntity(1, 0), 2u);
     EXPECT_EQ(MIDIEntityGetSource(2, 0), 0u);
@@ -153,18 +163,14 @@ TEST(MidiDevices, EntitiesAndEndpointsThatMakeNoSenseAreLeftOut) {
 }
 
 TEST(MidiDevices, DesktopThatCannotTellHasNone) {
-    ScriptedTransport desktop([](const Request&) {
-        Reply reply;
-        reply.error = -50;
-        reply.text = kBus;
-        return reply;
-    });
+    ScriptedDesktop desktop(SceneWithBus());
+    desktop.onReply = [](std::size_t, auto& exchange) { exchange.reply->error = -50; };
     EXPECT_EQ(MIDIGetNumberOfDevices(), 0u);
 }
 
 TEST(MidiDevices, OfflineOnesAreListedFirstUnderThatVariant) {
     const platform_testing::UnderVariant offline(platform_testing::Variant::offlineDevices);
-    ScriptedTransport desktop(Bus(kBus));
+    const ScriptedDesktop desktop(SceneWithBus());
     ASSERT_EQ(MIDIGetNumberOfDevices(), 3u);
     EXPECT_EQ(NameOf(MIDIGetDevice(0)), "KRT-9 USB (offline)");
     EXPECT_EQ(NameOf(MIDIDeviceGetEntity(MIDIGetDevice(0), 0)), "Private");
@@ -172,7 +178,7 @@ TEST(MidiDevices, OfflineOnesAreListedFirstUnderThatVariant) {
 }
 
 TEST(MidiDevices, LeaveNoObjectBehind) {
-    ScriptedTransport desktop(Bus(kBus));
+    const ScriptedDesktop desktop(SceneWithBus());
     EXPECT_EQ(platform_testing::LeftOverBy([] {
                   MIDIGetDevice(0);
                   NameOf(1);

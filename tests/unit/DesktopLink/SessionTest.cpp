@@ -6,7 +6,7 @@
 #include "platform/DesktopLink/Session.h"
 #include "platform/DesktopLink/Transport.h"
 #include "platform/Variants/Variants.h"
-#include "tests/support/ScriptedTransport.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/DesktopLink/FakeDesktop.h"
 
@@ -16,6 +16,9 @@ namespace {
 Application Editor() {
     return {501, "com.example.editor", std::nullopt, "Editor"};
 }
+
+constexpr char kEditorInFront[] = R"({"front": "com.example.editor", "messagingTimeout": 0.25,
+    "applications": [{"bundleID": "com.example.editor", "name": "Editor", "pid": 501}]})";
 
 Request Ask() {
     Request request;
@@ -86,7 +89,7 @@ void CountChange(const std::optional<Application>&) {
 }
 
 TEST_F(SessionTest, ObserverThatComesAfterTheFirstUseIsToldOfEachChange) {
-    test_support::ScriptedTransport desktop([](const Request&) { return Reply{}; }, {Editor(), 6});
+    test_support::ScriptedDesktop desktop(kEditorInFront);
     EXPECT_EQ(FrontApplication(), Editor());
     const unsigned long revision = FrontApplicationRevision();
     changes = 0;
@@ -102,7 +105,7 @@ TEST_F(SessionTest, LateNotificationOfASessionThatWasForgottenIsDropped) {
     const platform_testing::UnderVariant late(platform_testing::Variant::lateActivation);
     changes = 0;
     {
-        test_support::ScriptedTransport desktop([](const Request&) { return Reply{}; });
+        test_support::ScriptedDesktop desktop;
         ObserveFrontApplication(CountChange);
         desktop.Deliver(Notification{Editor()});
         EXPECT_EQ(changes, 0) << "not before its time";
@@ -115,16 +118,9 @@ TEST_F(SessionTest, LateNotificationOfASessionThatWasForgottenIsDropped) {
     EXPECT_EQ(changes, 1);
 }
 
-// A transport that knows nothing of sessions.
-class Silent final : public Transport {
-  public:
-    std::optional<Reply> Exchange(const Request&, double) override { return Reply{}; }
-    bool Unreachable() const override { return false; }
-    void SetNotificationHandler(std::function<void(const Notification&)>) override {}
-};
-
 TEST_F(SessionTest, ReplyToHelloWithoutASessionTeachesNothing) {
-    SetTransport(std::make_unique<Silent>());
+    test_support::ScriptedDesktop desktop(kEditorInFront);
+    desktop.onHello = [](Reply& reply) { reply.session.reset(); };
     EXPECT_EQ(FrontApplication(), std::nullopt);
     EXPECT_EQ(MessagingTimeout(), 6.0);
 }

@@ -12,7 +12,8 @@
 #include "frontapplication/FrontApplication.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/Companion.h"
-#include "tests/support/InProcessDesktop.h"
+#include "tests/support/ScriptedDesktop.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/accessibility/DriverTest.h"
 
@@ -39,7 +40,7 @@ class EditorSession {
                                const std::string&) mutable {
             if (pending && element == trigger) {
                 pending = false;
-                Do(command);
+                Do(command);  // of which the process learns in the middle of its call
             }
         };
     }
@@ -60,7 +61,8 @@ class EditorSession {
 
   private:
     platform_testing::AutoreleasePool pool_;
-    test_support::InProcessDesktop desktop_;
+    test_support::SessionFixture session_;
+    test_support::ScriptedDesktop desktop_;
     test_support::Companion companion_;
     std::optional<test_support::TestDriver> driver_;
 };

@@ -20,7 +20,8 @@ class WithoutCompanion : public testing::Test {
 
     platform_testing::AutoreleasePool pool_;
     platform_testing::TestClock clock_;
-    test_support::InProcessDesktop desktop_{SceneWithController()};
+    test_support::SessionFixture session_;
+    test_support::ScriptedDesktop desktop_{SceneWithController()};
     LogCapture log_;
     test_support::TestDriver driver_;
 };

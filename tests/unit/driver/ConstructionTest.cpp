@@ -57,7 +57,8 @@ class Construction : public testing::Test {
 
     platform_testing::AutoreleasePool pool_;
     platform_testing::TestClock clock_;
-    test_support::InProcessDesktop desktop_{SceneWithController()};
+    test_support::SessionFixture session_;
+    test_support::ScriptedDesktop desktop_{SceneWithController()};
     LogCapture log_;
 };
 
@@ -131,7 +132,7 @@ TEST_F(Construction, SendsNothingByItself) {
 
 TEST_F(Construction, WithoutRunLoopSourceEndsBeforeMIDICompanionTrustAndTimer) {
     // No port can be made in a session that has no folder.
-    setenv("KRT9_SESSION_DIR", (desktop_.Session().Path() / "missing" / "folder").c_str(), 1);
+    setenv("KRT9_SESSION_DIR", (session_.Path() / "missing" / "folder").c_str(), 1);
     desktop_.Run(R"({"command": "trust", "trusted": false})");
     {
         DriverInGarbage driver;

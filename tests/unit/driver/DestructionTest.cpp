@@ -35,7 +35,8 @@ class Destruction : public testing::Test {
     ~Destruction() override { CVEK_UserSpaceDriver::sSelf = nullptr; }
 
     platform_testing::AutoreleasePool pool_;
-    test_support::InProcessDesktop desktop_{SceneWithController()};
+    test_support::SessionFixture session_;
+    test_support::ScriptedDesktop desktop_{SceneWithController()};
     test_support::Companion companion_;
     CVEK_UserSpaceDriver* driver_ = new DerivedDriver;
     test_support::OwnedObject<CFMutableStringRef> lastTimecode_ =
@@ -65,9 +66,9 @@ TEST_F(Destruction, StopsTheTimerAndNeitherInvalidatesNorReleasesIt) {
 }
 
 TEST_F(Destruction, FreesTheNameOfTheLocalPort) {
-    EXPECT_THAT(desktop_.Session().Files(), Contains(HasSubstr("KRT9Background")));
+    EXPECT_THAT(session_.Files(), Contains(HasSubstr("KRT9Background")));
     delete driver_;
-    EXPECT_THAT(desktop_.Session().Files(), Not(Contains(HasSubstr("KRT9Background"))));
+    EXPECT_THAT(session_.Files(), Not(Contains(HasSubstr("KRT9Background"))));
 }
 
 TEST_F(Destruction, TakesTheSourceOfTheLocalPortOutOfTheRunLoop) {

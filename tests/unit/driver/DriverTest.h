@@ -16,7 +16,8 @@
 #include "platform/Testing/TestClock.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
-#include "tests/support/InProcessDesktop.h"
+#include "tests/support/ScriptedDesktop.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/driver/LanguageTag.h"
 
@@ -42,7 +43,8 @@ class DriverTest : public testing::Test {
 
     platform_testing::AutoreleasePool pool_;
     platform_testing::TestClock clock_;
-    test_support::InProcessDesktop desktop_;
+    test_support::SessionFixture session_;
+    test_support::ScriptedDesktop desktop_;
     std::optional<test_support::Companion> companion_{std::in_place};
     test_support::TestDriver driver_;
 };

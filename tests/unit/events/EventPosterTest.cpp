@@ -6,10 +6,10 @@
 #include <climits>
 
 #include "events/VEK_EventPoster.h"
-#include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/LogCapture.h"
 #include "platform/Variants/EventFaults.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/unit/events/QuartzCalls.h"
 
 namespace {
@@ -21,34 +21,21 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// A desktop that does nothing but keep the events posted to it.
-class EventTap : public desktop_link::Transport {
-  public:
-    explicit EventTap(std::vector<Event>& events) : events_(events) {}
-
-    std::optional<desktop_link::Reply> Exchange(const desktop_link::Request& request,
-                                                double) override {
-        if (request.operation == desktop_link::Operation::postEvent) {
-            events_.push_back(request.event);
-        }
-        return desktop_link::Reply{};
-    }
-    bool Unreachable() const override { return false; }
-    void SetNotificationHandler(std::function<void(const desktop_link::Notification&)>) override {}
-
-  private:
-    std::vector<Event>& events_;
-};
-
 class EventPoster : public testing::Test {
   protected:
-    EventPoster() { desktop_link::SetTransport(std::make_unique<EventTap>(events)); }
-    ~EventPoster() override {
-        platform_testing::ForgetEventFaults();
-        desktop_link::SetTransport(nullptr);
+    EventPoster() {
+        desktop_.onRequest = [this](const desktop_link::Request& request) {
+            if (request.operation == desktop_link::Operation::postEvent) {
+                events.push_back(request.event);
+            }
+        };
     }
+    ~EventPoster() override { platform_testing::ForgetEventFaults(); }
 
-    std::vector<Event> events;
+    std::vector<Event> events;  // as they were posted
+
+  private:
+    test_support::ScriptedDesktop desktop_;
 };
 
 MATCHER_P3(IsKey, type, keyCode, flags, "") {

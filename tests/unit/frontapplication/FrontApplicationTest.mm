@@ -11,8 +11,9 @@
 #include "platform/Testing/LiveObjects.h"
 #include "platform/Testing/TestClock.h"
 #include "platform/Variants/Variants.h"
-#include "tests/support/InProcessDesktop.h"
 #include "tests/support/LateActivation.h"
+#include "tests/support/ScriptedDesktop.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/support/TemporaryFolder.h"
 
 // An application that a test makes up.
@@ -134,7 +135,8 @@ class FrontApplication : public testing::Test {
     }
 
     platform_testing::AutoreleasePool pool;
-    test_support::InProcessDesktop desktop{kScene};
+    test_support::SessionFixture session;
+    test_support::ScriptedDesktop desktop{kScene};
     VEK_Driver_FrontAppObserver* observer;
 };
 
@@ -421,7 +423,7 @@ TEST_F(FrontApplication, BundleIDFunctionWithNilIdentifierDoesNotWriteItsArgumen
 }
 
 TEST_F(FrontApplication, NothingInFrontAtTheStartLeavesProcessZero) {
-    test_support::InProcessDesktop empty(R"({"front": null, "applications": []})");
+    test_support::ScriptedDesktop empty(R"({"front": null, "applications": []})");
     CFWorkspace_StartObservingFrontApplication();
     EXPECT_EQ(CFWorkspace_CurrentFrontApplicationPID(), 0);
     EXPECT_TRUE(observer.frontAppChanged);

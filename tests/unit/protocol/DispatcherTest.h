@@ -13,7 +13,8 @@
 #include "platform/Testing/LogCapture.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/HomeFolder.h"
-#include "tests/support/InProcessDesktop.h"
+#include "tests/support/ScriptedDesktop.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 #include "tests/unit/protocol/Bytes.h"
 
@@ -40,8 +41,9 @@ class DispatcherTest : public testing::Test {
     CVEK_UserSpaceDriver& Driver() { return *driver_; }
 
     platform_testing::AutoreleasePool pool_;
+    test_support::SessionFixture session_;
     test_support::HomeFolder home_;
-    test_support::InProcessDesktop desktop_;
+    test_support::ScriptedDesktop desktop_;
     platform_testing::LogCapture log_;
 
   private:

@@ -7,7 +7,6 @@
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/LongForm.h"
-#include "tests/support/ScriptedTransport.h"
 #include "tests/unit/protocol/DispatcherTest.h"
 
 namespace {
@@ -70,11 +69,11 @@ TEST_F(Ownership, SelectingARadioButtonDeliberatelyKeepsTheGroupAndItsChildren) 
 }
 
 TEST_F(Ownership, ExceptionThatPassesThroughARequestFreesItsBody) {
-    const test_support::ScriptedTransport desktop(
-        [](const auto&) -> std::optional<desktop_link::Reply> {
-            throw std::runtime_error("adversary");
-        });
+    desktop_.replyInstead = [](const auto&) -> std::optional<desktop_link::Reply> {
+        throw std::runtime_error("adversary");
+    };
     EXPECT_THROW(Ask(kJGlM, Bytes(1000, 0xFF)), std::runtime_error);
+    desktop_.replyInstead = nullptr;
 }
 
 TEST_F(Ownership, DriverWorksOnAfterAnExceptionPassedThroughARequest) {

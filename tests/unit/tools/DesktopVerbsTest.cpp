@@ -2,13 +2,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/InProcessDesktop.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/unit/tools/Carried.h"
 
 namespace krt9ctl {
 namespace {
 
-using test_support::InProcessDesktop;
+using test_support::ScriptedDesktop;
 using testing::HasSubstr;
 
 constexpr char kScene[] = R"({"front": "com.apple.FinalCut", "applications": [
@@ -27,15 +27,15 @@ constexpr char kScene[] = R"({"front": "com.apple.FinalCut", "applications": [
     "script": [{"command": "activate", "application": "org.example.Notes"},
                {"command": "pointer", "position": [7, 8]}]})";
 
-Json Asked(InProcessDesktop& session, const char* command) {
+Json Asked(ScriptedDesktop& session, const char* command) {
     return Json::parse(session->Run(command));
 }
 
-Json State(InProcessDesktop& session) {
+Json State(ScriptedDesktop& session) {
     return Asked(session, R"({"command": "state"})");
 }
 
-Json Attributes(InProcessDesktop& session, const std::string& element) {
+Json Attributes(ScriptedDesktop& session, const std::string& element) {
     const Json answer =
         Asked(session, OneLine({{"command", "element"}, {"element", element}}).c_str());
     return answer.value("attributes", Json::object());
@@ -48,7 +48,7 @@ void Done(std::vector<std::string> words) {
 }
 
 TEST(DesktopVerbs, ActivateBringsAnApplicationOrNothingToTheFront) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"activate", "org.example.Notes"});
     EXPECT_EQ(State(session)["front"], "org.example.Notes");
     Done({"activate"});
@@ -56,7 +56,7 @@ TEST(DesktopVerbs, ActivateBringsAnApplicationOrNothingToTheFront) {
 }
 
 TEST(DesktopVerbs, LaunchAndQuitChangeTheApplications) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"launch", R"({"bundleID": "a.b", "pid": 9})"});
     EXPECT_EQ(State(session)["front"], "a.b");
     Done({"launch", R"({"bundleID": "c.d"})", "--behind"});
@@ -67,7 +67,7 @@ TEST(DesktopVerbs, LaunchAndQuitChangeTheApplications) {
 }
 
 TEST(DesktopVerbs, KillAndHangShowInTheState) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"hang", "com.apple.FinalCut"});
     EXPECT_EQ(State(session)["applications"][0]["hung"], true);
     Done({"unhang", "com.apple.FinalCut"});
@@ -79,7 +79,7 @@ TEST(DesktopVerbs, KillAndHangShowInTheState) {
 }
 
 TEST(DesktopVerbs, TrustIsGivenAndRevoked) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"trust", "--revoke"});
     EXPECT_EQ(State(session)["trusted"], false);
     Done({"trust"});
@@ -87,7 +87,7 @@ TEST(DesktopVerbs, TrustIsGivenAndRevoked) {
 }
 
 TEST(DesktopVerbs, SetTakesJsonAndPlainText) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"set", "_NS:159", "AXValue", "1"});
     EXPECT_EQ(Attributes(session, "_NS:159")["AXValue"], 1);
     Done({"set", "_NS:159", "AXValue", "two words"});
@@ -98,7 +98,7 @@ TEST(DesktopVerbs, SetTakesJsonAndPlainText) {
 }
 
 TEST(DesktopVerbs, PressFlipsACheckBox) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"press", "_NS:159"});
     EXPECT_EQ(Attributes(session, "_NS:159")["AXValue"], 1);
     Done({"press", "_NS:159", "--application", "com.apple.FinalCut", "--action", "AXPress"});
@@ -106,7 +106,7 @@ TEST(DesktopVerbs, PressFlipsACheckBox) {
 }
 
 TEST(DesktopVerbs, ElementsAreNumbersIdentifiersOrPaths) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     for (const char* element : {"159", "0x9f", "_NS:159", "/0/0"}) {
         EXPECT_THAT(Carried({"desktop", "element", element}).out, HasSubstr("AXCheckBox"))
             << element;
@@ -114,7 +114,7 @@ TEST(DesktopVerbs, ElementsAreNumbersIdentifiersOrPaths) {
 }
 
 TEST(DesktopVerbs, SelectClipGoesByNameByRowAndToNone) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"select-clip", "Clip 2"});
     EXPECT_EQ(Attributes(session, "_NS:100")["AXValue"], "Clip 2");
     Done({"select-clip", "--row", "0"});
@@ -126,7 +126,7 @@ TEST(DesktopVerbs, SelectClipGoesByNameByRowAndToNone) {
 }
 
 TEST(DesktopVerbs, PlayheadGoesToATimecodeAndByFrames) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"playhead", "01:00:00:24"});
     EXPECT_EQ(Attributes(session, "_NS:9")["AXValueDescription"], "01:00:00:24");
     Done({"playhead", "--frames", "1"});
@@ -137,7 +137,7 @@ TEST(DesktopVerbs, PlayheadGoesToATimecodeAndByFrames) {
 }
 
 TEST(DesktopVerbs, PlugAndUnplugShowInTheLog) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"plug", R"({"name": "KRT-9 USB"})"});
     Done({"unplug", "KRT-9 USB"});
     const Outcome log = Carried({"desktop", "log"});
@@ -146,7 +146,7 @@ TEST(DesktopVerbs, PlugAndUnplugShowInTheLog) {
 }
 
 TEST(DesktopVerbs, LogIsOneEntryALineForPeopleAndOneObjectForPrograms) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"press", "_NS:159"});
     Done({"plug", R"({"name": "a"})"});
     Done({"unplug", "a"});
@@ -162,7 +162,7 @@ TEST(DesktopVerbs, LogIsOneEntryALineForPeopleAndOneObjectForPrograms) {
 }
 
 TEST(DesktopVerbs, StepAndPlayRunTheScenesScript) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"step"});
     EXPECT_EQ(State(session)["front"], "org.example.Notes");
     Done({"play"});
@@ -171,7 +171,7 @@ TEST(DesktopVerbs, StepAndPlayRunTheScenesScript) {
 }
 
 TEST(DesktopVerbs, PointerAdvanceElementAndRawReachTheDesktop) {
-    InProcessDesktop session(kScene);
+    ScriptedDesktop session(kScene);
     Done({"pointer", "-3,4"});
     EXPECT_EQ(State(session)["pointer"], Json::array({-3, 4}));
     Done({"advance", "0.5"});
@@ -183,7 +183,7 @@ TEST(DesktopVerbs, PointerAdvanceElementAndRawReachTheDesktop) {
 }
 
 TEST(DesktopVerbs, ARefusalIsAnExitCodeOfItsOwnAndTheDesktopsReason) {
-    const InProcessDesktop session(kScene);
+    const ScriptedDesktop session(kScene);
     const Outcome outcome = Carried({"desktop", "quit", "no.such"});
     EXPECT_EQ(outcome.code, ExitCode::refused);
     EXPECT_THAT(outcome.err, HasSubstr("no application"));
@@ -199,17 +199,9 @@ TEST(DesktopVerbs, JsonThatIsNoneOrTooDeepIsAUsageError) {
 }
 
 TEST(DesktopVerbs, WithoutADesktopTheyHaveAnExitCodeOfTheirOwn) {
-    class Nowhere : public desktop_link::Transport {
-        std::optional<desktop_link::Reply> Exchange(const desktop_link::Request&, double) override {
-            return std::nullopt;
-        }
-        bool Unreachable() const override { return true; }
-        void SetNotificationHandler(
-            std::function<void(const desktop_link::Notification&)>) override {}
-    };
-    desktop_link::SetTransport(std::make_unique<Nowhere>());
+    ScriptedDesktop desktop;
+    desktop.reachable = false;
     const Outcome outcome = Carried({"desktop", "state"});
-    desktop_link::SetTransport(nullptr);
     EXPECT_EQ(outcome.code, ExitCode::noDesktop);
     EXPECT_THAT(outcome.err, HasSubstr("start one with krt9-desktop"));
 }

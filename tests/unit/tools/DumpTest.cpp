@@ -2,18 +2,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/InProcessDesktop.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/unit/tools/Carried.h"
 
 namespace krt9ctl {
 namespace {
 
-using test_support::InProcessDesktop;
+using test_support::ScriptedDesktop;
 using testing::HasSubstr;
 using testing::Not;
 
 std::string DumpOf(const std::string& scene, std::vector<std::string> words = {"dump"}) {
-    const InProcessDesktop session(scene);
+    const ScriptedDesktop session(scene);
     const Outcome outcome = Carried(std::move(words));
     EXPECT_EQ(outcome.code, ExitCode::ok) << outcome.err;
     return outcome.out;
@@ -157,7 +157,7 @@ TEST(Dump, OfDeepValuesThatHoldAnElementLoadsAgain) {
 TEST(Dump, IsOneObjectInOneLineWithJsonUnlessPretty) {
     const std::string scene =
         SceneWith(R"({"AXRole": "AXButton", "AXTitle": "a\n   b", "AXChildren": [{}, {}]})");
-    const InProcessDesktop session(scene);
+    const ScriptedDesktop session(scene);
     const std::string pretty = Carried({"dump"}).out;
     const std::string line = Carried({"dump"}, true).out;
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
@@ -175,7 +175,7 @@ TEST(Dump, PutsAnElementWhereItWasMetFirst) {
 }
 
 TEST(Dump, CostsTwoExchangesForEachElement) {
-    InProcessDesktop session(SceneWith(R"({"AXRole": "AXButton"}, {"AXRole": "AXButton"})"));
+    ScriptedDesktop session(SceneWith(R"({"AXRole": "AXButton"}, {"AXRole": "AXButton"})"));
     Carried({"dump"});
     constexpr unsigned long kElements = 4;  // with the application and the window
     EXPECT_EQ(session->Count(desktop_link::Operation::attributeNames), kElements);
@@ -194,7 +194,7 @@ TEST(Dump, TakesTheActionsWhenAsked) {
 }
 
 TEST(Dump, LeavesOutAnElementThatGoesAwayWhileItIsRead) {
-    InProcessDesktop session(SceneWith(R"({"AXRole": "AXButton"}, {"AXRole": "AXImage"})"));
+    ScriptedDesktop session(SceneWith(R"({"AXRole": "AXButton"}, {"AXRole": "AXImage"})"));
     bool done = false;
     // The second child dies while the first one is read.
     session->onRead = [&](const desktop_link::ElementReference& element, const std::string&) {
@@ -239,7 +239,7 @@ TEST(Dump, SaysWhyItCannotRead) {
         {R"({"front": null})", {"dump", "--application", "x.y"}, "no such application"},
     };
     for (const auto& each : cases) {
-        const InProcessDesktop session(each.scene);
+        const ScriptedDesktop session(each.scene);
         const Outcome outcome = Carried(each.words);
         EXPECT_EQ(outcome.code, ExitCode::accessibility) << each.scene;
         EXPECT_THAT(outcome.err, HasSubstr(each.sentence)) << each.scene;

@@ -8,7 +8,7 @@
 
 #include "scenes/notation/Names.h"
 #include "scenes/notation/Values.h"
-#include "tests/support/InProcessDesktop.h"
+#include "tests/support/ScriptedDesktop.h"
 #include "tests/unit/tools/Carried.h"
 #include "tools/Reference.h"
 #include "tools/SceneValue.h"
@@ -17,12 +17,12 @@
 namespace krt9ctl {
 namespace {
 
-using test_support::InProcessDesktop;
+using test_support::ScriptedDesktop;
 using testing::HasSubstr;
 using testing::Not;
 
 Outcome Dumped(const std::string& scene, std::vector<std::string> words = {"dump"}) {
-    const InProcessDesktop session(scene);
+    const ScriptedDesktop session(scene);
     return Carried(std::move(words));
 }
 
@@ -134,41 +134,14 @@ TEST(OddTree, OfTheFrontApplicationByNameIsThatInFront) {
                 HasSubstr("\"front\": \"a.b\""));
 }
 
-// Answers of the desktop, changed on their way.
-class Altering : public desktop_link::Transport {
-  public:
-    using Alter = std::function<void(const desktop_link::Request&, desktop_link::Reply&)>;
-
-    Altering(desktop::Desktop& desktop, Alter alter) : inner_(desktop), alter_(std::move(alter)) {}
-
-    std::optional<desktop_link::Reply> Exchange(const desktop_link::Request& request,
-                                                double timeout) override {
-        auto reply = inner_.Exchange(request, timeout);
-        if (reply) {
-            alter_(request, *reply);
-        }
-        return reply;
-    }
-    bool Unreachable() const override { return inner_.Unreachable(); }
-    void SetNotificationHandler(
-        std::function<void(const desktop_link::Notification&)> handler) override {
-        inner_.SetNotificationHandler(std::move(handler));
-    }
-
-  private:
-    desktop::InProcessTransport inner_;
-    Alter alter_;
-};
-
 TEST(OddTree, LeavesOutNamesThatNoSceneHasAndSaysSo) {
-    InProcessDesktop session(SceneOf(R"([{"AXRole": "AXWindow"}])"));
-    desktop_link::SetTransport(std::make_unique<Altering>(
-        *session, [](const desktop_link::Request& request, desktop_link::Reply& reply) {
-            if (request.operation == desktop_link::Operation::attributeNames &&
-                request.element.id != 0) {
-                reply.values.push_back({std::string("lower")});
-            }
-        }));
+    ScriptedDesktop session(SceneOf(R"([{"AXRole": "AXWindow"}])"));
+    session.onReply = [](std::size_t, test_support::Exchange& exchange) {
+        if (exchange.request.operation == desktop_link::Operation::attributeNames &&
+            exchange.request.element.id != 0) {
+            exchange.reply->values.push_back({std::string("lower")});
+        }
+    };
     const Outcome outcome = Carried({"dump"});
     EXPECT_EQ(outcome.code, ExitCode::ok);
     EXPECT_THAT(outcome.out, Not(HasSubstr("lower")));
@@ -176,10 +149,8 @@ TEST(OddTree, LeavesOutNamesThatNoSceneHasAndSaysSo) {
 }
 
 TEST(OddDesktop, WhoseReplyIsNotAnObjectIsARefusal) {
-    InProcessDesktop session(SceneOf("[]"));
-    desktop_link::SetTransport(std::make_unique<Altering>(
-        *session,
-        [](const desktop_link::Request&, desktop_link::Reply& reply) { reply.text = "[1]"; }));
+    ScriptedDesktop session(SceneOf("[]"));
+    session.onReply = [](std::size_t, auto& exchange) { exchange.reply->text = "[1]"; };
     const Outcome outcome = Carried({"desktop", "state"});
     EXPECT_EQ(outcome.code, ExitCode::refused);
     EXPECT_THAT(outcome.err, HasSubstr("not a JSON object"));

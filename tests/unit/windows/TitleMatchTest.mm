@@ -130,7 +130,8 @@ class OverriddenTitleMatch : public testing::Test {
 
     platform_testing::AutoreleasePool pool_;
     test_support::HomeFolder home_;  // without translations: keys are titles
-    test_support::InProcessDesktop desktop_{SceneOfWindows(kWindows)};
+    test_support::SessionFixture session_;
+    test_support::ScriptedDesktop desktop_{SceneOfWindows(kWindows)};
     test_support::TestDriverOf<DriverWithAComparisonOfItsOwn> driver_;
     CGPoint position_ = {-1, -1};
     CGSize size_ = {-1, -1};

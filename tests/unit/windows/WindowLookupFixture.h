@@ -20,7 +20,8 @@
 #include "tests/support/DriverInspector.h"
 #include "tests/support/FrameworkAnswers.h"
 #include "tests/support/HomeFolder.h"
-#include "tests/support/InProcessDesktop.h"
+#include "tests/support/ScriptedDesktop.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 
 inline const char* const kWindows = R"([
@@ -94,7 +95,8 @@ class WindowLookup : public testing::Test {
 
     platform_testing::AutoreleasePool pool;
     test_support::HomeFolder home;
-    test_support::InProcessDesktop desktop;
+    test_support::SessionFixture session;
+    test_support::ScriptedDesktop desktop;
     test_support::TestDriver driver;
     unsigned index = 99;
     CGPoint position = {-1, -1};
@@ -106,8 +108,7 @@ class OtherWindows : public WindowLookup {
   protected:
     OtherWindows() : WindowLookup(SceneOfWindows("[]")) {}
     void Use(const std::string& windows) {
-        other = std::make_unique<test_support::InProcessDesktop>(SceneOfWindows(windows));
+        desktop.Load(SceneOfWindows(windows));
         ObserveAnew();
     }
-    std::unique_ptr<test_support::InProcessDesktop> other;
 };

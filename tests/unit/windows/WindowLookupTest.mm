@@ -170,7 +170,7 @@ TEST_F(WindowLookup, WindowListAndFrameAreReadAnewByEveryLookup) {
 
 TEST_F(OtherWindows, RefusedMainAttributeReportsNoFrame) {
     Use(R"([{ "AXRole": "AXWindow", "AXTitle": "Viewer", "AXPosition": [1, 2], "AXSize": [3, 4] }])");
-    other->Run(R"({"command": "misbehave", "element": "/0",
+    desktop.Run(R"({"command": "misbehave", "element": "/0",
                    "misbehaviour": {"set": {"AXMain": {"error": -25205, "works": false}}}})");
     std::string name = "Viewer";
     EXPECT_FALSE(driver->GetPosAndSizeForWindowName(name, false, position, size));
