@@ -1,23 +1,17 @@
 #include "tests/adversary/DriverUnderAttack.h"
 
-#include <cstdlib>
-#include <stdexcept>
-
 #include "VEKCommon/MessageCodes.h"
 #include "VEKCommon/OwnedReference.h"
 #include "frontapplication/FrontApplication.h"
 #include "tests/support/FrontApplicationState.h"
 #include "tests/support/LeakAllowance.h"
+#include "tests/support/SentMessages.h"
 
 namespace adversary {
 
 namespace {
 
 constexpr std::int32_t kProcess = 501;
-
-// Sent after everything else on the same connection: when it arrives, all before it has arrived.
-constexpr SInt32 kLast = FourCharacterCode("Last");
-constexpr CFTimeInterval kPatience = 10;  // seconds; passes only when a test fails
 
 const char* const kFirstStaticText = R"({"front": "com.apple.FinalCut", "applications": [
     {"bundleID": "com.apple.FinalCut", "pid": 501, "windows": [{"AXRole": "AXWindow",
@@ -133,14 +127,7 @@ Outcome DriverUnderAttack::Tick() {
 }
 
 void DriverUnderAttack::Collect(Outcome& outcome) {
-    driver_->SendMessage(kLast, nullptr, 0, false, nullptr);
-    while (companion_.received.empty() || companion_.received.back().code != kLast) {
-        if (CFRunLoopRunInMode(kCFRunLoopDefaultMode, kPatience, true) == kCFRunLoopRunTimedOut) {
-            throw std::runtime_error("what the driver sent did not arrive");
-        }
-    }
-    companion_.received.pop_back();
-    for (const test_support::Companion::Message& message : companion_.received) {
+    for (const auto& message : test_support::TakeSent(*driver_, companion_)) {
         std::string body(message.body.begin(), message.body.end());
         if (!body.empty() && body.back() == '\0') {
             body.pop_back();  // the terminator travels with the text
@@ -149,7 +136,6 @@ void DriverUnderAttack::Collect(Outcome& outcome) {
         }
         outcome.sent.push_back(CodeText(message.code) + " " + body);
     }
-    companion_.received.clear();
 }
 
 }  // namespace adversary

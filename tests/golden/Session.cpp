@@ -13,6 +13,7 @@
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/Paths.h"
+#include "tests/support/SentMessages.h"
 
 namespace golden {
 
@@ -25,9 +26,6 @@ using test_support::OwnedObject;
 constexpr CFTimeInterval kTickInterval = 0.1;
 constexpr CFTimeInterval kPatience = 10;  // seconds of the test's clock: time-outs of a request
 constexpr std::size_t kStatusWords = 7;
-
-// Sent behind everything else, on the same connection: what came before it has all arrived.
-constexpr SInt32 kLast = FourCharacterCode("Last");
 
 std::string ContentOf(const std::string& path) {
     std::ifstream file(path);
@@ -194,26 +192,12 @@ void Session::ReadCounts() {
                       std::to_string(CVEK_UserSpaceDriver::GetChannelCount()) + " channels");
 }
 
-void Session::LetMessagesArrive() {
-    (*driver_)->SendMessage(kLast, nullptr, 0, false, nullptr);
-    std::vector<test_support::Companion::Message>& received = companion_->received;
-    for (int pass = 0; received.empty() || received.back().code != kLast; ++pass) {
-        if (pass == 1000) {
-            throw std::runtime_error("what the driver sent did not arrive");
-        }
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
-    }
-    received.pop_back();
-}
-
 void Session::Report() {
     if (driver_) {
-        LetMessagesArrive();
-        for (const auto& [code, body] : companion_->received) {
+        for (const auto& [code, body] : test_support::TakeSent(**driver_, *companion_)) {
             Add("message", CodeText(code) + " " + HexOf(body) +
                                (body.empty() ? "" : " = " + QuotedText(body)));
         }
-        companion_->received.clear();
     }
     if (desktop_) {
         for (const std::string& entry : (*desktop_)->Log().LinesSince(desktopEntries_)) {

@@ -58,7 +58,6 @@ class Session {
     void ReadCounts();
 
     std::optional<Bytes> Exchange(SInt32 code, CFDataRef body);
-    void LetMessagesArrive();
     void Report();
     void Add(const char* what, const std::string& text);
 

@@ -15,6 +15,7 @@
 #include "tests/mac/Program.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/Paths.h"
+#include "tests/support/RunLoop.h"
 
 using mac_test::ExpectAsInLayer;
 using mac_test::Program;
@@ -144,11 +145,12 @@ TEST_F(EditorOnMac, FollowsAnActivation) {
         std::this_thread::sleep_for(std::chrono::seconds(1));
         const bool changed = [[workspace frontmostApplication] processIdentifier] != before;
         const double seconds = SecondsOf([&] {
-            for (int tries = 0; tries < 50 && [[workspace frontmostApplication]
-                                                  processIdentifier] != other.ProcessID();
-                 ++tries) {
-                CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.1, false);
-            }
+            test_support::RunLoopUntil(
+                [&] {
+                    return
+                        [[workspace frontmostApplication] processIdentifier] == other.ProcessID();
+                },
+                5);
         });
         mac_test::Report("seconds of the run loop until another activation is seen",
                          std::to_string(seconds));

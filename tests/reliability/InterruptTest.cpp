@@ -8,7 +8,6 @@
 #include <csignal>
 #include <cstdint>
 #include <random>
-#include <thread>
 
 #include "tests/reliability/Load.h"
 #include "tests/reliability/RequestMix.h"
@@ -50,17 +49,6 @@ Clock::duration TimeToFirstReply(const Load& load) {
     return time;
 }
 
-// Waits for the time or for `done`. Full pipes that nobody reads would stop the desktop, and with
-// it the driver.
-template <typename ReadPipes, typename Done>
-void Await(Clock::time_point time, const ReadPipes& readPipes, const Done& done) {
-    while (!done() && Clock::now() < time) {
-        readPipes();
-        std::this_thread::sleep_for(
-            std::min<Clock::duration>(std::chrono::milliseconds(1), time - Clock::now()));
-    }
-}
-
 TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndLeavesNothing) {
     Stage stage;
     stage.StartDesktop(test_support::kMixScene);
@@ -72,6 +60,7 @@ TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndL
     std::mt19937 random(seed);
     std::uniform_int_distribution<std::int64_t> moment(
         0, duration_cast<std::chrono::microseconds>(2 * TimeToFirstReply(load)).count());
+    // Full pipes that nobody reads would stop the desktop, and with it the driver.
     const auto readPipes = [&] {
         stage.Desktop().ForgetOutput();
         stage.Companion().ForgetOutput();
@@ -81,12 +70,21 @@ TEST(Interrupt, AtAnyMomentUnderLoadEndsTheDriverWithStatusZeroWithinASecondAndL
         const auto driver = Stage::LaunchDriver();
         ASSERT_TRUE(WaitForHandler(*driver));
         const std::chrono::microseconds delay(moment(random));
-        Await(Clock::now() + delay, readPipes, [] { return false; });
+        WaitUntil(
+            [&] {
+                readPipes();
+                return false;
+            },
+            std::chrono::duration<double>(delay).count());
         const auto interrupted = Clock::now();
         driver->Signal(SIGINT);
         int status = -1;
-        Await(interrupted + 10 * kAtOnce, readPipes,
-              [&] { return (status = driver->WaitForExit(0.01)) != -1; });
+        WaitUntil(
+            [&] {
+                readPipes();
+                return (status = driver->WaitForExit(0.01)) != -1;
+            },
+            std::chrono::duration<double>(10 * kAtOnce).count());
         ASSERT_EQ(status, 0) << "after " << delay.count() << " us, seed " << seed << ", repetition "
                              << i << "\n"
                              << driver->StandardError();

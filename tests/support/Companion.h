@@ -32,14 +32,6 @@ class Companion {
     Companion(const Companion&) = delete;
     Companion& operator=(const Companion&) = delete;
 
-    std::vector<SInt32> Codes() const {
-        std::vector<SInt32> codes;
-        for (const Message& message : received) {
-            codes.push_back(message.code);
-        }
-        return codes;
-    }
-
     std::optional<Bytes> reply;     // to every message; none: the callback has nothing to answer
     std::vector<Message> received;  // in order
 

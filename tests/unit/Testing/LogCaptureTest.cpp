@@ -5,12 +5,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <thread>
 #include <vector>
 
 #include "platform/Testing/LogCapture.h"
+#include "tests/support/WaitUntil.h"
 #include "tests/unit/Testing/ConsoleLine.h"
 
 namespace {
@@ -154,9 +154,7 @@ TEST(SystemLog, WritesALineWholeThoughSignalsInterruptIt) {
     std::size_t came = 0;
     pthread_sigmask(SIG_BLOCK, &alarm, nullptr);
     std::thread reader([&] {
-        while (alarms < 5) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
+        EXPECT_TRUE(test_support::WaitUntil([] { return alarms >= 5; }));
         std::vector<char> bytes(100'000);
         ssize_t count = 0;
         while ((count = read(ends[0], bytes.data(), bytes.size())) > 0) {

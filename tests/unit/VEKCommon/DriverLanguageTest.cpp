@@ -10,6 +10,7 @@
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/Paths.h"
+#include "tests/support/SentMessages.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestDriver.h"
@@ -52,14 +53,11 @@ TEST_F(DriverLanguage, WhatIsBehindTheTagsTerminatorStays) {
 
 TEST_F(DriverLanguage, TagIsSentWithItsTerminator) {
     driver_->GetLocale();
-    for (int pass = 0; pass < 100 && companion_.received.empty(); ++pass) {
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, true);
-    }
-    ASSERT_EQ(companion_.received.size(), 1U);
-    EXPECT_EQ(companion_.received[0].code, kJSLg);
+    const auto sent = test_support::TakeSent(*driver_, companion_);
+    ASSERT_EQ(sent.size(), 1U);
+    EXPECT_EQ(sent[0].code, kJSLg);
     const std::string expected("VEKLanguage", sizeof "VEKLanguage");
-    EXPECT_EQ(std::string(companion_.received[0].body.begin(), companion_.received[0].body.end()),
-              expected);
+    EXPECT_EQ(std::string(sent[0].body.begin(), sent[0].body.end()), expected);
 }
 
 TEST_F(DriverLanguage, WithoutAStringThereIsNoTagAndTheNextTickAsksAgain) {
@@ -67,8 +65,7 @@ TEST_F(DriverLanguage, WithoutAStringThereIsNoTagAndTheNextTickAsksAgain) {
     Failures::Current().localizedString = true;
     EXPECT_FALSE(driver_->GetLocale());
     Failures::Current() = Failures();
-    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
-    EXPECT_TRUE(companion_.received.empty());
+    EXPECT_TRUE(test_support::TakeSent(*driver_, companion_).empty());
     EXPECT_STREQ(DriverInspector::Language(*driver_), "de") << "as it was";
     EXPECT_TRUE(driver_->GetLocale());
 }
@@ -125,7 +122,7 @@ class BundledLanguage : public ::testing::Test {
 };
 
 TEST_F(BundledLanguage, TagComesFromTheStringsOfTheBundle) {
-    EXPECT_EQ(Reported("de"), "true [de] JSLg:646500 end:\n");
+    EXPECT_EQ(Reported("de"), "true [de] JSLg:646500\n");
 }
 
 TEST_F(BundledLanguage, ThirtyOneBytesFit) {
@@ -134,23 +131,23 @@ TEST_F(BundledLanguage, ThirtyOneBytesFit) {
     for (std::size_t index = 0; index < tag.size(); ++index) {
         hex += "61";
     }
-    EXPECT_EQ(Reported(tag), "true [" + tag + "] JSLg:" + hex + "00 end:\n");
+    EXPECT_EQ(Reported(tag), "true [" + tag + "] JSLg:" + hex + "00\n");
 }
 
 TEST_F(BundledLanguage, TagOfThirtyTwoBytesIsNotTakenAndNothingIsSent) {
-    EXPECT_EQ(Reported(std::string(32, 'a')), "false [] end:\n");
+    EXPECT_EQ(Reported(std::string(32, 'a')), "false []\n");
 }
 
 TEST_F(BundledLanguage, TagThatTheSystemEncodingLacksIsNotTakenAndNothingIsSent) {
-    EXPECT_EQ(Reported("日本"), "false [] end:\n");
+    EXPECT_EQ(Reported("日本"), "false []\n");
 }
 
 TEST_F(BundledLanguage, TagIsSentInTheSystemEncoding) {
-    EXPECT_EQ(Reported("é"), "true [\x8E] JSLg:8e00 end:\n");
+    EXPECT_EQ(Reported("é"), "true [\x8E] JSLg:8e00\n");
 }
 
 TEST_F(BundledLanguage, EmptyTagIsTakenAndSent) {
-    EXPECT_EQ(Reported(""), "true [] JSLg:00 end:\n");
+    EXPECT_EQ(Reported(""), "true [] JSLg:00\n");
 }
 
 TEST_F(BundledLanguage, WithoutACompanionTheTagIsTakenAllTheSame) {

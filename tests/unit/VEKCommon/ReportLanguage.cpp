@@ -8,20 +8,13 @@
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
+#include "tests/support/SentMessages.h"
 #include "tests/support/TestDriver.h"
 
 namespace {
 
-// Messages arrive in the order of their sending: when the last of all is there, so is the tag's.
-void LetArrive(CVEK_UserSpaceDriver& driver, const test_support::Companion& companion) {
-    driver.SendMessage(kStus, nullptr, 0, false, nullptr);
-    while (companion.received.empty() || companion.received.back().code != kStus) {
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1, true);
-    }
-}
-
 void Print(const test_support::Companion::Message& message) {
-    std::printf(" %s:", message.code == kJSLg ? "JSLg" : "end");
+    std::printf(" %s:", message.code == kJSLg ? "JSLg" : "????");
     for (const unsigned char byte : message.body) {
         std::printf("%02x", byte);
     }
@@ -39,8 +32,7 @@ int main(int argc, char**) {
     const bool answer = driver->GetLocale();
     std::printf("%s [%s]", answer ? "true" : "false", DriverInspector::Language(*driver));
     if (companion) {
-        LetArrive(*driver, *companion);
-        for (const auto& message : companion->received) {
+        for (const auto& message : test_support::TakeSent(*driver, *companion)) {
             Print(message);
         }
     }

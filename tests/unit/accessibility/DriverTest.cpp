@@ -2,6 +2,7 @@
 
 #include "VEKCommon/MessageCodes.h"
 #include "tests/support/LeakAllowance.h"
+#include "tests/support/SentMessages.h"
 
 namespace {
 
@@ -12,10 +13,6 @@ std::string CodeText(SInt32 code) {
     }
     return text;
 }
-
-// Sent after everything else on the same connection: when it arrives, all before it has arrived.
-constexpr SInt32 kLast = FourCharacterCode("Last");
-constexpr CFTimeInterval kPatience = 10;  // seconds; passes only when a test fails
 
 }  // namespace
 
@@ -34,19 +31,9 @@ bool SelectRadioButton(CVEK_UserSpaceDriver& driver, CFStringRef identifier, uns
 
 std::vector<SentMessage> TakeSent(test_support::Companion& companion,
                                   CVEK_UserSpaceDriver& driver) {
-    unsigned char nothing = 0;
-    driver.SendMessage(kLast, &nothing, 0, false, nullptr);
     std::vector<SentMessage> sent;
-    while (companion.received.empty() || companion.received.back().code != kLast) {
-        if (CFRunLoopRunInMode(kCFRunLoopDefaultMode, kPatience, true) == kCFRunLoopRunTimedOut) {
-            ADD_FAILURE() << "what the driver sent did not arrive";
-            return sent;
-        }
+    for (const auto& [code, body] : test_support::TakeSent(driver, companion)) {
+        sent.push_back({code, std::string(body.begin(), body.end())});
     }
-    companion.received.pop_back();
-    for (const test_support::Companion::Message& message : companion.received) {
-        sent.push_back({message.code, std::string(message.body.begin(), message.body.end())});
-    }
-    companion.received.clear();
     return sent;
 }

@@ -13,6 +13,7 @@
 #include "platform/Testing/TestClock.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
+#include "tests/support/SentMessages.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 
@@ -54,7 +55,7 @@ TEST_F(ControllerStatus, CountsAreZeroBeforeAnyReplyAlthoughTheFieldHoldsOneUnit
 TEST_F(ControllerStatus, IsAskedForWithoutBodyAndTakenFromTheReply) {
     companion_.reply = Status(2, 16);
     driver_->RequestKRTStatus();
-    EXPECT_THAT(companion_.Codes(), ElementsAre(kStus));
+    EXPECT_THAT(CodesOf(companion_.received), ElementsAre(kStus));
     EXPECT_EQ(companion_.received[0].body, Bytes());
     EXPECT_TRUE(DriverInspector::StatusValid(*driver_));
     EXPECT_EQ(CVEK_UserSpaceDriver::GetUnitCount(), 2);
@@ -72,7 +73,7 @@ TEST_F(ControllerStatus, UnitCountOf65537IsKeptAsOne) {
 TEST_F(ControllerStatus, WithoutReplyStaysAsItIs) {
     const platform_testing::LogCapture log;
     driver_->RequestKRTStatus();
-    EXPECT_THAT(companion_.Codes(), ElementsAre(kStus));
+    EXPECT_THAT(CodesOf(companion_.received), ElementsAre(kStus));
     EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
     EXPECT_EQ(DriverInspector::UnitCount(*driver_), 1);
     EXPECT_THAT(log.SystemTexts(), IsEmpty());
@@ -170,9 +171,8 @@ TEST_F(ControllerStatus, IsNeverAskedForWithoutController) {
     companion_.reply = Status(2, 16);
     for (int tick = 0; tick < 10; ++tick) {
         driver_->TimeoutCounter();
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
     }
-    EXPECT_THAT(companion_.received, IsEmpty());
+    EXPECT_THAT(TakeSent(*driver_, companion_), IsEmpty());
 }
 
 TEST_F(ControllerStatus, IsAskedForOnEveryTickUntilItIsThere) {
@@ -184,7 +184,7 @@ TEST_F(ControllerStatus, IsAskedForOnEveryTickUntilItIsThere) {
     companion_.reply = Status(2, 16);
     driver_->TimeoutCounter();
     driver_->TimeoutCounter();
-    EXPECT_THAT(companion_.Codes(), ElementsAre(kStus, kStus, kStus));
+    EXPECT_THAT(CodesOf(companion_.received), ElementsAre(kStus, kStus, kStus));
     EXPECT_TRUE(DriverInspector::StatusValid(*driver_));
 }
 
@@ -214,8 +214,7 @@ TEST_F(ControllerStatus, HardwareInputIsDeliberatelyDropped) {
 
     EXPECT_TRUE(contentOf(&*driver_, sizeof *driver_) == driver) << "no byte of it has changed";
     EXPECT_TRUE(contentOf(&packets, sizeof packets) == input);
-    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
-    EXPECT_THAT(companion_.received, IsEmpty());
+    EXPECT_THAT(TakeSent(*driver_, companion_), IsEmpty());
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 

@@ -2,6 +2,7 @@
 
 #include "frontapplication/FrontApplication.h"
 #include "tests/support/LateActivation.h"
+#include "tests/support/SentMessages.h"
 
 namespace {
 
@@ -21,9 +22,6 @@ const std::string kApplications = R"("front": "com.apple.FinalCut", "application
       "info": { "CFBundleShortVersionString": "10.2.7" } },
     { "bundleID": "com.example.unversioned", "name": "Unversioned", "pid": 505, "info": {} },
     { "name": "Tool", "pid": 506 } ] })";
-
-// Sent after everything else on the same connection: when it arrives, all before it has arrived.
-constexpr SInt32 kLast = FourCharacterCode("Last");
 
 }  // namespace
 
@@ -65,16 +63,5 @@ void DriverTest::ObserveBoth() {
 }
 
 std::vector<SInt32> DriverTest::Sent() {
-    driver_->SendMessage(kLast, nullptr, 0, false, nullptr);
-    for (int pass = 0; pass < 1000; ++pass) {
-        if (!companion_->received.empty() && companion_->received.back().code == kLast) {
-            companion_->received.pop_back();
-            std::vector<SInt32> codes = companion_->Codes();
-            companion_->received.clear();
-            return codes;
-        }
-        RunLoopFor(0);
-    }
-    ADD_FAILURE() << "what the driver sent did not arrive";
-    return {};
+    return test_support::CodesOf(test_support::TakeSent(*driver_, *companion_));
 }

@@ -52,7 +52,8 @@ class InterruptsDeathTest : public testing::Test {
 
     static void Run(double seconds) { CFRunLoopRunInMode(kCFRunLoopDefaultMode, seconds, false); }
 
-    // Without a time limit, since the machine may be slow: the program's alarm is the limit.
+    // Its runs do not end with the first source that they handle, as the driver's do not. Without a
+    // time limit, since the machine may be slow: the program's alarm is the limit.
     static void RunUntil(const std::function<bool()>& done) {
         while (!done()) {
             Run(0.01);

@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "tests/support/SentMessages.h"
 #include "tests/unit/driver/DriverTest.h"
 
 namespace {
@@ -57,7 +58,7 @@ TEST_F(QuietHour, SendsNothingAfterTheFirstAndExchangesTheSameInEveryTick) {
     driver_->StartTimeoutCounter();
     timers_.push_back(DriverInspector::TimeoutTimer(*driver_));
     RunLoopFor(0.11);  // the first tick finds the controls
-    EXPECT_THAT(companion_->Codes(), testing::ElementsAre(kJSLg, kJFSC, kJFTC, kStus));
+    EXPECT_THAT(CodesOf(companion_->received), testing::ElementsAre(kJSLg, kJFSC, kJFTC, kStus));
 
     RunLoopFor(0.1);
     SampleExchanges();

@@ -14,6 +14,7 @@
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/OwnedObject.h"
+#include "tests/support/SentMessages.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
 
@@ -44,11 +45,8 @@ class OutboundMessages : public testing::Test {
 
 class WithCompanion : public OutboundMessages {
   protected:
-    // What was sent without waiting arrives when the loop runs.
-    void LetArrive() {
-        for (int pass = 0; pass < 100 && companion_.received.empty(); ++pass) {
-            CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, true);
-        }
+    std::vector<test_support::Companion::Message> Sent() {
+        return test_support::TakeSent(*driver_, companion_);
     }
 
     test_support::Companion companion_;
@@ -92,9 +90,9 @@ TEST_F(OutboundMessages, WithoutRemotePortObjectASendFailsAlike) {
 TEST_F(WithCompanion, BytesTravelAsTheyAre) {
     unsigned char text[] = {'d', 'e', 0};
     EXPECT_EQ(driver_->SendMessage(kJSLg, text, sizeof text, false, nullptr), 0);
-    LetArrive();
-    ASSERT_THAT(companion_.Codes(), ElementsAre(kJSLg));
-    EXPECT_EQ(companion_.received[0].body, (Bytes{'d', 'e', 0}));
+    const auto sent = Sent();
+    ASSERT_THAT(CodesOf(sent), ElementsAre(kJSLg));
+    EXPECT_EQ(sent[0].body, (Bytes{'d', 'e', 0}));
 }
 
 TEST_F(WithCompanion, ReplyBelongsToTheCaller) {
@@ -104,7 +102,7 @@ TEST_F(WithCompanion, ReplyBelongsToTheCaller) {
     ASSERT_NE(reply, nullptr);
     EXPECT_EQ(Content(reply), (Bytes{1, 2, 3}));
     CFRelease(reply);
-    EXPECT_THAT(companion_.Codes(), ElementsAre(kStus));
+    EXPECT_THAT(CodesOf(companion_.received), ElementsAre(kStus));
     EXPECT_THAT(companion_.received[0].body, IsEmpty());
 }
 
@@ -112,15 +110,14 @@ TEST_F(WithCompanion, ReplyIsNotAwaitedWithoutAPlaceForIt) {
     companion_.reply = Bytes{1};
     EXPECT_EQ(driver_->SendMessage(kStus, nullptr, 0, true, nullptr), 0);
     EXPECT_THAT(companion_.received, IsEmpty()) << "nothing ran while it was sent";
-    LetArrive();
-    EXPECT_THAT(companion_.Codes(), ElementsAre(kStus));
+    EXPECT_THAT(CodesOf(Sent()), ElementsAre(kStus));
 }
 
 TEST_F(WithCompanion, PlaceForAReplyStaysUntouchedWhenNoneIsWanted) {
     companion_.reply = Bytes{1};
     CFDataRef reply = nullptr;
     EXPECT_EQ(driver_->SendMessage(kStus, nullptr, 0, false, &reply), 0);
-    LetArrive();
+    EXPECT_THAT(CodesOf(Sent()), ElementsAre(kStus));
     EXPECT_EQ(reply, nullptr);
 }
 

@@ -8,10 +8,10 @@
 #include <cerrno>
 #include <chrono>
 #include <string>
-#include <thread>
 
 #include "platform/CoreFoundation/MessagePort/MessageFrame.h"
 #include "platform/LocalSocket/Socket.h"
+#include "tests/support/WaitUntil.h"
 
 namespace message_port_test {
 
@@ -65,14 +65,18 @@ class RawPeer {
 
     // Until bytes have come and no more are coming: the sender waits for room.
     void WaitUntilFull() const {
+        using Clock = std::chrono::steady_clock;
         int before = 0;
-        for (int same = 0; same < 20;) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        Clock::time_point changed;
+        test_support::WaitUntil([&] {
             int waiting = 0;
             ioctl(socket_.get(), FIONREAD, &waiting);
-            same = waiting > 0 && waiting == before ? same + 1 : 0;
-            before = waiting;
-        }
+            if (waiting != before) {
+                before = waiting;
+                changed = Clock::now();
+            }
+            return waiting > 0 && Clock::now() - changed > std::chrono::milliseconds(20);
+        });
     }
 
     bool IsDisconnected() {
