@@ -50,15 +50,8 @@ ExitCode ReportReply(const Request& request, const RequestRow* row, const Bytes&
 }
 
 ExitCode Report(const Request& request, const Answer& answer, Output& output) {
-    const DeliveryRow& delivery = DeliveryOf(answer.status);
-    if (delivery.code == ExitCode::noDriver) {
-        return ReportProblem(request, delivery.code,
-                             fmt::format("no driver runs in {}; start it with {}", SessionName(),
-                                         DriverStartCommand()),
-                             output);
-    }
-    if (delivery.code != ExitCode::ok) {
-        return ReportProblem(request, delivery.code, std::string(delivery.sentence), output);
+    if (const ExitCode code = ReportDelivery(request, answer, output); code != ExitCode::ok) {
+        return code;
     }
     const RequestRow* row = FindRequest(request.code);
     return answer.reply.empty() ? ReportNothing(request, row, output)
@@ -116,7 +109,7 @@ ExitCode Conversation::Hold(const Plan& plan) {
 ExitCode Conversation::ReasonToStop() {
     const ExitCode signal = stopped_();
     if (signal != ExitCode::ok) {
-        output_.Problem(signal, std::string(SignalSentence(signal)));
+        ReportSignal(signal, output_);
         return signal;
     }
     return output_.Status();
@@ -149,6 +142,24 @@ Request Conversation::WhereThePointerIs(Request end) {
 }
 
 }  // namespace
+
+ExitCode ReportDelivery(const Request& request, const Answer& answer, Output& output) {
+    const DeliveryRow& delivery = DeliveryOf(answer.status);
+    if (delivery.code == ExitCode::noDriver) {
+        return ReportProblem(request, delivery.code,
+                             fmt::format("no driver runs in {}; start it with {}", SessionName(),
+                                         DriverStartCommand()),
+                             output);
+    }
+    if (delivery.code != ExitCode::ok) {
+        return ReportProblem(request, delivery.code, std::string(delivery.sentence), output);
+    }
+    return ExitCode::ok;
+}
+
+void ReportSignal(ExitCode signal, Output& output) {
+    output.Problem(signal, std::string(SignalSentence(signal)));
+}
 
 ExitCode Converse(const Plan& plan, const Send& send, const Stopped& stopped, Output& output) {
     return Conversation(send, stopped, output).Hold(plan);

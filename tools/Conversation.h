@@ -21,4 +21,9 @@ using Stopped = std::function<ExitCode()>;
 // where the pointer is: at the end of the gesture, what is being dragged could be dropped.
 ExitCode Converse(const Plan& plan, const Send& send, const Stopped& stopped, Output& output);
 
+// ok for a request that the driver replied to; otherwise the exit code of the reported problem.
+ExitCode ReportDelivery(const Request& request, const Answer& answer, Output& output);
+
+void ReportSignal(ExitCode signal, Output& output);
+
 }  // namespace krt9ctl

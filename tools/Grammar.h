@@ -34,6 +34,8 @@ struct Verb {
     std::string_view example;        // one command line
     std::vector<Parameter> parameters = {};
     std::variant<MakePlan, Act> work;
+    // Of a plan: the option with which its times are printed in place of its replies.
+    std::string_view measuredWith = {};
 };
 
 // The first word of verbs of two words.

@@ -8,9 +8,15 @@ namespace krt9ctl {
 
 namespace {
 
+constexpr std::int64_t kMostPings = 1000000;
+
 template <MessageCode code>
 Plan PlanBare(const Arguments&) {
     return {{code, {}}};
+}
+
+Plan PlanPing(const Arguments& arguments) {
+    return Plan(static_cast<std::size_t>(arguments.NumberOr("--count", 1)), Request{kJPth, {}});
 }
 
 Plan PlanRefresh(const Arguments& arguments) {
@@ -69,9 +75,18 @@ std::vector<Verb> ObservationVerbs() {
         {.name = "ping",
          .requests = "JPth",
          .summary = "check that the driver is alive; the request does nothing",
-         .detail = "",
-         .example = "krt9ctl ping",
-         .work = PlanBare<kJPth>},
+         .detail = "With --count it prints the shortest time, the median, and the time that 99 of "
+                   "100 replies do not exceed. The time goes from before the request is sent until "
+                   "its reply is there. SIGINT ends the series early and prints what was measured.",
+         .example = "krt9ctl ping --count 100",
+         .parameters = {{.name = "--count",
+                         .kind = ValueKind::number,
+                         .help = "send it N times, one after the other, and print the times",
+                         .placeholder = "N",
+                         .smallest = 1,
+                         .largest = kMostPings}},
+         .work = PlanPing,
+         .measuredWith = "--count"},
     };
 }
 

@@ -8,6 +8,7 @@
 #include "tools/CommandLine.h"
 #include "tools/Conversation.h"
 #include "tools/Interruption.h"
+#include "tools/ReplyTimes.h"
 #include "tools/Version.h"
 #include "tools/terminal/Help.h"
 #include "tools/terminal/Terminal.h"
@@ -16,14 +17,15 @@ namespace krt9ctl {
 
 namespace {
 
-ExitCode SendPlan(const Plan& plan, Context& context) {
+ExitCode SendPlan(const Plan& plan, bool isMeasured, Context& context) {
     // A single request leaves nothing to release: the signal may end the process at once.
     std::optional<Interruption> interruption;
     if (plan.size() > 1) {
         interruption.emplace();
     }
     Client client(context.timeout);
-    return Converse(
+    const auto carry = isMeasured ? MeasureReplies : Converse;
+    return carry(
         plan, [&client](const Request& request) { return client.Send(request); },
         [&interruption] { return interruption ? Interruption::Raised() : ExitCode::ok; },
         context.output);
@@ -35,7 +37,8 @@ ExitCode Carry(const Invocation& invocation, Output& output) {
     try {
         const Arguments arguments(verb, invocation.given);
         if (const auto* makePlan = std::get_if<MakePlan>(&verb.work)) {
-            return SendPlan((*makePlan)(arguments), context);
+            const bool isMeasured = !verb.measuredWith.empty() && arguments.Has(verb.measuredWith);
+            return SendPlan((*makePlan)(arguments), isMeasured, context);
         }
         return std::get<Act>(verb.work)(arguments, context);
     } catch (const UsageError& error) {

@@ -198,6 +198,20 @@ TEST_F(Requests, SeveralCompanionsAreServedSideBySide) {
     }
 }
 
+TEST_F(Requests, ASeriesOfPingsIsMeasured) {
+    const auto result = Stage::Control({"ping", "--count", "100"});
+    EXPECT_EQ(result.status, 0) << result.standardError;
+    double shortest = 0, median = 0, ninetyNinth = 0;
+    ASSERT_EQ(std::sscanf(result.standardOutput.c_str(),
+                          "100 replies: min %lf ms, median %lf ms, p99 %lf ms", &shortest, &median,
+                          &ninetyNinth),
+              3)
+        << result.standardOutput;
+    EXPECT_GT(shortest, 0);
+    EXPECT_LE(shortest, median);
+    EXPECT_LE(median, ninetyNinth);
+}
+
 TEST_F(Requests, HungEditorGivesNoReplyWithinTheCallsTimeOutAndTheDriverServesOn) {
     ASSERT_EQ(stage.Control({"desktop", "hang", "com.apple.FinalCut"}).status, 0);
     EXPECT_EQ(port->Ask("JElV", "3b000000"), "");

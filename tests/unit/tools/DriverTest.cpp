@@ -103,6 +103,13 @@ TEST_F(Driver, GetsBothHalvesOfAKeystrokeInOrder) {
                 ElementsAre("JCPK 310000000001000001000000", "JCPK 310000000001000000000000"));
 }
 
+TEST_F(Driver, GetsAsManyPingsAsAreCounted) {
+    const FakeDriver driver(Nothing);
+    EXPECT_EQ(Tell({"ping", "--count", "3", "--json"}), ExitCode::ok);
+    EXPECT_THAT(driver.received, ElementsAre("JPth ", "JPth ", "JPth "));
+    EXPECT_THAT(out_.str(), HasSubstr(R"({"code":"JPth","count":3,"milliseconds":{"min":)"));
+}
+
 TEST_F(Driver, GetsAnAbsentBodyAsAnEmptyOne) {
     const FakeDriver driver(Always(Bytes(8)));
     EXPECT_EQ(Tell({"pointer", "--json"}), ExitCode::ok);
