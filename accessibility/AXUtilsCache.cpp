@@ -1,4 +1,3 @@
-#include <iterator>
 #include <vector>
 
 #include "VEKCommon/ConsoleLog.h"
@@ -16,12 +15,6 @@ constexpr CFIndex kCacheCapacity = 20;
 // entries counts as keyed, and takes elements.
 constexpr CFIndex kKeyedThreshold = 1;
 
-CFArrayRef CreateSearchAttributes() {
-    const void* names[] = {kAXRoleAttribute, kAXChildrenAttribute, kAXIdentifierAttribute,
-                           kAXSubroleAttribute};
-    return CFArrayCreate(kCFAllocatorDefault, names, std::size(names), &kCFTypeArrayCallBacks);
-}
-
 // Borrowed; null when the front application has none.
 CFStringRef FrontBundleIdentifier() {
     CFStringRef identifier = nullptr;
@@ -34,7 +27,7 @@ CFStringRef FrontBundleIdentifier() {
 VEK_C_AXUtils::VEK_C_AXUtils()
     : cache_(CFDictionaryCreateMutable(kCFAllocatorDefault, kCacheCapacity, nullptr, nullptr)) {
     if (sMultipleAttributes == nullptr) {
-        sMultipleAttributes = CreateSearchAttributes();
+        sMultipleAttributes = CreateAttributesFromWindows();
     }
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "accessibility/calls/AccessibilityCalls.h"
 #include "accessibility/calls/ElementAttributes.h"
 
 namespace {
@@ -21,11 +22,6 @@ struct ElementEqual {
         return CFEqual(a.get(), b.get());
     }
 };
-
-bool IsSearchedFurther(CFStringRef role) {
-    return SameText(role, kAXGroupRole) || SameText(role, kAXSplitGroupRole) ||
-           SameText(role, kAXScrollAreaRole);
-}
 
 class Walk {
   public:
@@ -75,7 +71,7 @@ class Walk {
     }
 
     bool IsSought(CFStringRef role, CFArrayRef values, CFIndex index) {
-        const bool taken = query_.TakesRole(role, values);
+        const bool taken = query_.TakesRole(role, StringAt(values, ElementQuery::kSubroleIndex));
         Tell(&SearchTrace::RoleChecked, role, taken, values);
         if (!taken) {
             return false;
@@ -158,4 +154,21 @@ class Walk {
 OwnedReference<AXUIElementRef> FindElement(const ElementQuery& query, CFArrayRef children,
                                            SearchTrace* trace) {
     return Walk(query, trace).Find(children);
+}
+
+OwnedReference<AXUIElementRef> FindElementInWindows(const ElementQuery& query, CFArrayRef windows,
+                                                    SearchTrace* trace) {
+    for (CFIndex index = 0; index < CountOf(windows); ++index) {
+        CallResult<OwnedReference<CFArrayRef>> children = ReadChildren(ElementAt(windows, index));
+        if (trace != nullptr) {
+            trace->WindowRead(index, children ? nullptr : &children.Failure());
+        }
+        if (!children) {
+            continue;
+        }
+        if (auto found = FindElement(query, (*children).get(), trace)) {
+            return found;
+        }
+    }
+    return nullptr;
 }

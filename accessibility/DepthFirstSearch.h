@@ -22,3 +22,8 @@ constexpr int kMostRepeatedDescents = 1000;
 // exchange for each child visited. `trace` is told each step; it may be null.
 OwnedReference<AXUIElementRef> FindElement(const ElementQuery& query, CFArrayRef children,
                                            SearchTrace* trace);
+
+// The same in the children of each window, first match in the windows' order. One more exchange for
+// each window; one whose children cannot be read is left out.
+OwnedReference<AXUIElementRef> FindElementInWindows(const ElementQuery& query, CFArrayRef windows,
+                                                    SearchTrace* trace);

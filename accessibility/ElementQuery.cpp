@@ -3,6 +3,7 @@
 #include <ApplicationServices/ApplicationServices.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "accessibility/calls/ElementAttributes.h"
 
@@ -19,14 +20,25 @@ std::span<const CFStringRef> IfAny(CFStringRef role, std::span<const CFStringRef
 
 }  // namespace
 
-bool ElementQuery::TakesRole(CFStringRef elementRole, CFArrayRef values) const {
+bool ElementQuery::TakesRole(CFStringRef elementRole, CFStringRef elementSubrole) const {
     const bool requested =
         rolesMeantByAny.empty()
             ? SameText(elementRole, role)
             : std::any_of(rolesMeantByAny.begin(), rolesMeantByAny.end(),
                           [&](CFStringRef meant) { return SameText(elementRole, meant); });
     return requested && !(skipsSearchFields && SameText(elementRole, kAXTextFieldRole) &&
-                          SameText(StringAt(values, kSubroleIndex), kAXSearchFieldSubrole));
+                          SameText(elementSubrole, kAXSearchFieldSubrole));
+}
+
+bool IsSearchedFurther(CFStringRef role) {
+    return SameText(role, kAXGroupRole) || SameText(role, kAXSplitGroupRole) ||
+           SameText(role, kAXScrollAreaRole);
+}
+
+CFArrayRef CreateAttributesFromWindows() {
+    const void* names[] = {kAXRoleAttribute, kAXChildrenAttribute, kAXIdentifierAttribute,
+                           kAXSubroleAttribute};
+    return CFArrayCreate(kCFAllocatorDefault, names, std::size(names), &kCFTypeArrayCallBacks);
 }
 
 ElementQuery QueryFromWindows(CFStringRef identifier, CFStringRef role, CFArrayRef attributes) {

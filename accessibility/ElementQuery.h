@@ -26,10 +26,17 @@ struct ElementQuery {
     // Search fields have the role of text fields; with this they never match.
     bool skipsSearchFields;
 
-    // Whether an element of that role, which is not null, can be the one sought; `values` are its
-    // attributes.
-    bool TakesRole(CFStringRef elementRole, CFArrayRef values) const;
+    // Whether an element of that role, which is not null, can be the one sought; the subrole may be
+    // null.
+    bool TakesRole(CFStringRef elementRole, CFStringRef elementSubrole) const;
 };
+
+// Whether a search goes on to the children of an element of that role, which may be null, when it
+// is not the one sought.
+bool IsSearchedFurther(CFStringRef role);
+
+// The four attributes that the search from the windows reads. The caller releases the array.
+CFArrayRef CreateAttributesFromWindows();
 
 // The search from the windows of the front application; `attributes` names four attributes.
 ElementQuery QueryFromWindows(CFStringRef identifier, CFStringRef role, CFArrayRef attributes);

@@ -68,7 +68,11 @@ AXUIElementRef VEK_C_AXUtils::CopyElement(CFStringRef identifier, CFStringRef ro
     if (debug) {
         ConsoleLog(CFSTR("  rebuilding path"));
     }
-    AXUIElementRef element = CopyElementInWindows(windows.get(), identifier, role, debug);
+    TraceFromWindows trace(identifier, role, searchLevel_);
+    AXUIElementRef element =
+        FindElementInWindows(QueryFromWindows(identifier, role, sMultipleAttributes), windows.get(),
+                             debug ? &trace : nullptr)
+            .release();
     // Released first, so that the retain count that is logged does not include the list's
     // references.
     windows.reset();
@@ -80,19 +84,6 @@ AXUIElementRef VEK_C_AXUtils::CopyElement(CFStringRef identifier, CFStringRef ro
         ConsoleLog(CFSTR("   element %@ not found!!!"), identifier);
     }
     return element;
-}
-
-AXUIElementRef VEK_C_AXUtils::CopyElementInWindows(CFArrayRef windows, CFStringRef identifier,
-                                                   CFStringRef role, bool debug) {
-    for (CFIndex index = 0; index < CFArrayGetCount(windows); ++index) {
-        OwnedReference<CFArrayRef> children =
-            CopyArrayAttribute(ElementAt(windows, index), kAXChildrenAttribute);
-        AXUIElementRef element = nullptr;
-        if (children && CopyChild(element, identifier, role, children.get(), false, debug)) {
-            return element;
-        }
-    }
-    return nullptr;
 }
 
 AXUIElementRef VEK_C_AXUtils::CopyElement(CFStringRef, CFStringRef, CFStringRef, bool,

@@ -1,8 +1,10 @@
-// Logs what a search does, line by line: for diagnosis, when a caller asks for it.
+// What a search does, step by step: for diagnosis, when a caller asks for it.
 #pragma once
 
 #include <ApplicationServices/ApplicationServices.h>
 #include <CoreFoundation/CoreFoundation.h>
+
+#include "accessibility/calls/CallResult.h"
 
 // Every step corresponds to a moment of a recursive search in which one level handles one array of
 // children. A trace overrides the steps that it has a line for.
@@ -12,6 +14,10 @@ class SearchTrace {
     virtual ~SearchTrace() = default;
     SearchTrace(const SearchTrace&) = delete;
     SearchTrace& operator=(const SearchTrace&) = delete;
+
+    // The children of the window at `index` have been read and are searched next; with a failure,
+    // they could not be read.
+    virtual void WindowRead(CFIndex /*index*/, const CallFailure* /*failure*/) {}
 
     // A level begins; it ends after its last child or, with `found`, as soon as the search is over.
     virtual void LevelBegins() {}
@@ -38,7 +44,7 @@ class SearchTrace {
     virtual void FoundBelow() {}
 };
 
-// The lines of the search from the windows; `level` is the depth from which it counts.
+// Logs the lines of the search from the windows; `level` is the depth from which it counts.
 class TraceFromWindows : public SearchTrace {
   public:
     TraceFromWindows(CFStringRef identifier, CFStringRef role, unsigned level)
@@ -60,7 +66,7 @@ class TraceFromWindows : public SearchTrace {
     unsigned level_;
 };
 
-// The lines of the search in an array.
+// Logs the lines of the search in an array.
 class TraceInArray : public SearchTrace {
   public:
     explicit TraceInArray(CFStringRef identifier) : identifier_(identifier) {}

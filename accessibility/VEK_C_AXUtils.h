@@ -78,8 +78,6 @@ class VEK_C_AXUtils {
   private:
     friend struct AXUtilsInspector;  // the tests' view of the fields
 
-    AXUIElementRef CopyElementInWindows(CFArrayRef windows, CFStringRef identifier,
-                                        CFStringRef role, bool debug);
     void KeepApplicationIdentifier(CFStringRef identifier);
 
     // Retains neither keys nor values, and compares keys by address.

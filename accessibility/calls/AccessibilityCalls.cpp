@@ -17,6 +17,17 @@ CallResult<Done> DoneOr(AXError error) {
     return Done();
 }
 
+CallResult<OwnedReference<CFArrayRef>> ReadArray(AXUIElementRef element, CFStringRef name) {
+    CallResult<OwnedReference<CFTypeRef>> value = ReadAttribute(element, name);
+    if (!value) {
+        return value.Failure();
+    }
+    if (CFGetTypeID((*value).get()) != CFArrayGetTypeID()) {
+        return CallFailure{CallFailureKind::wrongType};
+    }
+    return OwnedReference<CFArrayRef>(static_cast<CFArrayRef>((*value).release()));
+}
+
 }  // namespace
 
 CallFailure FailureOf(AXError error) {
@@ -63,14 +74,11 @@ CallResult<OwnedReference<CFArrayRef>> ReadAttributes(AXUIElementRef element, CF
 }
 
 CallResult<OwnedReference<CFArrayRef>> ReadWindows(AXUIElementRef application) {
-    CallResult<OwnedReference<CFTypeRef>> value = ReadAttribute(application, kAXWindowsAttribute);
-    if (!value) {
-        return value.Failure();
-    }
-    if (CFGetTypeID((*value).get()) != CFArrayGetTypeID()) {
-        return CallFailure{CallFailureKind::wrongType};
-    }
-    return OwnedReference<CFArrayRef>(static_cast<CFArrayRef>((*value).release()));
+    return ReadArray(application, kAXWindowsAttribute);
+}
+
+CallResult<OwnedReference<CFArrayRef>> ReadChildren(AXUIElementRef element) {
+    return ReadArray(element, kAXChildrenAttribute);
 }
 
 CallResult<Done> SetAttribute(AXUIElementRef element, CFStringRef name, CFTypeRef value) {

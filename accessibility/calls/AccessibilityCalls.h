@@ -25,6 +25,9 @@ CallResult<OwnedReference<CFArrayRef>> ReadAttributes(AXUIElementRef element, CF
 // The windows of an application, in its order. The entries may be of any type.
 CallResult<OwnedReference<CFArrayRef>> ReadWindows(AXUIElementRef application);
 
+// The children of an element, in its order. The entries may be of any type.
+CallResult<OwnedReference<CFArrayRef>> ReadChildren(AXUIElementRef element);
+
 CallResult<Done> SetAttribute(AXUIElementRef element, CFStringRef name, CFTypeRef value);
 CallResult<Done> PerformAction(AXUIElementRef element, CFStringRef action);
 CallResult<bool> IsAttributeSettable(AXUIElementRef element, CFStringRef name);

@@ -17,6 +17,7 @@ bool timeoutIsSet = false;
 
 int operations = 0;                // in progress, one within the other
 std::vector<pid_t> hungProcesses;  // found during them; few, if any
+unsigned long callsMade = 0;
 
 void SetTimeoutOfProcess() {
     const OwnedReference<AXUIElementRef> systemWide(AXUIElementCreateSystemWide());
@@ -45,6 +46,10 @@ CallTiming SetCallTiming(const CallTiming& newTiming) {
     return std::exchange(timing, newTiming);
 }
 
+unsigned long CallsMade() {
+    return callsMade;
+}
+
 MeasuredCall::MeasuredCall(AXUIElementRef element) {
     if (!timeoutIsSet) {
         SetTimeoutOfProcess();
@@ -58,6 +63,7 @@ bool MeasuredCall::ProcessIsHung() const {
 }
 
 void MeasuredCall::Ended(AXError error) {
+    ++callsMade;
     const std::chrono::duration<double> taken = timing.now() - start_;
     if (operations > 0 && error == kAXErrorCannotComplete &&
         taken.count() >= kNearlyAll * timing.timeout) {

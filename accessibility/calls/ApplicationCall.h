@@ -38,6 +38,9 @@ struct CallTiming {
 // Returns the timing that it replaces.
 CallTiming SetCallTiming(const CallTiming& timing);
 
+// Calls made since the process started: each is one exchange.
+unsigned long CallsMade();
+
 // One call to the process that an element belongs to; see CallApplication.
 class MeasuredCall {
   public:
