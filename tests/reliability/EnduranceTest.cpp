@@ -51,9 +51,10 @@ class Endurance : public testing::Test {
         while (received < last) {
             while (sent < last && sent - received < kWindow) {
                 const MixedRequest& request = At(sent);
-                ASSERT_TRUE(client->Send(WireClient::Request(request.code, request.body, ++sent)));
+                ASSERT_TRUE(
+                    client->SendBytes(WireClient::Request(request.code, request.body, ++sent)));
             }
-            const auto reply = client->Receive();
+            const auto reply = client->ReceiveReply();
             ASSERT_TRUE(reply) << "request " << received << " got no reply";
             ASSERT_EQ(reply->sequence, received + 1) << "lost, reordered or answered twice";
             ASSERT_EQ(reply->data, At(received).reply) << At(received).code;
@@ -97,7 +98,7 @@ TEST_F(Endurance, MixedRequestsWithObservationOnLeaveMemoryDescriptorsAndThreads
     if (kMemoryIsMeaningful) {
         EXPECT_LT(std::abs(growth), static_cast<std::ptrdiff_t>(kMostGrowth));
     }
-    EXPECT_FALSE(client->Receive(0.2)) << "a reply too many";
+    EXPECT_FALSE(client->ReceiveReply(0.2)) << "a reply too many";
 
     EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
 }

@@ -66,8 +66,8 @@ class HungEditor : public testing::Test {
     };
     Timed Ask(std::string_view code, const Bytes& body) {
         const auto begin = Clock::now();
-        EXPECT_TRUE(client->Send(WireClient::Request(code, body, ++sequence)));
-        const auto reply = client->Receive(30);
+        EXPECT_TRUE(client->SendBytes(WireClient::Request(code, body, ++sequence)));
+        const auto reply = client->ReceiveReply(30);
         const std::chrono::duration<double> taken = Clock::now() - begin;
         EXPECT_TRUE(reply) << code << " was never answered";
         return {reply ? reply->data : Bytes{}, taken.count()};

@@ -13,11 +13,11 @@ void Load::Run() {
         std::uint32_t received = 0;
         while (!stop_ && client.Connected()) {
             const MixedRequest& next = RequestMix()[sent % RequestMix().size()];
-            if (!client.Send(WireClient::Request(next.code, next.body, ++sent), 1)) {
+            if (!client.SendBytes(WireClient::Request(next.code, next.body, ++sent), 1)) {
                 break;
             }
             if (sent - received == kWindow) {
-                if (!client.Receive(1)) {
+                if (!client.ReceiveReply(1)) {
                     break;
                 }
                 ++received;

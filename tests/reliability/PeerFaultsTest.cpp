@@ -32,7 +32,8 @@ class PeerFaults : public testing::Test {
     // A new client gets the right reply.
     static bool Serves() {
         WireClient client;
-        return client.Send(WireClient::Request("JGlM", {}, 7)) && Expected(client.Receive(), 7);
+        return client.SendBytes(WireClient::Request("JGlM", {}, 7)) &&
+               Expected(client.ReceiveReply(), 7);
     }
     static bool Expected(const std::optional<WireClient::Reply>& reply, std::uint32_t sequence) {
         return reply && reply->sequence == sequence &&
@@ -65,7 +66,7 @@ TEST_F(PeerFaults, HalfARequestIsWaitedForAndForgottenWithItsClient) {
     const Bytes request = WireClient::Request("JPMS", Bytes(16, 1), 1);
     for (std::size_t length = 1; length < request.size(); ++length) {
         WireClient client;
-        EXPECT_TRUE(client.Send({request.data(), length}));
+        EXPECT_TRUE(client.SendBytes({request.data(), length}));
         EXPECT_TRUE(Serves());
     }
     ExpectDescriptorsOf(before);
@@ -75,16 +76,16 @@ TEST_F(PeerFaults, HalfARequestIsWaitedForAndForgottenWithItsClient) {
 TEST_F(PeerFaults, SecondHalfOfARequestMayComeLater) {
     WireClient client;
     const Bytes request = WireClient::Request("JGlM", {}, 3);
-    EXPECT_TRUE(client.Send({request.data(), 9}));
+    EXPECT_TRUE(client.SendBytes({request.data(), 9}));
     EXPECT_TRUE(Serves());
-    EXPECT_TRUE(client.Send({request.data() + 9, request.size() - 9}));
-    EXPECT_TRUE(Expected(client.Receive(), 3));
+    EXPECT_TRUE(client.SendBytes({request.data() + 9, request.size() - 9}));
+    EXPECT_TRUE(Expected(client.ReceiveReply(), 3));
 }
 
 TEST_F(PeerFaults, BytesThatAreNoRequestEndTheConnection) {
     WireClient client;
-    EXPECT_TRUE(client.Send(Bytes(64, 0xFF)));
-    EXPECT_TRUE(client.Closed());
+    EXPECT_TRUE(client.SendBytes(Bytes(64, 0xFF)));
+    EXPECT_TRUE(client.Ends());
     EXPECT_TRUE(Serves());
 }
 
@@ -92,11 +93,11 @@ TEST_F(PeerFaults, ThousandRequestsAreAnsweredInOrderToAClientThatReadsOnlyThen)
     constexpr std::uint32_t kRequests = 1000;
     WireClient client;
     for (std::uint32_t sequence = 1; sequence <= kRequests; ++sequence) {
-        ASSERT_TRUE(client.Send(WireClient::Request("JGlM", {}, sequence)));
+        ASSERT_TRUE(client.SendBytes(WireClient::Request("JGlM", {}, sequence)));
     }
     EXPECT_TRUE(Serves());
     for (std::uint32_t sequence = 1; sequence <= kRequests; ++sequence) {
-        ASSERT_TRUE(Expected(client.Receive(), sequence)) << sequence;
+        ASSERT_TRUE(Expected(client.ReceiveReply(), sequence)) << sequence;
     }
 }
 
@@ -126,7 +127,7 @@ TEST_F(PeerFaults, FullSocketCostsTheOthersNothingAndIsServedOnOnceItIsRead) {
     EXPECT_LT(State().residentBytes, before.residentBytes + 2 * kMegabyte);
 
     for (std::uint32_t read = 1; read <= sequence; ++read) {
-        ASSERT_TRUE(Expected(client.Receive(), read)) << read << " of " << sequence;
+        ASSERT_TRUE(Expected(client.ReceiveReply(), read)) << read << " of " << sequence;
     }
 }
 
@@ -143,10 +144,10 @@ TEST_F(PeerFaults, ThousandClientsAreServedEach) {
         ASSERT_TRUE(clients.back()->Connected()) << index;
     }
     for (const auto& client : clients) {
-        ASSERT_TRUE(client->Send(WireClient::Request("JGlM", {}, 5)));
+        ASSERT_TRUE(client->SendBytes(WireClient::Request("JGlM", {}, 5)));
     }
     for (std::size_t index = 0; index < kClients; ++index) {
-        ASSERT_TRUE(Expected(clients[index]->Receive(), 5)) << index;
+        ASSERT_TRUE(Expected(clients[index]->ReceiveReply(), 5)) << index;
     }
     clients.clear();
     ExpectDescriptorsOf(before);
@@ -161,7 +162,8 @@ TEST_F(PeerFaults, ClientsBeyondTheDescriptorsAreRefusedAndTheOthersServed) {
     }
     int served = 0;
     for (const auto& client : clients) {
-        if (client->Send(WireClient::Request("JGlM", {}, 5)) && Expected(client->Receive(), 5)) {
+        if (client->SendBytes(WireClient::Request("JGlM", {}, 5)) &&
+            Expected(client->ReceiveReply(), 5)) {
             ++served;
         }
     }

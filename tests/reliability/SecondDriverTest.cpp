@@ -57,8 +57,8 @@ class SecondDriver : public testing::Test {
     // One request over a connection that lasts, answered by the driver that it was opened to.
     void ExpectServed() {
         ++sequence;
-        ASSERT_TRUE(client->Send(WireClient::Request("JGlM", {}, sequence)));
-        const auto reply = client->Receive();
+        ASSERT_TRUE(client->SendBytes(WireClient::Request("JGlM", {}, sequence)));
+        const auto reply = client->ReceiveReply();
         ASSERT_TRUE(reply && reply->sequence == sequence && reply->data.size() == 8);
     }
 

@@ -20,8 +20,8 @@ void StartTogether(Stage& stage) {
 
 bool DriverAnswers() {
     WireClient client;
-    return client.Connected() && client.Send(WireClient::Request("JPth", {0}, 1)) &&
-           client.Receive().has_value();
+    return client.Connected() && client.SendBytes(WireClient::Request("JPth", {0}, 1)) &&
+           client.ReceiveReply().has_value();
 }
 
 bool DriverSeesTheEditor() {

@@ -2,9 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -37,22 +35,13 @@ struct PrivateSocket {
     Bytes frame;  // well-formed, for what listens there
 };
 
-Bytes Framed(const Bytes& payload) {
-    Bytes frame;
-    for (unsigned shift = 0; shift < 32; shift += 8) {
-        frame.push_back(static_cast<std::uint8_t>(payload.size() >> shift));
-    }
-    frame.insert(frame.end(), payload.begin(), payload.end());
-    return frame;
-}
-
 // Asks the desktop for all that is on it.
 Bytes StateRequest() {
     desktop_link::Request request;
     request.operation = desktop_link::Operation::script;
     request.text = R"({"command": "state"})";
-    return Framed(desktop_link::MakePayload(desktop_link::FrameKind::request, 1,
-                                            desktop_link::Encode(request)));
+    return test_support::Framed(desktop_link::MakePayload(desktop_link::FrameKind::request, 1,
+                                                          desktop_link::Encode(request)));
 }
 
 // 'JPMS' presses the mouse button; the companion shows every message, unknown ones too.
@@ -193,8 +182,8 @@ TEST_F(OtherUsers, AreClosedAtOnceWhenTheModesWereRelaxedByHandAndTheOwnerIsServ
         strangers.push_back(Attack(target));
     }
     for (std::uint32_t sequence = 1; sequence <= kTries; ++sequence) {
-        ASSERT_TRUE(owner.Send(WireClient::Request("JGlM", {}, sequence)));
-        const auto reply = owner.Receive();
+        ASSERT_TRUE(owner.SendBytes(WireClient::Request("JGlM", {}, sequence)));
+        const auto reply = owner.ReceiveReply();
         ASSERT_TRUE(reply && reply->sequence == sequence && reply->data.size() == 8);
     }
     for (const auto& stranger : strangers) {
@@ -208,13 +197,9 @@ TEST_F(OtherUsers, AreClosedAtOnceWhenTheModesWereRelaxedByHandAndTheOwnerIsServ
 // The same frames, sent by the owner, have an effect: they are refused for who sends them.
 TEST_F(OtherUsers, SendWhatTheOwnerWouldBeAnsweredTo) {
     for (const PrivateSocket& target : PrivateSockets()) {
-        const local_socket::Descriptor owner = local_socket::Connect(target.socket);
-        ASSERT_EQ(write(owner.get(), target.frame.data(), target.frame.size()),
-                  static_cast<ssize_t>(target.frame.size()));
-        pollfd readable{owner.get(), POLLIN, 0};
-        ASSERT_EQ(poll(&readable, 1, 10'000), 1) << target.socket;
-        char byte = 0;
-        EXPECT_EQ(read(owner.get(), &byte, 1), 1) << target.socket;
+        test_support::SocketPeer owner(target.socket);
+        ASSERT_TRUE(owner.SendBytes(target.frame)) << target.socket;
+        EXPECT_TRUE(owner.ReceivePayload()) << target.socket;
     }
     EXPECT_TRUE(stage->Companion().WaitForOutput("JXXX"));
     EXPECT_NE(DesktopLog(), logBefore) << "the button was pressed";

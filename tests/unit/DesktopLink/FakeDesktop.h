@@ -3,7 +3,6 @@
 #pragma once
 
 #include <poll.h>
-#include <sys/socket.h>
 
 #include <functional>
 #include <future>
@@ -18,6 +17,7 @@
 #include "platform/DesktopLink/Framing.h"
 #include "platform/DesktopLink/Messages.h"
 #include "platform/LocalSocket/Socket.h"
+#include "tests/support/SocketPeer.h"
 
 namespace desktop_link {
 
@@ -45,23 +45,21 @@ class FakeDesktop {
     // --- for scripts ---
 
     void Accept() {
-        WaitFor(listener_->descriptor());
-        client_ = listener_->Accept();
-        reader_ = local_socket::FrameReader(kLargestPayload);
+        pollfd waiting{listener_->descriptor(), POLLIN, 0};
+        if (poll(&waiting, 1, static_cast<int>(kPatience * 1000)) != 1) {
+            throw std::runtime_error("no client connected");
+        }
+        client_.emplace(listener_->Accept());
     }
 
     Received Receive() {
-        for (;;) {
-            if (const auto payload = reader_.Next()) {
-                const auto frame = ParsePayload(*payload);
-                auto request = DecodeRequest(frame->message.data(), frame->message.size());
-                return {frame->sequence, request.value()};
-            }
-            WaitFor(client_.get());
-            if (reader_.ReadFrom(client_.get()) != local_socket::FrameReader::Status::open) {
-                throw std::runtime_error("the client went away instead of sending a request");
-            }
+        const auto payload = client_->ReceivePayload(kPatience);
+        if (!payload) {
+            throw std::runtime_error("the client sent no request");
         }
+        const auto frame = ParsePayload(*payload);
+        auto request = DecodeRequest(frame->message.data(), frame->message.size());
+        return {frame->sequence, request.value()};
     }
 
     // Accepts, and answers hello.
@@ -84,31 +82,24 @@ class FakeDesktop {
         SendPayload(MakePayload(FrameKind::notification, 0, Encode(notification)));
     }
 
-    void SendPayload(std::span<const std::uint8_t> payload) {
-        local_socket::FrameWriter writer;
-        writer.Write(client_.get(), payload);
-    }
+    void SendPayload(std::span<const std::uint8_t> payload) { client_->SendPayload(payload); }
 
     void SendBytes(std::span<const std::uint8_t> bytes) {
-        if (send(client_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) < 0) {
+        if (!client_->SendBytes(bytes)) {
             throw std::runtime_error("the client went away");
         }
     }
 
     // Whether the client has closed the connection, waiting for it if need be.
-    bool ClientHangsUp() {
-        char byte = 0;
-        do {
-            WaitFor(client_.get());
-        } while (recv(client_.get(), &byte, 1, 0) > 0);
-        return true;
-    }
+    bool ClientHangsUp() { return client_->Ends(kPatience); }
 
-    void HangUp() { client_.reset(); }
+    void HangUp() { client_->Close(); }
 
     void StopListening() { listener_.reset(); }
 
   private:
+    static constexpr double kPatience = 5;  // seconds
+
     static local_socket::Listener Listen() {
         std::string problem;
         auto listener = local_socket::Listener::Create(kSocketName, nullptr, &problem);
@@ -118,16 +109,8 @@ class FakeDesktop {
         return std::move(*listener);
     }
 
-    static void WaitFor(int descriptor) {
-        pollfd entry{descriptor, POLLIN, 0};
-        if (poll(&entry, 1, 5000) != 1) {
-            throw std::runtime_error("nothing came from the client");
-        }
-    }
-
     std::optional<local_socket::Listener> listener_;
-    local_socket::Descriptor client_;
-    local_socket::FrameReader reader_{kLargestPayload};
+    std::optional<test_support::SocketPeer> client_;
     std::future<void> finished_;
     std::thread thread_;
 };

@@ -50,8 +50,8 @@ class Serving : public testing::Test {
 
 TEST_F(Serving, RepliesBearTheNumbersOfTheirRequests) {
     SocketClient client;
-    client.Send(7, Read("AXTitle"));
-    client.Send(4000000000, Read("AXRole"));
+    client.SendRequest(7, Read("AXTitle"));
+    client.SendRequest(4000000000, Read("AXRole"));
     const auto first = client.Receive();
     const auto second = client.Receive();
     ASSERT_TRUE(first && second);
@@ -66,12 +66,12 @@ TEST_F(Serving, HungApplicationHoldsUpNobodyAndAnswersWhenItIsReleased) {
     SocketClient waiting;
     SocketClient other;
     other.Run({{"command", "hang"}, {"application", "com.example.editor"}});
-    waiting.Send(1, Read("AXTitle"));
-    EXPECT_FALSE(waiting.Receive(50)) << "a hung application has answered";
+    waiting.SendRequest(1, Read("AXTitle"));
+    EXPECT_FALSE(waiting.Receive(0.05)) << "a hung application has answered";
     Request pointer;
     pointer.operation = Operation::pointerLocation;
     EXPECT_TRUE(other.Ask(pointer));
-    waiting.Send(2, pointer);
+    waiting.SendRequest(2, pointer);
     EXPECT_EQ(waiting.Receive()->sequence, 2u) << "later requests of the same client go on";
     other.Run({{"command", "unhang"}, {"application", "com.example.editor"}});
     EXPECT_EQ(waiting.Receive()->sequence, 1u);
@@ -87,11 +87,11 @@ TEST_F(Serving, RequestsOfClientsThatGaveUpAreNotKeptForEver) {
     SocketClient client;
     client.Run({{"command", "hang"}, {"application", "com.example.editor"}});
     for (std::uint32_t i = 1; i <= 100; ++i) {
-        client.Send(i, Read("AXTitle"));
+        client.SendRequest(i, Read("AXTitle"));
     }
     client.Run({{"command", "unhang"}, {"application", "com.example.editor"}});
     std::vector<std::uint32_t> answered;
-    while (const auto received = client.Receive(100)) {
+    while (const auto received = client.Receive(0.1)) {
         answered.push_back(received->sequence);
     }
     ASSERT_EQ(answered.size(), 64u) << "the latest ones are kept";
@@ -113,7 +113,7 @@ TEST_F(Serving, NotificationsComeAfterHelloOnly) {
     EXPECT_EQ(received->sequence, 0u);
     EXPECT_EQ(desktop_link::DecodeNotification(received->message.data(), received->message.size()),
               desktop_link::Notification{});
-    EXPECT_FALSE(silent.Receive(50));
+    EXPECT_FALSE(silent.Receive(0.05));
 }
 
 TEST_F(Serving, GarbageEndsOnlyTheConnectionItCameFrom) {
@@ -129,19 +129,15 @@ TEST_F(Serving, GarbageEndsOnlyTheConnectionItCameFrom) {
     for (const auto& payload : garbage) {
         SocketClient bad;
         bad.SendPayload(payload);
-        EXPECT_TRUE(bad.Ended());
+        EXPECT_TRUE(bad.Ends());
     }
     EXPECT_TRUE(good.Ask(Read("AXTitle")));
 }
 
 TEST_F(Serving, AnnouncedGigabytesEndTheConnection) {
-    const local_socket::Descriptor bad = local_socket::Connect(desktop_link::kSocketName);
-    const unsigned char header[] = {0xFF, 0xFF, 0xFF, 0x7F, 1};
-    ASSERT_EQ(write(bad.get(), header, sizeof header), 5);
-    pollfd waiting{bad.get(), POLLIN, 0};
-    ASSERT_EQ(poll(&waiting, 1, 5000), 1);
-    char byte = 0;
-    EXPECT_EQ(read(bad.get(), &byte, 1), 0) << "the end of the connection was expected";
+    SocketClient bad;
+    EXPECT_TRUE(bad.SendBytes(std::vector<std::uint8_t>{0xFF, 0xFF, 0xFF, 0x7F, 1}));
+    EXPECT_TRUE(bad.Ends());
     EXPECT_TRUE(SocketClient().Ask(Read("AXTitle")));
 }
 
@@ -153,7 +149,7 @@ TEST_F(Serving, WhatAClientSentBeforeItLeftIsStillDone) {
         SocketClient client;
         for (std::uint32_t i = 0; i < 500; ++i) {
             post.event.position = {double(i), 1};
-            client.Send(i, post);
+            client.SendRequest(i, post);
         }
     }
     SocketClient observer;
@@ -177,7 +173,7 @@ TEST_F(Serving, ClientThatDoesNotReadItsAnswersHoldsUpNobody) {
     dump.operation = Operation::script;
     dump.text = R"({"command": "dump"})";
     for (std::uint32_t i = 0; i < 100; ++i) {  // a hundred megabytes of answers
-        unread.Send(i, dump);
+        unread.SendRequest(i, dump);
     }
     EXPECT_TRUE(other.Ask(Read("AXTitle")));
     for (std::uint32_t i = 0; i < 100; ++i) {
@@ -200,7 +196,7 @@ TEST_F(Serving, SecondHelloIsAnsweredLikeTheFirst) {
     EXPECT_TRUE(client.Ask(hello));
     EXPECT_TRUE(client.Ask(hello));
     client.Run({{"command", "activate"}, {"application", nullptr}});
-    EXPECT_FALSE(client.Receive(50)) << "the notification came before the reply, and once";
+    EXPECT_FALSE(client.Receive(0.05)) << "the notification came before the reply, and once";
 }
 
 TEST_F(Serving, ServesTwoHundredClientsAndClosesTheNext) {
@@ -209,7 +205,7 @@ TEST_F(Serving, ServesTwoHundredClientsAndClosesTheNext) {
         clients.push_back(std::make_unique<SocketClient>());
         ASSERT_TRUE(clients.back()->Ask(Read("AXTitle"))) << i;
     }
-    EXPECT_TRUE(SocketClient().Ended());
+    EXPECT_TRUE(SocketClient().Ends());
     clients.pop_back();
     EXPECT_TRUE(clients.front()->Ask(Read("AXTitle")));
     bool served = false;
@@ -222,7 +218,7 @@ TEST_F(Serving, ServesTwoHundredClientsAndClosesTheNext) {
 TEST_F(Serving, ClientThatShutsItsSendingSideGetsItsAnswers) {
     SocketClient client;
     for (std::uint32_t i = 1; i <= 100; ++i) {
-        client.Send(i, Read("AXTitle"));
+        client.SendRequest(i, Read("AXTitle"));
     }
     client.FinishSending();
     for (std::uint32_t i = 1; i <= 100; ++i) {
@@ -230,7 +226,7 @@ TEST_F(Serving, ClientThatShutsItsSendingSideGetsItsAnswers) {
         ASSERT_TRUE(received) << i;
         EXPECT_EQ(received->sequence, i);
     }
-    EXPECT_TRUE(client.Ended());
+    EXPECT_TRUE(client.Ends());
 }
 
 TEST_F(Serving, StopIsAnsweredAndEndsTheServing) {

@@ -2,21 +2,28 @@
 #pragma once
 
 #include <sys/ioctl.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
 #include <string>
 
-#include "platform/CoreFoundation/MessagePort/MessageFrame.h"
-#include "platform/LocalSocket/Socket.h"
+#include "tests/support/SocketPeer.h"
 #include "tests/support/WaitUntil.h"
 
 namespace message_port_test {
 
 using message_port::MessageHeader;
 
+inline std::string TextOf(const test_support::Bytes& bytes) {
+    return {bytes.begin(), bytes.end()};
+}
+
+inline test_support::Bytes BytesOf(const std::string& text) {
+    return {text.begin(), text.end()};
+}
+
+// The length that a frame begins with.
 inline std::string LittleEndian(std::uint32_t value) {
     std::string bytes;
     for (int i = 0; i < 4; ++i) {
@@ -26,13 +33,12 @@ inline std::string LittleEndian(std::uint32_t value) {
 }
 
 inline std::string Frame(const std::string& payload) {
-    return LittleEndian(static_cast<std::uint32_t>(payload.size())) + payload;
+    return TextOf(test_support::Framed(BytesOf(payload)));
 }
 
 inline std::string MessageFrame(MessageHeader::Kind kind, std::uint32_t sequence,
                                 const std::string& data, bool wantsReply = true) {
-    const auto header = message_port::EncodeHeader({kind, wantsReply, 1, sequence});
-    return Frame(std::string(header.begin(), header.end()) + data);
+    return TextOf(test_support::FramedMessage({kind, wantsReply, 1, sequence}, BytesOf(data)));
 }
 
 inline std::string Request(std::uint32_t sequence, const std::string& data) {
@@ -40,26 +46,21 @@ inline std::string Request(std::uint32_t sequence, const std::string& data) {
 }
 
 // The far end of a connection.
-class RawPeer {
+class RawPeer : public test_support::SocketPeer {
   public:
-    explicit RawPeer(const std::string& name) : socket_(local_socket::Connect(name)) {}
-    explicit RawPeer(local_socket::Descriptor socket) : socket_(std::move(socket)) {}
+    using SocketPeer::SocketPeer;
 
     // The number of bytes that were taken.
-    std::size_t Send(const std::string& bytes) {
-        const ssize_t count =
-            send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-        return count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
+    std::size_t Send(const std::string& bytes) { return SendSome(BytesOf(bytes)); }
 
     std::string Received() {
         std::string bytes;
         char buffer[4096];
         ssize_t count = 0;
-        while ((count = read(socket_.get(), buffer, sizeof buffer)) > 0) {
+        while ((count = read(Descriptor(), buffer, sizeof buffer)) > 0) {
             bytes.append(buffer, static_cast<std::size_t>(count));
         }
-        ended_ = count == 0 || errno != EAGAIN;
+        disconnected_ = count == 0 || errno != EAGAIN;
         return bytes;
     }
 
@@ -70,7 +71,7 @@ class RawPeer {
         Clock::time_point changed;
         test_support::WaitUntil([&] {
             int waiting = 0;
-            ioctl(socket_.get(), FIONREAD, &waiting);
+            ioctl(Descriptor(), FIONREAD, &waiting);
             if (waiting != before) {
                 before = waiting;
                 changed = Clock::now();
@@ -81,15 +82,11 @@ class RawPeer {
 
     bool IsDisconnected() {
         Received();
-        return ended_;
+        return disconnected_;
     }
 
-    void FinishSending() { shutdown(socket_.get(), SHUT_WR); }
-    void Close() { socket_.reset(); }
-
   private:
-    local_socket::Descriptor socket_;
-    bool ended_ = false;
+    bool disconnected_ = false;
 };
 
 }  // namespace message_port_test
