@@ -1,14 +1,14 @@
 #include <syslog.h>
 
 #include "platform/Testing/LogCapture.h"
-#include "tests/unit/accessibility/DriverTest.h"
+#include "tests/unit/accessibility/DriverBesideEditor.h"
 
 namespace {
 
 using platform_testing::LogLine;
 using testing::ElementsAre;
 
-class ChildSearch : public DriverTest {
+class ChildSearch : public DriverBesideEditor {
   protected:
     std::string Find(const std::vector<ElementReference>& children, const char* identifier,
                      CFStringRef role = kVEK_AXRole_AllValidRoles, bool debug = false) {
@@ -159,7 +159,7 @@ TEST_F(ChildSearch, LogsNothingOtherwise) {
 // --- One level, by role and description
 // ------------------------------------------------------------
 
-class ChildByDescription : public DriverTest {
+class ChildByDescription : public DriverBesideEditor {
   protected:
     ElementReference Child(const std::string& title, const std::string& role,
                            const Value& description) {

@@ -1,7 +1,7 @@
 #import <Foundation/Foundation.h>
 
 #include "platform/Testing/LogCapture.h"
-#include "tests/unit/accessibility/DriverTest.h"
+#include "tests/unit/accessibility/DriverBesideEditor.h"
 
 AXUIElementRef FindColorPuck(CVEK_UserSpaceDriver& driver, const std::string& identifier) {
     return driver.GetColorPuckWithID([NSString stringWithUTF8String:identifier.c_str()]);
@@ -9,7 +9,7 @@ AXUIElementRef FindColorPuck(CVEK_UserSpaceDriver& driver, const std::string& id
 
 namespace {
 
-class ColorPuck : public DriverTest {
+class ColorPuck : public DriverBesideEditor {
   protected:
     std::string Find(NSString* identifier = @"_NS:1") {
         return TitleOf(driver_->GetColorPuckWithID(identifier));

@@ -23,7 +23,7 @@
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
-#include "tests/unit/accessibility/DriverTest.h"
+#include "tests/unit/accessibility/DriverBesideEditor.h"
 #include "tests/unit/accessibility/EditorSession.h"
 
 namespace {

@@ -15,7 +15,7 @@
 #include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
-#include "tests/unit/accessibility/DriverTest.h"
+#include "tests/unit/accessibility/DriverBesideEditor.h"
 
 // A driver that sees one scene, from start to end.
 class EditorSession {
@@ -53,7 +53,7 @@ class EditorSession {
 
     std::vector<std::string> Sent() {
         std::vector<std::string> texts;
-        for (const SentMessage& message : TakeSent(companion_, **driver_)) {
+        for (const SentMessage& message : TakeSentTexts(companion_, **driver_)) {
             texts.push_back(message.body.substr(0, message.body.size() - 1));
         }
         return texts;

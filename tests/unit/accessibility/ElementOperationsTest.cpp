@@ -1,13 +1,13 @@
 #include <limits>
 
 #include "platform/Testing/LogCapture.h"
-#include "tests/unit/accessibility/DriverTest.h"
+#include "tests/unit/accessibility/DriverBesideEditor.h"
 
 namespace {
 
 using desktop_link::Request;
 
-class ElementOperations : public DriverTest {
+class ElementOperations : public DriverBesideEditor {
   protected:
     ElementReference Show(const std::string& role, const std::string& identifier = "_NS:1",
                           const std::vector<ElementReference>& children = {}) {

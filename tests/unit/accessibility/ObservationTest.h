@@ -2,9 +2,9 @@
 #pragma once
 
 #include "VEKCommon/MessageCodes.h"
-#include "tests/unit/accessibility/DriverTest.h"
+#include "tests/unit/accessibility/DriverBesideEditor.h"
 
-class ObservationTest : public DriverTest {
+class ObservationTest : public DriverBesideEditor {
   protected:
     ObservationTest() { ChooseFirstStaticText(); }
 

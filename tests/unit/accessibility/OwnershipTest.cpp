@@ -1,12 +1,12 @@
 // What each operation leaves behind, by count of the live objects.
-#include "tests/unit/accessibility/DriverTest.h"
+#include "tests/unit/accessibility/DriverBesideEditor.h"
 
 namespace {
 
 using platform_testing::LeftOverBy;
 
 // The tree that every operation here works on: each kind of control that one of them looks for.
-class Ownership : public DriverTest {
+class Ownership : public DriverBesideEditor {
   protected:
     Ownership() {
         ElementReference window = editor_.ShowWindow({});

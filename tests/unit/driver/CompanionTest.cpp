@@ -1,6 +1,6 @@
 // A companion that is missing, starts late, ends and restarts: the driver keeps running.
 
-#include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 namespace {
 
@@ -59,10 +59,10 @@ TEST_F(WithoutCompanion, OneThatComesLaterIsNeverFound) {
     EXPECT_FALSE(DriverInspector::RemotePort(*driver_)->IsValid());
 }
 
-class CompanionThatDies : public DriverTest {
+class CompanionThatDies : public TickedDriver {
   protected:
-    CompanionThatDies() : DriverTest(SceneWithController()) {
-        Tick();
+    CompanionThatDies() : TickedDriver(SceneWithController()) {
+        RunTicks();
         EXPECT_THAT(Sent(), ElementsAre(kJSLg, kStus));
     }
 
@@ -90,7 +90,7 @@ TEST_F(CompanionThatDies, SendsAnswerThatThePortIsInvalidWithoutAWord) {
 TEST_F(CompanionThatDies, PortObjectStaysAndStillCountsAsValid) {
     CACFRemoteMessagePort* const port = DriverInspector::RemotePort(*driver_);
     Kill();
-    Tick(10);
+    RunTicks(10);
     EXPECT_EQ(DriverInspector::RemotePort(*driver_), port);
     EXPECT_TRUE(port->IsValid());
 }
@@ -98,7 +98,7 @@ TEST_F(CompanionThatDies, PortObjectStaysAndStillCountsAsValid) {
 TEST_F(CompanionThatDies, TicksGoOnAndTheObservedNameCountsAsSent) {
     ObserveBoth();
     Kill();
-    Tick(10);
+    RunTicks(10);
     EXPECT_STREQ(DriverInspector::LastClipName(*driver_), "Clip");
     EXPECT_EQ(DriverInspector::Profile(*driver_), 4);
     EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
@@ -109,7 +109,7 @@ TEST_F(CompanionThatDies, OneThatComesBackIsNotFoundByTheSamePort) {
     companion_.emplace();
     companion_->reply = test_support::Bytes(28);
     ObserveBoth();
-    Tick(10);
+    RunTicks(10);
     RunLoopFor(0);
     EXPECT_EQ(SendStatusRequest(), kPortInvalid);
     EXPECT_THAT(companion_->received, IsEmpty());
@@ -118,7 +118,7 @@ TEST_F(CompanionThatDies, OneThatComesBackIsNotFoundByTheSamePort) {
 TEST_F(CompanionThatDies, OneThatComesBackUnnoticedIsNotFoundEither) {
     companion_.reset();
     companion_.emplace();
-    Tick(10);
+    RunTicks(10);
     RunLoopFor(0);
     EXPECT_NE(SendStatusRequest(), 0);
     EXPECT_THAT(companion_->received, IsEmpty());

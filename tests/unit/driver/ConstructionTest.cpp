@@ -5,7 +5,7 @@
 #include <memory>
 #include <new>
 
-#include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 namespace {
 

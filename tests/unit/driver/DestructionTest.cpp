@@ -11,8 +11,8 @@
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/VirtualSlot.h"
-#include "tests/unit/driver/DriverTest.h"
 #include "tests/unit/driver/ReleaseWatch.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 namespace {
 

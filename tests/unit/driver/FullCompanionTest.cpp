@@ -1,10 +1,10 @@
 // A companion that exists but takes no message: the queue of its port fills.
 
-#include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 namespace {
 
-class FullCompanion : public DriverTest {
+class FullCompanion : public TickedDriver {
   protected:
     SInt32 Send(bool wantReply = false) {
         unsigned char body[] = {'x', 0};

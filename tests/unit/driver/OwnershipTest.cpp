@@ -1,7 +1,7 @@
 // What a tick and what each outbound message leave over: nothing.
 
 #include "tests/support/LongForm.h"
-#include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 namespace {
 
@@ -10,9 +10,9 @@ using testing::ElementsAre;
 
 const int kRepetitions = test_support::Repetitions(200, 10'000);
 
-class DriverOwnership : public DriverTest {
+class DriverOwnership : public TickedDriver {
   protected:
-    DriverOwnership() : DriverTest(SceneWithController()) {}
+    DriverOwnership() : TickedDriver(SceneWithController()) {}
 
     // After a first round, in which Foundation fills its caches.
     static std::string LeftOverBy(const std::function<void()>& operation) {
@@ -46,11 +46,11 @@ TEST_F(DriverOwnership, StatusQueryAndItsReplyLeaveNothingOver) {
 
 TEST_F(DriverOwnership, NewClipNameLeavesNothingOver) {
     driver_->ObserveFCPXClipSelectionChange();
-    Tick();
+    RunTicks();
     Sent();
     EXPECT_EQ(LeftOverBy([this] {
                   Show("_NS:100", "AXValue", "Clip " + std::to_string(++round_));
-                  Tick();
+                  RunTicks();
                   ASSERT_THAT(Sent(), testing::Contains(kJFSC));
               }),
               "");
@@ -58,11 +58,11 @@ TEST_F(DriverOwnership, NewClipNameLeavesNothingOver) {
 
 TEST_F(DriverOwnership, NewTimecodeLeavesNothingOver) {
     driver_->ObserveFCPXTimelineTimecode();
-    Tick();
+    RunTicks();
     Sent();
     EXPECT_EQ(LeftOverBy([this] {
                   Show("/0/1/0", "AXValueDescription", "01:00:00:" + std::to_string(++round_));
-                  Tick();
+                  RunTicks();
                   ASSERT_THAT(Sent(), testing::Contains(kJFTC));
               }),
               "");
@@ -70,18 +70,18 @@ TEST_F(DriverOwnership, NewTimecodeLeavesNothingOver) {
 
 TEST_F(DriverOwnership, TickOverAStillSceneLeavesNothingOver) {
     ObserveBoth();
-    Tick(2);
-    EXPECT_EQ(LeftOverBy([this] { Tick(); }), "");
+    RunTicks(2);
+    EXPECT_EQ(LeftOverBy([this] { RunTicks(); }), "");
 }
 
 TEST_F(DriverOwnership, TickThatFindsAnotherApplicationInFrontLeavesNothingOver) {
     ObserveBoth();
-    Tick(2);
+    RunTicks(2);
     EXPECT_EQ(LeftOverBy([this] {
                   Activate("com.example.player");
-                  Tick();
+                  RunTicks();
                   Activate("com.apple.FinalCut");
-                  Tick();
+                  RunTicks();
               }),
               "");
 }

@@ -1,7 +1,7 @@
 // There is no autorelease pool around a callout of the run loop, so the driver's callbacks have
 // their own: whatever they autorelease is released when they return.
 
-#include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 namespace {
 
@@ -11,9 +11,9 @@ using platform_testing::ObjectCounts;
 
 // There is no pool of the test around the callbacks: what they autorelease outside of their own
 // pools is never released, and counts as growth.
-class Pools : public DriverTest {
+class Pools : public TickedDriver {
   protected:
-    Pools() : DriverTest(SceneWithController()) { ObserveBoth(); }
+    Pools() : TickedDriver(SceneWithController()) { ObserveBoth(); }
 
     // The objects by which a hundred calls increase what exists after the first five.
     static ObjectCounts GrowthOver(const std::function<void()>& callback) {

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "tests/support/SentMessages.h"
-#include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 namespace {
 
@@ -15,9 +15,11 @@ constexpr int kTicks = 3000;
 constexpr int kTicks = 36000;
 #endif
 
-class QuietHour : public DriverTest {
+class QuietHour : public TickedDriver {
   protected:
-    QuietHour() : DriverTest(SceneWithController()) { companion_->reply = test_support::Bytes(28); }
+    QuietHour() : TickedDriver(SceneWithController()) {
+        companion_->reply = test_support::Bytes(28);
+    }
     ~QuietHour() override {
         driver_->StopTimeoutCounter();
         for (const CFRunLoopTimerRef timer : timers_) {

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "tests/support/FrontApplicationState.h"
-#include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 namespace {
 
@@ -15,21 +15,21 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class Tick : public DriverTest {
+class Tick : public TickedDriver {
   protected:
     int& Profile() { return DriverInspector::Profile(*driver_); }
     bool& IndexChanged() { return DriverInspector::TimelineIndexChanged(*driver_); }
 
     unsigned long ExchangesOfATick() {
         const unsigned long before = desktop_link::ExchangeCount();
-        DriverTest::Tick();
+        RunTicks();
         return desktop_link::ExchangeCount() - before;
     }
 };
 
-class TickWithController : public DriverTest {
+class TickWithController : public TickedDriver {
   protected:
-    TickWithController() : DriverTest(SceneWithController()) {}
+    TickWithController() : TickedDriver(SceneWithController()) {}
 };
 
 const Bytes kStatus(28, 0);
@@ -38,7 +38,7 @@ const Bytes kStatus(28, 0);
 
 TEST_F(TickWithController, ReportsTheLanguageThenTheClipThenTheTimecodeThenAsksForTheStatus) {
     ObserveBoth();
-    Tick();
+    RunTicks();
     EXPECT_THAT(Sent(), ElementsAre(kJSLg, kJFSC, kJFTC, kStus));
 }
 
@@ -46,7 +46,7 @@ TEST_F(Tick, FollowsTheVersionBeforeItObserves) {
     // Only the row of 10.4.1 finds this editor's timecode.
     Profile() = 5;
     ObserveBoth();
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_EQ(Profile(), 4);
     EXPECT_THAT(Sent(), ElementsAre(kJSLg, kJFSC, kJFTC));
 }
@@ -54,7 +54,7 @@ TEST_F(Tick, FollowsTheVersionBeforeItObserves) {
 // --- language ------------------------------------------------------------------------------------
 
 TEST_F(Tick, LanguageIsSentOnce) {
-    DriverTest::Tick(50);
+    RunTicks(50);
     EXPECT_THAT(Sent(), ElementsAre(kJSLg));
     EXPECT_THAT(LanguageTag::Current().asked, SizeIs(1));
     EXPECT_TRUE(DriverInspector::LocaleSent(*driver_));
@@ -62,23 +62,23 @@ TEST_F(Tick, LanguageIsSentOnce) {
 
 TEST_F(Tick, LanguageIsRetriedOnEveryTickWhileItCannotBeHad) {
     LanguageTag::Current().text.reset();
-    DriverTest::Tick(3);
+    RunTicks(3);
     LanguageTag::Current().text = std::string(32, 'x');
-    DriverTest::Tick(3);
+    RunTicks(3);
     EXPECT_THAT(LanguageTag::Current().asked, SizeIs(6));
     EXPECT_FALSE(DriverInspector::LocaleSent(*driver_));
     EXPECT_THAT(Sent(), IsEmpty());
     LanguageTag::Current().text = "de";
-    DriverTest::Tick(3);
+    RunTicks(3);
     EXPECT_THAT(Sent(), ElementsAre(kJSLg));
     EXPECT_STREQ(DriverInspector::Language(*driver_), "de");
 }
 
 TEST_F(Tick, LanguageCountsAsSentAlthoughNobodyReceivedIt) {
     companion_.reset();
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_TRUE(DriverInspector::LocaleSent(*driver_));
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_THAT(LanguageTag::Current().asked, SizeIs(1));
 }
 
@@ -94,30 +94,30 @@ TEST_F(Tick, ProfileFollowsTheVersionOfTheEditor) {
     for (const auto& [version, profile] : versions) {
         SetFrontApplication({"com.apple.FinalCut", version, 501});
         Profile() = -7;
-        DriverTest::Tick();
+        RunTicks();
         EXPECT_EQ(Profile(), profile) << "version " << version;
     }
 }
 
 TEST_F(Tick, AnotherApplicationWhoseVersionStartsWith10_2SetsTheProfileTo1) {
     Activate("com.example.player");
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_EQ(Profile(), 1);
 }
 
 TEST_F(Tick, AnotherApplicationNormallySetsTheProfileBackTo5) {
-    DriverTest::Tick();
+    RunTicks();
     ASSERT_EQ(Profile(), 4);
     SetFrontApplication({"com.example.notes", "2.1", 507});
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_EQ(Profile(), 5);
 }
 
 TEST_F(Tick, ProfileComesBackWithTheEditor) {
     Activate("com.example.player");
-    DriverTest::Tick();
+    RunTicks();
     Activate("com.apple.FinalCut");
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_EQ(Profile(), 4);
 }
 
@@ -125,13 +125,13 @@ TEST_F(Tick, UnreadableVersionLeavesTheProfileUnchanged) {
     Activate("com.example.unversioned");
     for (const int profile : {0, 3, 5}) {
         Profile() = profile;
-        DriverTest::Tick();
+        RunTicks();
         EXPECT_EQ(Profile(), profile);
     }
 }
 
 TEST_F(Tick, ApplicationWithoutBundleIdentifierLeavesTheProfileAndObservesNothing) {
-    DriverTest::Tick();
+    RunTicks();
     Activate("pid:506");  // the version of the editor is still known
     ObserveBoth();
     ASSERT_TRUE(DriverInspector::ObserveClipSelection(*driver_)) << "on without identifier, too";
@@ -160,10 +160,10 @@ TEST_F(Tick, ObservesOnlyWhileTheEditorIsInFront) {
 
 TEST_F(Tick, LongerIdentifierAndOneOfAnotherCaseStillSetTheProfile) {
     Activate("com.apple.FinalCutX");
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_EQ(Profile(), 2);
     Activate("com.apple.finalcut");
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_EQ(Profile(), 3);
 }
 
@@ -176,34 +176,34 @@ TEST_F(Tick, ObservesNothingThatWasNotAskedFor) {
 
 TEST_F(Tick, ObservesTheClipAlone) {
     driver_->ObserveFCPXClipSelectionChange();
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_THAT(Sent(), ElementsAre(kJSLg, kJFSC));
 }
 
 TEST_F(Tick, ObservesTheTimecodeAlone) {
     driver_->ObserveFCPXTimelineTimecode();
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_THAT(Sent(), ElementsAre(kJSLg, kJFTC));
 }
 
 TEST_F(Tick, ChangeOfTheTimelineIndexIsClearedAfterEitherObservation) {
     driver_->ObserveFCPXClipSelectionChange();
     IndexChanged() = true;
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_FALSE(IndexChanged());
     DriverInspector::ObserveClipSelection(*driver_) = false;
     driver_->ObserveFCPXTimelineTimecode();
     IndexChanged() = true;
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_FALSE(IndexChanged());
 }
 
 TEST_F(Tick, ObservationStaysOnWhileAnotherApplicationIsInFrontAndGoesOnAfterwards) {
     ObserveBoth();
     Activate("com.example.player");
-    DriverTest::Tick(5);
+    RunTicks(5);
     Activate("com.apple.FinalCut");
-    DriverTest::Tick();
+    RunTicks();
     EXPECT_THAT(Sent(), ElementsAre(kJSLg, kJFSC, kJFTC));
 }
 
@@ -211,10 +211,10 @@ TEST_F(Tick, ObservationStaysOnWhileAnotherApplicationIsInFrontAndGoesOnAfterwar
 
 TEST_F(TickWithController, StatusIsAskedForOnEveryTickUntilItIsThere) {
     ASSERT_TRUE(DriverInspector::Connected(*driver_));
-    Tick(3);
+    RunTicks(3);
     EXPECT_THAT(Sent(), ElementsAre(kJSLg, kStus, kStus, kStus));
     companion_->reply = kStatus;
-    Tick(3);
+    RunTicks(3);
     EXPECT_THAT(Sent(), ElementsAre(kStus));
     EXPECT_TRUE(DriverInspector::StatusValid(*driver_));
 }
@@ -222,12 +222,12 @@ TEST_F(TickWithController, StatusIsAskedForOnEveryTickUntilItIsThere) {
 TEST_F(TickWithController, StatusReplyThatIsTooShortIsOneLogLineAndAskedForAgainByTheNextTick) {
     companion_->reply = Bytes(27, 1);
     const LogCapture log;
-    Tick();
+    RunTicks();
     EXPECT_THAT(log.SystemTexts(),
                 ElementsAre("controller status ignored: reply of 27 bytes, 28 are needed\n"));
     EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
     companion_->reply = kStatus;
-    Tick(2);
+    RunTicks(2);
     EXPECT_THAT(Sent(), ElementsAre(kJSLg, kStus, kStus));
     EXPECT_THAT(log.SystemTexts(), SizeIs(1));
     EXPECT_TRUE(DriverInspector::StatusValid(*driver_));
@@ -237,7 +237,7 @@ TEST_F(TickWithController, StatusIsAskedForWhateverIsInFront) {
     DriverInspector::LocaleSent(*driver_) = true;
     for (const char* application : {"pid:506", "com.example.unversioned", "com.apple.FinalCutX"}) {
         Activate(application);
-        Tick();
+        RunTicks();
     }
     EXPECT_THAT(Sent(), ElementsAre(kStus, kStus, kStus));
 }
@@ -245,7 +245,7 @@ TEST_F(TickWithController, StatusIsAskedForWhateverIsInFront) {
 TEST_F(Tick, WithoutControllerTheStatusIsNeverAskedFor) {
     ASSERT_FALSE(DriverInspector::Connected(*driver_));
     companion_->reply = kStatus;
-    DriverTest::Tick(100);
+    RunTicks(100);
     EXPECT_THAT(Sent(), ElementsAre(kJSLg));
     EXPECT_FALSE(DriverInspector::StatusValid(*driver_));
 }
@@ -253,7 +253,7 @@ TEST_F(Tick, WithoutControllerTheStatusIsNeverAskedFor) {
 TEST_F(Tick, ControllerPluggedInLaterIsNotConnected) {
     desktop_.Run(R"({"command": "plug", "device": {"name": "KRT-9 USB", "entities": [
         {"name": "Private", "sources": ["Private"], "destinations": ["Private"]}]}})");
-    DriverTest::Tick(10);
+    RunTicks(10);
     EXPECT_FALSE(DriverInspector::Connected(*driver_));
     EXPECT_THAT(Sent(), ElementsAre(kJSLg));
 }
@@ -262,10 +262,10 @@ TEST_F(Tick, ControllerPluggedInLaterIsNotConnected) {
 
 TEST_F(TickWithController, LeavesNoObjectBehindAndLogsNothing) {
     ObserveBoth();
-    Tick(2);
+    RunTicks(2);
     const LogCapture log;
     EXPECT_EQ(platform_testing::LeftOverBy([this] {
-                  Tick();
+                  RunTicks();
                   RunLoopFor(0);
               }),
               "");

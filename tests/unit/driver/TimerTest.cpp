@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "tests/support/OwnedObject.h"
-#include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ using testing::SizeIs;
 const auto kOtherMode = CFSTR("KRT9TestMode");
 
 // There is no language tag, so that every tick asks for it: that is how the ticks are counted.
-class Timer : public DriverTest {
+class Timer : public TickedDriver {
   protected:
     Timer() { LanguageTag::Current().text.reset(); }
     ~Timer() override {

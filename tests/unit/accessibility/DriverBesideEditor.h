@@ -25,7 +25,8 @@ void PrintTo(const SentMessage& message, std::ostream* stream);
 SentMessage TextMessage(SInt32 code, const std::string& text);
 
 // What the companion has got since the last call.
-std::vector<SentMessage> TakeSent(test_support::Companion& companion, CVEK_UserSpaceDriver& driver);
+std::vector<SentMessage> TakeSentTexts(test_support::Companion& companion,
+                                       CVEK_UserSpaceDriver& driver);
 
 // SetValueOfAXRadioGroupWithID, whose deliberate leak LeakSanitizer must not report.
 bool SelectRadioButton(CVEK_UserSpaceDriver& driver, CFStringRef identifier, unsigned index);
@@ -33,9 +34,9 @@ bool SelectRadioButton(CVEK_UserSpaceDriver& driver, CFStringRef identifier, uns
 // GetColorPuckWithID, for tests that are not Objective-C++.
 AXUIElementRef FindColorPuck(CVEK_UserSpaceDriver& driver, const std::string& identifier);
 
-class DriverTest : public AccessibilityTest {
+class DriverBesideEditor : public AccessibilityTest {
   protected:
-    std::vector<SentMessage> Sent() { return TakeSent(*companion_, *driver_); }
+    std::vector<SentMessage> Sent() { return TakeSentTexts(*companion_, *driver_); }
 
     // From now on the driver's messages have no receiver.
     void StopCompanion() { companion_.reset(); }

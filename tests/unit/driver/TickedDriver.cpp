@@ -1,4 +1,4 @@
-#include "tests/unit/driver/DriverTest.h"
+#include "tests/unit/driver/TickedDriver.h"
 
 #include "frontapplication/FrontApplication.h"
 #include "tests/support/LateActivation.h"
@@ -39,29 +39,29 @@ void RunLoopFor(CFTimeInterval seconds) {
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, seconds, false);
 }
 
-DriverTest::DriverTest(const std::string& scene) : desktop_(scene) {
+TickedDriver::TickedDriver(const std::string& scene) : desktop_(scene) {
     LanguageTag::Current() = LanguageTag();
     CFWorkspace_StartObservingFrontApplication();
 }
 
-DriverTest::~DriverTest() = default;
+TickedDriver::~TickedDriver() = default;
 
-void DriverTest::Activate(const std::string& application) {
+void TickedDriver::Activate(const std::string& application) {
     desktop_.Run(R"({"command": "activate", "application": ")" + application + "\"}");
     test_support::AwaitActivations();
 }
 
-void DriverTest::Tick(int count) {
+void TickedDriver::RunTicks(int count) {
     for (int tick = 0; tick < count; ++tick) {
         CVEK_UserSpaceDriver::TimeoutCounterEntry(nullptr, nullptr);
     }
 }
 
-void DriverTest::ObserveBoth() {
+void TickedDriver::ObserveBoth() {
     driver_->ObserveFCPXClipSelectionChange();
     driver_->ObserveFCPXTimelineTimecode();
 }
 
-std::vector<SInt32> DriverTest::Sent() {
+std::vector<SInt32> TickedDriver::Sent() {
     return test_support::CodesOf(test_support::TakeSent(*driver_, *companion_));
 }

@@ -1,4 +1,4 @@
-#include "tests/unit/accessibility/DriverTest.h"
+#include "tests/unit/accessibility/DriverBesideEditor.h"
 
 #include "VEKCommon/MessageCodes.h"
 #include "tests/support/LeakAllowance.h"
@@ -29,8 +29,8 @@ bool SelectRadioButton(CVEK_UserSpaceDriver& driver, CFStringRef identifier, uns
     return driver.SetValueOfAXRadioGroupWithID(identifier, index);
 }
 
-std::vector<SentMessage> TakeSent(test_support::Companion& companion,
-                                  CVEK_UserSpaceDriver& driver) {
+std::vector<SentMessage> TakeSentTexts(test_support::Companion& companion,
+                                       CVEK_UserSpaceDriver& driver) {
     std::vector<SentMessage> sent;
     for (const auto& [code, body] : test_support::TakeSent(driver, companion)) {
         sent.push_back({code, std::string(body.begin(), body.end())});

@@ -29,13 +29,13 @@ std::string SceneWithController();
 // In the run loop's default mode, as the driver's timer.
 void RunLoopFor(CFTimeInterval seconds);
 
-class DriverTest : public testing::Test {
+class TickedDriver : public testing::Test {
   protected:
-    explicit DriverTest(const std::string& scene = SceneWithoutController());
-    ~DriverTest() override;
+    explicit TickedDriver(const std::string& scene = SceneWithoutController());
+    ~TickedDriver() override;
 
     void Activate(const std::string& application);
-    void Tick(int count = 1);
+    void RunTicks(int count = 1);
     void ObserveBoth();
 
     // Codes of what the companion has got since the last call.
