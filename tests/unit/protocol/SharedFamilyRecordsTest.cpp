@@ -81,6 +81,7 @@ TEST(SharedFamilyRecords, IncomingLongArrayIsReadOnlyAndItsElementsAreInHostOrde
     EXPECT_EQ(record.elements[0], 0x01020304u);
     EXPECT_EQ(record.elements[1], 0xFFFFFFFFu);
     EXPECT_EQ(record.Serialize(), nullptr);
+    EXPECT_EQ(record.SerialBufferSize(), 0u) << "the number of bytes it serializes to";
 }
 
 TEST(SharedFamilyRecords, IncomingLongArrayMayHoldASingleElement) {
