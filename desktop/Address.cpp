@@ -3,15 +3,18 @@
 #include <algorithm>
 #include <charconv>
 
-#include "desktop/JsonFields.h"
-#include "desktop/SceneError.h"
+#include "scenes/notation/Addresses.h"
+#include "scenes/notation/Json.h"
+#include "scenes/notation/SceneError.h"
 
 namespace desktop {
+
+using namespace scene_notation;
 
 namespace {
 
 [[noreturn]] void Refuse(std::string_view address, const std::string& place) {
-    throw SceneError(place, "no element " + ToText(nlohmann::json(address)));
+    throw SceneError(place, "no element " + OneLine(nlohmann::json(address)));
 }
 
 bool IsNumber(std::string_view text, std::size_t& number) {
@@ -88,7 +91,7 @@ Element& ResolveAddress(Model& model, const std::string& applicationKey, Applica
     if (application == nullptr) {
         throw SceneError(place, applicationKey.empty()
                                     ? "no application is in front; name one"
-                                    : "no application " + ToText(nlohmann::json(applicationKey)));
+                                    : "no application " + OneLine(nlohmann::json(applicationKey)));
     }
     return ResolveAddress(*application, address, place);
 }
@@ -98,30 +101,18 @@ std::string AddressOf(const Element& element) {
     for (const Element* each = &element; each->parent != nullptr; each = each->parent) {
         path.push_back(PositionInParent(*each));
     }
-    if (path.empty()) {
-        return "/";
-    }
-    std::string address;
-    for (auto step = path.rbegin(); step != path.rend(); ++step) {
-        address += "/" + std::to_string(*step);
-    }
-    return address;
+    return PathAddress(path);
 }
 
 nlohmann::ordered_json DescribeElement(Model& model, const Application* home,
                                        const desktop_link::ElementReference& reference) {
     const Element* element = model.Find(reference);
-    nlohmann::ordered_json json;
     if (element == nullptr) {
-        json["element"] = nullptr;
-        return json;
+        return WriteNoElement();
     }
-    json["element"] = AddressOf(*element);
     const Application* application = model.ApplicationWithPid(element->pid);
-    if (application != home) {
-        json["application"] = model.NameOf(*application);
-    }
-    return json;
+    return WriteElement(AddressOf(*element),
+                        application == home ? std::string() : model.NameOf(*application));
 }
 
 }  // namespace desktop

@@ -3,11 +3,12 @@
 
 #include <cstdint>
 
-#include "platform/DesktopLink/Value.h"
+#include "scenes/notation/Answer.h"
 
 namespace desktop {
 
 using desktop_link::Value;
+using scene_notation::Answer;
 
 // Numbers as in AXError.
 enum AccessibilityError : std::int32_t {
@@ -19,19 +20,7 @@ enum AccessibilityError : std::int32_t {
     kAttributeUnsupported = -25205,
     kActionUnsupported = -25206,
     kAPIDisabled = -25211,
-    kNoValue = -25212,
-};
-
-struct Answer {
-    Value value;             // meaningless when there is an error or nothing
-    std::int32_t error = 0;  // AXError; 0 is success
-    bool nothing = false;    // success without a value, as some applications reply
-
-    static Answer Of(Value value) { return {std::move(value)}; }
-    static Answer Error(std::int32_t code) { return {{}, code}; }
-    bool HasValue() const { return error == 0 && !nothing; }
-
-    friend bool operator==(const Answer&, const Answer&) = default;
+    kNoValue = scene_notation::kNoValueError,
 };
 
 }  // namespace desktop

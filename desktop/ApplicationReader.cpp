@@ -2,10 +2,11 @@
 
 #include <limits>
 
-#include "desktop/JsonFields.h"
+#include "scenes/notation/Fields.h"
 
 namespace desktop {
 
+using namespace scene_notation;
 using nlohmann::json;
 
 namespace {

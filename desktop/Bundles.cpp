@@ -7,9 +7,11 @@
 #include <fstream>
 
 #include "desktop/PropertyList.h"
-#include "desktop/SceneError.h"
+#include "scenes/notation/SceneError.h"
 
 namespace desktop {
+
+using scene_notation::SceneError;
 
 namespace fs = std::filesystem;
 

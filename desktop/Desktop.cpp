@@ -6,13 +6,15 @@
 #include <utility>
 
 #include "desktop/Address.h"
-#include "desktop/JsonFields.h"
 #include "desktop/SceneReader.h"
 #include "desktop/SceneWriter.h"
 #include "desktop/Script.h"
+#include "scenes/notation/Fields.h"
+#include "scenes/notation/Json.h"
 
 namespace desktop {
 
+using namespace scene_notation;
 using desktop_link::Notification;
 using desktop_link::Operation;
 using desktop_link::Reply;
@@ -75,7 +77,7 @@ std::optional<Reply> Desktop::Answer(const Request& request) {
             }
             return reply;
         case Operation::midiDevices:
-            reply.text = ToText(model_.midi.Describe());
+            reply.text = OneLine(model_.midi.Describe());
             return reply;
         case Operation::midiConnectSource:
             return AnswerMidiConnect(request.number);

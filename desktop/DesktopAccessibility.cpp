@@ -4,12 +4,13 @@
 #include "desktop/AttributeReading.h"
 #include "desktop/Behaviour.h"
 #include "desktop/Desktop.h"
-#include "desktop/SceneValue.h"
 #include "desktop/Script.h"
 #include "platform/Variants/Variants.h"
+#include "scenes/notation/ValueWriting.h"
 
 namespace desktop {
 
+using namespace scene_notation;
 using desktop_link::ElementReference;
 using desktop_link::ErrorValue;
 using desktop_link::Operation;

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "desktop/JsonFields.h"
-#include "desktop/SceneValue.h"
+#include "scenes/notation/Json.h"
+#include "scenes/notation/ValueWriting.h"
 
 namespace desktop {
 
+using namespace scene_notation;
 using nlohmann::ordered_json;
 
 namespace {
@@ -56,7 +57,7 @@ void EventLog::Add(ordered_json entry) {
     if (lines_.size() == kMostEntries) {
         DropOlderHalf(lines_);
     }
-    lines_.push_back(ToText(numbered));
+    lines_.push_back(OneLine(numbered));
     if (sink_) {
         sink_(lines_.back());
     }

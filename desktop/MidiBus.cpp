@@ -4,10 +4,11 @@
 #include <limits>
 #include <set>
 
-#include "desktop/JsonFields.h"
+#include "scenes/notation/Fields.h"
 
 namespace desktop {
 
+using namespace scene_notation;
 using nlohmann::json;
 using nlohmann::ordered_json;
 

@@ -1,8 +1,10 @@
-#include "desktop/JsonFields.h"
-#include "desktop/SceneValue.h"
+#include "desktop/MisbehaviourNotation.h"
+#include "scenes/notation/Fields.h"
+#include "scenes/notation/ValueReading.h"
 
 namespace desktop {
 
+using namespace scene_notation;
 using nlohmann::json;
 
 namespace {

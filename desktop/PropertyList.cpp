@@ -1,9 +1,10 @@
 #include "desktop/PropertyList.h"
 
-#include "desktop/JsonFields.h"
+#include "scenes/notation/Fields.h"
 
 namespace desktop {
 
+using namespace scene_notation;
 using nlohmann::json;
 
 namespace {

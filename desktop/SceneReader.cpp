@@ -6,12 +6,16 @@
 
 #include "desktop/Address.h"
 #include "desktop/ApplicationReader.h"
-#include "desktop/JsonFields.h"
+#include "desktop/MisbehaviourNotation.h"
 #include "desktop/Selection.h"
+#include "scenes/notation/Fields.h"
+#include "scenes/notation/Json.h"
 #include "scenes/notation/Names.h"
+#include "scenes/notation/ValueReading.h"
 
 namespace desktop {
 
+using namespace scene_notation;
 using nlohmann::json;
 
 namespace {
@@ -93,7 +97,7 @@ void ReadFront(Model& model, const json& source) {
     }
     model.front = model.ApplicationNamed(ExpectText(source, "front"));
     if (model.front == nullptr) {
-        throw SceneError("front", "no application " + ToText(source));
+        throw SceneError("front", "no application " + OneLine(source));
     }
 }
 
@@ -294,7 +298,7 @@ void SceneReader::Resolve(Deferred& deferred) {
 }
 
 void ExpectAttributeName(const std::string& name, const std::string& place) {
-    if (!scene_notation::IsAttributeName(name)) {
+    if (!IsAttributeName(name)) {
         throw SceneError(place, "no attribute; their names begin with a capital letter");
     }
 }

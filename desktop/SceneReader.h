@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "desktop/Model.h"
-#include "desktop/SceneValue.h"
+#include "scenes/notation/SceneError.h"
+#include "scenes/notation/ValueReading.h"
 
 namespace desktop {
 
@@ -56,6 +57,6 @@ void SetFromScene(Model& model, Element& element, const std::string& attribute,
                   const nlohmann::json& source, const std::string& place);
 
 // Resolves addresses; those without an application key belong to `home`.
-ElementResolver ResolverFor(Model& model, Application* home);
+scene_notation::ElementResolver ResolverFor(Model& model, Application* home);
 
 }  // namespace desktop

@@ -5,19 +5,16 @@
 #include <vector>
 
 #include "desktop/Address.h"
-#include "desktop/JsonFields.h"
-#include "desktop/SceneValue.h"
+#include "desktop/MisbehaviourNotation.h"
 #include "desktop/Selection.h"
 #include "scenes/notation/Names.h"
 #include "scenes/notation/SceneText.h"
+#include "scenes/notation/ValueWriting.h"
 
 namespace desktop {
 
 using nlohmann::ordered_json;
-using scene_notation::AttributeComesBefore;
-using scene_notation::ElementLines;
-using scene_notation::Members;
-using scene_notation::WriteCoordinate;
+using namespace scene_notation;
 
 namespace {
 
@@ -26,35 +23,52 @@ class SceneWriter {
     explicit SceneWriter(Model& model) : model_(model) {}
 
     std::string Write() {
-        WriteSession();
-        text_ += ",\n  \"applications\": [";
-        for (std::size_t i = 0; i < model_.applications.size(); ++i) {
-            text_ += i == 0 ? "\n" : ",\n";
-            WriteApplication(*model_.applications[i]);
+        AddSession();
+        for (const auto& application : model_.applications) {
+            AddApplication(*application);
         }
-        text_ += "\n  ]\n}\n";
-        return std::move(text_);
+        return text_.Finish();
     }
 
   private:
-    void WriteSession() {
+    void AddSession() {
         auto screens = ordered_json::array();
         for (const desktop_link::Rect& screen : model_.screens) {
             screens.push_back({{"frame", WriteAnswer(Answer::Of({screen}), "AXFrame", {})}});
         }
-        text_ = "{ \"trusted\": " + ToText(ordered_json(model_.trusted));
-        text_ += ",\n  \"screens\": " + ToText(screens);
-        text_ += ",\n  \"pointer\": " + ToText(WritePosition(model_.pointer));
-        text_ += ",\n  \"messagingTimeout\": " + ToText(WriteCoordinate(model_.messagingTimeout));
-        text_ += ",\n  \"activationGap\": " + ToText(WriteCoordinate(model_.activationGap));
-        text_ += ",\n  \"front\": " + ToText(model_.front == nullptr
-                                                 ? ordered_json(nullptr)
-                                                 : ordered_json(model_.NameOf(*model_.front)));
-        text_ += ",\n  \"midi\": " + ToText(model_.midi.Describe());
-        text_ += ",\n  \"script\": " + ToText(nlohmann::json(model_.script));
+        text_.Add("trusted", model_.trusted);
+        text_.Add("screens", screens);
+        text_.Add("pointer", WritePosition(model_.pointer));
+        text_.Add("messagingTimeout", WriteCoordinate(model_.messagingTimeout));
+        text_.Add("activationGap", WriteCoordinate(model_.activationGap));
+        text_.Add("front", model_.front == nullptr ? ordered_json(nullptr)
+                                                   : ordered_json(model_.NameOf(*model_.front)));
+        text_.Add("midi", model_.midi.Describe());
+        text_.Add("script", model_.script);
     }
 
-    void WriteApplication(const Application& application) {
+    void AddApplication(const Application& application) {
+        const Members facts = FactsOf(application);
+        // Nothing can be read of a dead application, whatever it answered before.
+        const Answer* override = application.dead ? nullptr : application.root.Stored("AXWindows");
+        if (override != nullptr && application.root.children.empty()) {
+            text_.AddApplication(facts, Write(application, *override, "AXWindows"));
+            return;
+        }
+        const struct {
+            const SceneWriter& writer;
+            const Application& application;
+
+            const auto& Children(const Element* element) const { return element->children; }
+            bool HasChildren(const Element* element) const { return element->hasChildren; }
+            Members MembersOf(const Element* element) const {
+                return writer.MembersOf(application, *element);
+            }
+        } tree{*this, application};
+        text_.AddApplication(facts, LinesBelow(&application.root, tree));
+    }
+
+    Members FactsOf(const Application& application) const {
         Members facts;
         if (application.bundleIdentifier) {
             facts.Add("bundleID", *application.bundleIdentifier);
@@ -77,42 +91,10 @@ class SceneWriter {
             facts.Add("editor", DescribeEditor(*application.editor));
         }
         AddMisbehaviour(application, application.root, facts);
-        text_ += "    { " + facts.Text() + ",\n      \"windows\": ";
-        // Nothing can be read of a dead application, whatever it answered before.
-        const Answer* override = application.dead ? nullptr : application.root.Stored("AXWindows");
-        if (override != nullptr && application.root.children.empty()) {
-            text_ += ToText(Write(application, *override, "AXWindows")) + " }";
-            return;
-        }
-        text_ += "[";
-        WriteTree(application);
-        text_ += "] }";
+        return facts;
     }
 
-    // Walks without recursion: an element is closed when the walk leaves it.
-    void WriteTree(const Application& application) {
-        const Element& root = application.root;
-        ElementLines lines;
-        std::vector<std::pair<const Element*, std::size_t>> open = {{&root, 0}};
-        while (!open.empty()) {
-            auto& [parent, next] = open.back();
-            if (next == parent->children.size()) {
-                if (parent != &root) {
-                    lines.Close();
-                }
-                open.pop_back();
-                continue;
-            }
-            const Element& child = *parent->children[next++];
-            lines.Add(MembersOf(application, child), child.hasChildren);
-            if (child.hasChildren) {
-                open.emplace_back(&child, 0);
-            }
-        }
-        text_ += lines.Text();
-    }
-
-    Members MembersOf(const Application& application, const Element& element) {
+    Members MembersOf(const Application& application, const Element& element) const {
         Members members;
         for (const Attribute* attribute : InOrder(element)) {
             if (!HidesTree(application, element, *attribute->name)) {
@@ -142,8 +124,8 @@ class SceneWriter {
         return attributes;
     }
 
-    void AddTreeAttributes(const Application& application, const Element& element,
-                           Members& members) {
+    static void AddTreeAttributes(const Application& application, const Element& element,
+                                  Members& members) {
         const bool window = element.parent == &application.root;
         if (window && application.mainWindow == &element) {
             members.Add("AXMain", true);
@@ -189,7 +171,8 @@ class SceneWriter {
         return misbehaviour;
     }
 
-    void AddMisbehaviour(const Application& application, const Element& element, Members& members) {
+    void AddMisbehaviour(const Application& application, const Element& element,
+                         Members& members) const {
         const Misbehaviour misbehaviour = WithHidingAnswers(application, element);
         if (!misbehaviour.Empty()) {
             members.Add("misbehaviour", WriteMisbehaviour(misbehaviour, Describer(application)));
@@ -197,11 +180,11 @@ class SceneWriter {
     }
 
     ordered_json Write(const Application& application, const Answer& answer,
-                       const std::string& attribute) {
+                       const std::string& attribute) const {
         return WriteAnswer(answer, attribute, Describer(application));
     }
 
-    ElementDescriber Describer(const Application& application) {
+    ElementDescriber Describer(const Application& application) const {
         return [this, &application](const desktop_link::ElementReference& reference) {
             return DescribeElement(model_, &application, reference);
         };
@@ -215,7 +198,7 @@ class SceneWriter {
     }
 
     Model& model_;
-    std::string text_;
+    SceneText text_;
 };
 
 }  // namespace

@@ -4,14 +4,17 @@
 #include <utility>
 
 #include "desktop/Address.h"
-#include "desktop/JsonFields.h"
+#include "scenes/notation/Fields.h"
+#include "scenes/notation/Json.h"
 
 namespace desktop {
+
+using namespace scene_notation;
 
 namespace {
 
 std::string ErrorText(const std::string& problem) {
-    return ToText(nlohmann::ordered_json{{"error", problem}});
+    return OneLine(nlohmann::ordered_json{{"error", problem}});
 }
 
 }  // namespace
@@ -37,7 +40,7 @@ std::string Script::Execute(const Json& command) {
     const std::string& name = ExpectText(Required(command, "command", "command"), "command");
     const Command run = Find(name);
     if (run == nullptr) {
-        throw SceneError("command", "there is no command " + ToText(Json(name)));
+        throw SceneError("command", "there is no command " + OneLine(Json(name)));
     }
     return (this->*run)(command);
 }
@@ -84,7 +87,7 @@ Application& Script::NamedApplication(const Json& command) {
     const std::string& key = ExpectText(Required(command, "application", "command"), "application");
     Application* application = desktop_.model_.ApplicationNamed(key);
     if (application == nullptr) {
-        throw SceneError("application", "no application " + ToText(Json(key)));
+        throw SceneError("application", "no application " + OneLine(Json(key)));
     }
     return *application;
 }

@@ -1,10 +1,13 @@
 // Commands about applications and the session's life.
 
-#include "desktop/JsonFields.h"
 #include "desktop/SceneReader.h"
 #include "desktop/Script.h"
+#include "scenes/notation/Fields.h"
+#include "scenes/notation/Json.h"
 
 namespace desktop {
+
+using namespace scene_notation;
 
 namespace {
 
@@ -31,7 +34,7 @@ std::string Script::Launch(const Json& command) {
     if (toFront) {
         desktop_.Activate(&launched, desktop_.model_.activationGap);
     }
-    return ToText(nlohmann::ordered_json{
+    return OneLine(nlohmann::ordered_json{
         {"ok", true}, {"application", launched.Key()}, {"pid", launched.pid}});
 }
 

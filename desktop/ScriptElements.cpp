@@ -2,13 +2,17 @@
 
 #include "desktop/Address.h"
 #include "desktop/Behaviour.h"
-#include "desktop/JsonFields.h"
+#include "desktop/MisbehaviourNotation.h"
 #include "desktop/SceneReader.h"
 #include "desktop/Script.h"
 #include "desktop/Selection.h"
 #include "desktop/Timecode.h"
+#include "scenes/notation/Fields.h"
+#include "scenes/notation/Json.h"
 
 namespace desktop {
+
+using namespace scene_notation;
 
 namespace {
 
@@ -71,7 +75,7 @@ std::string Script::Insert(const Json& command) {
     Element& added = SceneReader(desktop_.model_)
                          .AddElement(parent, static_cast<std::size_t>(index), source, "element");
     desktop_.model_.arena.Remove(parent, "AXChildren");
-    return ToText(nlohmann::ordered_json{{"ok", true}, {"element", AddressOf(added)}});
+    return OneLine(nlohmann::ordered_json{{"ok", true}, {"element", AddressOf(added)}});
 }
 
 std::string Script::Remove(const Json& command) {
@@ -150,7 +154,7 @@ std::string Script::SelectClip(const Json& command) {
     for (Element* text : texts) {
         desktop_.model_.arena.Set(*text, "AXValue", Answer::Of({name}));
     }
-    return ToText(nlohmann::ordered_json{{"ok", true}, {"clip", name}});
+    return OneLine(nlohmann::ordered_json{{"ok", true}, {"clip", name}});
 }
 
 std::string Script::MovePlayhead(const Json& command) {
@@ -169,7 +173,7 @@ std::string Script::MovePlayhead(const Json& command) {
             TimecodeAfter(playhead.Text("AXValueDescription"), frames, editor.framesPerSecond);
     }
     desktop_.model_.arena.Set(playhead, "AXValueDescription", Answer::Of({timecode}));
-    return ToText(nlohmann::ordered_json{{"ok", true}, {"timecode", timecode}});
+    return OneLine(nlohmann::ordered_json{{"ok", true}, {"timecode", timecode}});
 }
 
 }  // namespace desktop

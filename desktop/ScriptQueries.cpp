@@ -5,12 +5,14 @@
 #include "desktop/Address.h"
 #include "desktop/AttributeReading.h"
 #include "desktop/Behaviour.h"
-#include "desktop/JsonFields.h"
-#include "desktop/SceneValue.h"
 #include "desktop/Script.h"
+#include "scenes/notation/Fields.h"
+#include "scenes/notation/Json.h"
+#include "scenes/notation/ValueWriting.h"
 
 namespace desktop {
 
+using namespace scene_notation;
 using nlohmann::ordered_json;
 
 std::string Script::ReadLog(const Json& command) {
@@ -54,17 +56,18 @@ std::string Script::ReadState(const Json& command) {
         }
         applications.push_back(std::move(each));
     }
-    return ToText(ordered_json{{"ok", true},
-                               {"front", model.front == nullptr ? ordered_json(nullptr)
-                                                                : ordered_json(model.front->Key())},
-                               {"trusted", model.trusted},
-                               {"pointer", WritePosition(model.pointer)},
-                               {"modifiers", desktop_.tap_.HeldModifiers()},
-                               {"time", desktop_.schedule_.Now()},
-                               {"elements", model.arena.Count()},
-                               {"lastLogEntry", desktop_.log_.LastNumber()},
-                               {"nextStep", desktop_.nextStep_},
-                               {"applications", std::move(applications)}});
+    return OneLine(
+        ordered_json{{"ok", true},
+                     {"front", model.front == nullptr ? ordered_json(nullptr)
+                                                      : ordered_json(model.front->Key())},
+                     {"trusted", model.trusted},
+                     {"pointer", WritePosition(model.pointer)},
+                     {"modifiers", desktop_.tap_.HeldModifiers()},
+                     {"time", desktop_.schedule_.Now()},
+                     {"elements", model.arena.Count()},
+                     {"lastLogEntry", desktop_.log_.LastNumber()},
+                     {"nextStep", desktop_.nextStep_},
+                     {"applications", std::move(applications)}});
 }
 
 std::string Script::ReadElement(const Json& command) {
@@ -94,7 +97,7 @@ std::string Script::ReadElement(const Json& command) {
         answer["presses"] = element.details->presses;
         answer["unconfirmed"] = element.details->unconfirmedFrom.has_value();
     }
-    return ToText(answer);
+    return OneLine(answer);
 }
 
 std::string Script::Dump(const Json& command) {

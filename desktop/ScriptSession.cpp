@@ -1,10 +1,13 @@
 // Commands about MIDI, the pointer, and playing the scene's script.
 
-#include "desktop/JsonFields.h"
-#include "desktop/SceneValue.h"
 #include "desktop/Script.h"
+#include "scenes/notation/Fields.h"
+#include "scenes/notation/Json.h"
+#include "scenes/notation/ValueReading.h"
 
 namespace desktop {
+
+using namespace scene_notation;
 
 namespace {
 
@@ -19,14 +22,14 @@ std::string Script::Plug(const Json& command) {
     desktop_.model_.midi.Plug(device, "device");
     const MidiDevice& plugged = desktop_.model_.midi.Devices().back();
     desktop_.log_.Add({{"midi", "plug"}, {"device", plugged.name.text}, {"id", plugged.id}});
-    return ToText(nlohmann::ordered_json{{"ok", true}, {"id", plugged.id}});
+    return OneLine(nlohmann::ordered_json{{"ok", true}, {"id", plugged.id}});
 }
 
 std::string Script::Unplug(const Json& command) {
     ExpectOnly(command, "command", {"command", "at", "device"});
     const std::string& name = ExpectText(Required(command, "device", "command"), "device");
     if (!desktop_.model_.midi.Unplug(name)) {
-        throw SceneError("device", "no device " + ToText(Json(name)));
+        throw SceneError("device", "no device " + OneLine(Json(name)));
     }
     desktop_.log_.Add({{"midi", "unplug"}, {"device", name}});
     return kDone;

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
-#include "desktop/JsonFields.h"
+#include "scenes/notation/Fields.h"
 
 namespace desktop {
+
+using namespace scene_notation;
 
 void SetSelectedRows(Element& table, const std::vector<Element*>& rows) {
     auto& selection = table.Details().selectedRows;

@@ -16,11 +16,11 @@
 #include "desktop/CommandLine.h"
 #include "desktop/Desktop.h"
 #include "desktop/Program.h"
-#include "desktop/SceneError.h"
 #include "desktop/Server.h"
 #include "desktop/Version.h"
 #include "platform/DesktopLink/Framing.h"
 #include "platform/LocalSocket/SessionDirectory.h"
+#include "scenes/notation/SceneError.h"
 #include "tools/terminal/Help.h"
 #include "tools/terminal/Progress.h"
 #include "tools/terminal/Terminal.h"
@@ -54,7 +54,7 @@ std::string ReadFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (!file) {
-        throw desktop::SceneError("", path + ": " + std::strerror(errno));
+        throw scene_notation::SceneError("", path + ": " + std::strerror(errno));
     }
     return content;
 }
@@ -136,7 +136,7 @@ int Serve(const CommandLine& options) {
 int ServeScene(const CommandLine& options) {
     try {
         return Serve(options);
-    } catch (const desktop::SceneError& error) {
+    } catch (const scene_notation::SceneError& error) {
         const std::string problem = error.what();
         const std::string scene = options.Value("SCENE");
         return Fail(problem.starts_with(scene) ? problem : scene + ": " + problem);

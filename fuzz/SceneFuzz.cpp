@@ -15,13 +15,13 @@
 #include <vector>
 
 #include "desktop/Desktop.h"
-#include "desktop/SceneError.h"
-#include "desktop/SceneValue.h"
 #include "fuzz/Check.h"
 #include "fuzz/JsonMutator.h"
 #include "fuzz/StartUp.h"
 #include "fuzz/Surroundings.h"
 #include "platform/DesktopLink/Messages.h"
+#include "scenes/notation/SceneError.h"
+#include "scenes/notation/ValueReading.h"
 
 namespace {
 
@@ -76,7 +76,7 @@ desktop_link::Request ReadRequest(desktop::Desktop& desktop, const nlohmann::jso
                                         const std::string&) {
             return desktop.Find(application, address);
         };
-        request.value = desktop::ReadAnswer(
+        request.value = scene_notation::ReadAnswer(
                             *value, request.names.empty() ? "" : request.names.front(), "", resolve)
                             .value;
     }
@@ -137,7 +137,7 @@ void CheckDump(desktop::Desktop& desktop) {
     try {
         desktop::Desktop again(dump, Options());
         fuzz::Check(again.Dump() == dump, "a dump is dumped as it is");
-    } catch (const desktop::SceneError&) {
+    } catch (const scene_notation::SceneError&) {
         fuzz::Fail("a dump loads");
     }
 }
@@ -168,7 +168,7 @@ void Play(const std::vector<std::string>& lines) {
         }
         try {
             Ask(desktop, line);
-        } catch (const desktop::SceneError&) {
+        } catch (const scene_notation::SceneError&) {
             // There is no such element.
         }
     }
@@ -188,7 +188,7 @@ void fuzz::PrepareTarget() {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
         Play(fuzz::Lines(data, size));
-    } catch (const desktop::SceneError& error) {
+    } catch (const scene_notation::SceneError& error) {
         const std::string problem = error.what();
         fuzz::Check(!problem.empty() && problem.find('\n') == std::string::npos,
                     "a problem is one line");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "VEKCommon/OwnedReference.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {
@@ -30,11 +31,6 @@ bool IsArrayOfElements(CFTypeRef object) {
     return true;
 }
 
-template <typename Ref>
-Reference<Ref> Retained(Ref object) {
-    return Reference<Ref>(static_cast<Ref>(CFRetain(object)));
-}
-
 // Errors that end the reading of the whole tree; any other error concerns one element only.
 bool IsFatal(AXError error) {
     return error == kAXErrorCannotComplete || error == kAXErrorAPIDisabled ||
@@ -46,9 +42,9 @@ bool IsFatal(AXError error) {
 std::variant<AccessibilityTree, AXError> AccessibilityTree::Read(pid_t pid,
                                                                  const Options& options) {
     AccessibilityTree tree;
-    const Reference<AXUIElementRef> systemWide(AXUIElementCreateSystemWide());
+    const OwnedReference<AXUIElementRef> systemWide(AXUIElementCreateSystemWide());
     AXUIElementSetMessagingTimeout(systemWide.get(), options.timeout);
-    tree.Add({0, Reference<AXUIElementRef>(AXUIElementCreateApplication(pid))});
+    tree.Add({0, OwnedReference<AXUIElementRef>(AXUIElementCreateApplication(pid))});
     const AXError error = tree.Walk(options);
     if (error != kAXErrorSuccess) {
         return error;
@@ -67,7 +63,7 @@ AXError AccessibilityTree::Walk(const Options& options) {
     CFTypeRef windows = nullptr;
     const AXError error =
         AXUIElementCopyAttributeValue(elements_[0].element.get(), kAXWindowsAttribute, &windows);
-    const Reference<CFTypeRef> owner(windows);
+    const OwnedReference<CFTypeRef> owner(windows);
     if (error != kAXErrorSuccess || !IsArrayOfElements(windows)) {
         windowsError_ = error != kAXErrorSuccess ? error : kAXErrorFailure;
         return IsFatal(error) ? error : kAXErrorSuccess;
@@ -120,17 +116,17 @@ AXError AccessibilityTree::ReadElement(std::size_t place, const Options& options
         error != kAXErrorSuccess) {
         return error;
     }
-    const Reference<CFArrayRef> nameOwner(names);
+    const OwnedReference<CFArrayRef> nameOwner(names);
     CFArrayRef values = nullptr;
     if (const AXError error = AXUIElementCopyMultipleAttributeValues(element, names, 0, &values);
         error != kAXErrorSuccess) {
         return error;
     }
-    const Reference<CFArrayRef> valueOwner(values);
+    const OwnedReference<CFArrayRef> valueOwner(values);
     TakeValues(place, names, values);
     CFArrayRef actions = nullptr;
     if (options.withActions && AXUIElementCopyActionNames(element, &actions) == kAXErrorSuccess) {
-        const Reference<CFArrayRef> actionOwner(actions);
+        const OwnedReference<CFArrayRef> actionOwner(actions);
         auto& known = elements_[place].actions.emplace();
         for (CFIndex i = 0; i < CFArrayGetCount(actions); ++i) {
             known.push_back(Utf8Of(CFArrayGetValueAtIndex(actions, i)).value_or("?"));

@@ -11,18 +11,18 @@
 #include <variant>
 #include <vector>
 
-#include "tools/Reference.h"
+#include "VEKCommon/OwnedReference.h"
 
 namespace krt9ctl {
 
 struct TreeElement {
-    Reference<AXUIElementRef> element;
+    OwnedReference<AXUIElementRef> element;
     std::size_t parent = 0;    // index in the tree; the application's own for itself
     std::size_t topLevel = 0;  // its window; for a window, itself
     std::vector<std::size_t> children;
     bool hasChildren = false;  // also without any child: the attribute is there
     // All but the children. What cannot be read is an AXValue that holds its error.
-    std::map<std::string, Reference<CFTypeRef>> attributes;
+    std::map<std::string, OwnedReference<CFTypeRef>> attributes;
     std::optional<std::vector<std::string>> actions;  // when they were asked for
 
     std::size_t position = 0;     // among its parent's children
@@ -64,7 +64,7 @@ class AccessibilityTree {
   private:
     struct Pending {
         std::size_t parent;
-        Reference<AXUIElementRef> element;
+        OwnedReference<AXUIElementRef> element;
     };
     struct Hash {
         std::size_t operator()(CFTypeRef object) const { return CFHash(object); }

@@ -8,21 +8,6 @@ namespace krt9ctl {
 
 namespace {
 
-constexpr std::string_view kHexDigits = "0123456789abcdef";
-
-int HexDigitValue(char digit) {
-    if (digit >= '0' && digit <= '9') {
-        return digit - '0';
-    }
-    if (digit >= 'a' && digit <= 'f') {
-        return digit - 'a' + 10;
-    }
-    if (digit >= 'A' && digit <= 'F') {
-        return digit - 'A' + 10;
-    }
-    return -1;
-}
-
 bool IsPrintableAscii(unsigned char character) {
     return character >= 0x20 && character <= 0x7E;
 }
@@ -31,31 +16,16 @@ bool IsPrintableAscii(unsigned char character) {
 
 std::optional<Bytes> ParseHex(std::string_view text) {
     Bytes bytes;
-    std::size_t position = 0;
-    while (position < text.size()) {
-        if (text[position] == ' ') {
-            ++position;
-            continue;
-        }
-        const int high = HexDigitValue(text[position]);
-        const int low = position + 1 < text.size() ? HexDigitValue(text[position + 1]) : -1;
-        if (high < 0 || low < 0) {
+    while (!text.empty()) {
+        const std::string_view pairs = text.substr(0, text.find(' '));
+        text.remove_prefix(std::min(pairs.size() + 1, text.size()));
+        const auto parsed = scene_notation::ParseHex(pairs);
+        if (!parsed) {
             return std::nullopt;
         }
-        bytes.push_back(static_cast<std::uint8_t>(high * 16 + low));
-        position += 2;
+        bytes.insert(bytes.end(), parsed->begin(), parsed->end());
     }
     return bytes;
-}
-
-std::string FormatHex(std::span<const std::uint8_t> bytes) {
-    std::string text;
-    text.reserve(bytes.size() * 2);
-    for (const std::uint8_t byte : bytes) {
-        text += kHexDigits[byte >> 4];
-        text += kHexDigits[byte & 15];
-    }
-    return text;
 }
 
 std::optional<MessageCode> ParseCode(std::string_view text) {

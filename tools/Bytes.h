@@ -3,10 +3,11 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "scenes/notation/Hex.h"
 
 namespace krt9ctl {
 
@@ -15,8 +16,7 @@ using Bytes = std::vector<std::uint8_t>;
 // Pairs of hex digits in either case; blanks may stand between bytes. Nothing for anything else.
 std::optional<Bytes> ParseHex(std::string_view text);
 
-// Two lower-case digits a byte, no blanks.
-std::string FormatHex(std::span<const std::uint8_t> bytes);
+using scene_notation::FormatHex;
 
 // A message identifier: four characters, the first one in the most significant byte.
 using MessageCode = std::int32_t;

@@ -1,6 +1,7 @@
 #include "tools/Client.h"
 
 #include "VEKCommon/Names.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tools/Session.h"
 
 namespace krt9ctl {
@@ -17,7 +18,7 @@ Answer Client::Send(const Request& request) {
     if (!port_) {
         return {kPortMissing, {}};
     }
-    Reference<CFDataRef> body;
+    OwnedReference<CFDataRef> body;
     if (!request.body.empty()) {
         body.reset(CFDataCreate(kCFAllocatorDefault, request.body.data(),
                                 static_cast<CFIndex>(request.body.size())));
@@ -25,7 +26,7 @@ Answer Client::Send(const Request& request) {
     CFDataRef received = nullptr;
     const SInt32 status = CFMessagePortSendRequest(port_.get(), request.code, body.get(), timeout_,
                                                    timeout_, ReplyMode(), &received);
-    const Reference<CFDataRef> reply(received);
+    const OwnedReference<CFDataRef> reply(received);
     Answer answer{status, {}};
     if (reply) {
         const UInt8* bytes = CFDataGetBytePtr(reply.get());

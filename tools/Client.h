@@ -3,8 +3,8 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include "VEKCommon/OwnedReference.h"
 #include "tools/Delivery.h"
-#include "tools/Reference.h"
 #include "tools/Request.h"
 
 namespace krt9ctl {
@@ -24,7 +24,7 @@ class Client {
 
   private:
     double timeout_;
-    Reference<CFMessagePortRef> port_;
+    OwnedReference<CFMessagePortRef> port_;
 };
 
 }  // namespace krt9ctl

@@ -1,6 +1,7 @@
 // The verb that records an application's accessibility tree.
 #include <fmt/format.h>
 
+#include "scenes/notation/SceneText.h"
 #include "tools/ApplicationLookup.h"
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"

@@ -1,17 +1,16 @@
 // What krt9ctl prints: sentences for people, or one JSON object a line for programs.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
-#include "scenes/notation/SceneText.h"
+#include "scenes/notation/Json.h"
 #include "tools/ExitCode.h"
 #include "tools/terminal/Progress.h"
 
 namespace krt9ctl {
 
-using Json = nlohmann::ordered_json;
+using scene_notation::Json;
 using scene_notation::OneLine;
 
 // Where the output goes. The descriptors are those behind the streams, -1 for streams in memory.

@@ -3,19 +3,27 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 
+#include "scenes/notation/Addresses.h"
 #include "scenes/notation/Names.h"
 #include "scenes/notation/SceneText.h"
-#include "tools/SceneValue.h"
+#include "scenes/notation/ValueWriting.h"
+#include "tools/AttributeValue.h"
 #include "tools/Text.h"
 #include "tools/TreeAttributes.h"
 
 namespace krt9ctl {
 
+using scene_notation::Json;
 using scene_notation::Members;
 
 namespace {
 
+// In values, the id of an element of the tree is its place there.
+constexpr std::uint64_t kNotInTree = std::numeric_limits<std::uint64_t>::max();
+
+// Elements are named by their places in the tree.
 class SceneWriter {
   public:
     explicit SceneWriter(const AccessibilityTree& tree)
@@ -23,33 +31,38 @@ class SceneWriter {
 
     SceneDump Write(const ApplicationFacts& facts, bool isFront);
 
+    // For scene_notation::LinesBelow.
+    const std::vector<std::size_t>& Children(std::size_t place) const { return At(place).children; }
+    bool HasChildren(std::size_t place) const { return At(place).hasChildren; }
+    Members MembersOf(std::size_t place);
+
   private:
     const TreeElement& At(std::size_t place) const { return tree_.Elements()[place]; }
 
-    void WriteApplication(const ApplicationFacts& facts);
-    void WriteTree();
-    Members MembersOf(std::size_t place);
+    Members MembersOf(const ApplicationFacts& facts) const;
     void AddAttribute(std::size_t place, const std::string& name, CFTypeRef value,
                       Members& members);
     void AddMain(std::size_t place, Members& members) const;
-    std::string AddressOf(std::size_t place) const;
-    Json Describe(CFTypeRef element) const;
+    Json Describe(std::uint64_t id) const;
 
     const AccessibilityTree& tree_;
     std::optional<std::size_t> mainWindow_;
-    SceneDump dump_;
+    std::size_t leftOutValues_ = 0;
 };
 
 SceneDump SceneWriter::Write(const ApplicationFacts& facts, bool isFront) {
     const std::string key = facts.bundleIdentifier.value_or(fmt::format("pid:{}", facts.pid));
-    dump_.text =
-        fmt::format("{{ \"front\": {},\n  \"applications\": [\n", isFront ? OneLine(key) : "null");
-    WriteApplication(facts);
-    dump_.text += "\n  ]\n}\n";
-    return std::move(dump_);
+    scene_notation::SceneText text;
+    text.Add("front", isFront ? Json(key) : Json(nullptr));
+    if (const auto error = tree_.WindowsError()) {
+        text.AddApplication(MembersOf(facts), Json{{scene_notation::tag::kFailure, *error}});
+    } else {
+        text.AddApplication(MembersOf(facts), scene_notation::LinesBelow(std::size_t{0}, *this));
+    }
+    return {text.Finish(), leftOutValues_};
 }
 
-void SceneWriter::WriteApplication(const ApplicationFacts& facts) {
+Members SceneWriter::MembersOf(const ApplicationFacts& facts) const {
     Members members;
     if (facts.bundleIdentifier) {
         members.Add("bundleID", *facts.bundleIdentifier);
@@ -71,36 +84,7 @@ void SceneWriter::WriteApplication(const ApplicationFacts& facts) {
     if (!info.empty()) {
         members.Add("info", info);
     }
-    dump_.text += "    { " + members.Text() + ",\n      \"windows\": ";
-    if (const auto error = tree_.WindowsError()) {
-        dump_.text += OneLine({{"error", *error}}) + " }";
-        return;
-    }
-    dump_.text += "[";
-    WriteTree();
-    dump_.text += "] }";
-}
-
-// Walks without recursion: an element is closed when the walk leaves it.
-void SceneWriter::WriteTree() {
-    scene_notation::ElementLines lines;
-    std::vector<std::pair<std::size_t, std::size_t>> open = {{0, 0}};  // place, next child
-    while (!open.empty()) {
-        auto& [parent, next] = open.back();
-        if (next == At(parent).children.size()) {
-            if (parent != 0) {
-                lines.Close();
-            }
-            open.pop_back();
-            continue;
-        }
-        const std::size_t child = At(parent).children[next++];
-        lines.Add(MembersOf(child), At(child).hasChildren);
-        if (At(child).hasChildren) {
-            open.emplace_back(child, 0);
-        }
-    }
-    dump_.text += lines.Text();
+    return members;
 }
 
 Members SceneWriter::MembersOf(std::size_t place) {
@@ -134,13 +118,15 @@ void SceneWriter::AddAttribute(std::size_t place, const std::string& name, CFTyp
         members.Add(name, *At(place).selectedRows);
         return;
     }
-    const auto written =
-        SceneValueOf(value, name, [this](CFTypeRef element) { return Describe(element); });
-    if (!written || !scene_notation::IsAttributeName(name)) {
-        ++dump_.leftOutValues;
+    const auto answer = AnswerOf(
+        value, [this](CFTypeRef element) { return tree_.Find(element).value_or(kNotInTree); });
+    if (!answer || !scene_notation::IsAttributeName(name)) {
+        ++leftOutValues_;
         return;
     }
-    members.Add(name, *written);
+    members.Add(name, scene_notation::WriteAnswer(*answer, name, [this](const auto& reference) {
+                    return Describe(reference.id);
+                }));
 }
 
 // One window of an application is its main one. If none is, the first one says so, since a scene
@@ -153,23 +139,15 @@ void SceneWriter::AddMain(std::size_t place, Members& members) const {
     }
 }
 
-std::string SceneWriter::AddressOf(std::size_t place) const {
+Json SceneWriter::Describe(std::uint64_t id) const {
+    if (id == kNotInTree) {
+        return scene_notation::WriteNoElement();
+    }
     std::vector<std::size_t> path;
-    for (; place != 0; place = At(place).parent) {
+    for (std::size_t place = id; place != 0; place = At(place).parent) {
         path.push_back(At(place).position);
     }
-    std::string address = path.empty() ? "/" : "";
-    for (auto step = path.rbegin(); step != path.rend(); ++step) {
-        address += fmt::format("/{}", *step);
-    }
-    return address;
-}
-
-Json SceneWriter::Describe(CFTypeRef element) const {
-    const auto place = tree_.Find(element);
-    Json described;
-    described[scene_notation::tag::kElement] = place ? Json(AddressOf(*place)) : Json(nullptr);
-    return described;
+    return scene_notation::WriteElement(scene_notation::PathAddress(path));
 }
 
 }  // namespace

@@ -3,15 +3,16 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <fmt/format.h>
 
-#include "tools/Reference.h"
+#include "VEKCommon/OwnedReference.h"
 
 namespace krt9ctl {
 
 namespace {
 
-Reference<CFStringRef> MakeString(std::span<const std::uint8_t> bytes, CFStringEncoding encoding) {
+OwnedReference<CFStringRef> MakeString(std::span<const std::uint8_t> bytes,
+                                       CFStringEncoding encoding) {
     static constexpr std::uint8_t kNothing = 0;
-    return Reference<CFStringRef>(
+    return OwnedReference<CFStringRef>(
         CFStringCreateWithBytes(kCFAllocatorDefault, bytes.empty() ? &kNothing : bytes.data(),
                                 static_cast<CFIndex>(bytes.size()), encoding, false));
 }

@@ -6,11 +6,11 @@
 
 #include "VEKCommon/MessageCodes.h"
 #include "VEKCommon/Names.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tools/Arguments.h"
 #include "tools/CompanionMessage.h"
 #include "tools/Grammar.h"
 #include "tools/Interruption.h"
-#include "tools/Reference.h"
 #include "tools/Run.h"
 #include "tools/Session.h"
 
@@ -85,14 +85,14 @@ ExitCode Watch::Run(std::optional<double> seconds) {
     CheckSession();
     const Interruption interruption;
     CFMessagePortContext context{0, this, nullptr, nullptr, nullptr};
-    const Reference<CFMessagePortRef> port(CFMessagePortCreateLocal(
+    const OwnedReference<CFMessagePortRef> port(CFMessagePortCreateLocal(
         kCFAllocatorDefault, CFSTR(kCompanionPortName), ReceiveEntry, &context, nullptr));
     if (!port) {
         output_.Problem(ExitCode::nameTaken,
                         "the port VEK_KRT9 is taken: the companion or another watch runs");
         return ExitCode::nameTaken;
     }
-    const Reference<CFRunLoopSourceRef> source(
+    const OwnedReference<CFRunLoopSourceRef> source(
         CFMessagePortCreateRunLoopSource(kCFAllocatorDefault, port.get(), 0));
     CFRunLoopAddSource(CFRunLoopGetCurrent(), source.get(), kCFRunLoopDefaultMode);
     output_.Remark("watching the companion's port VEK_KRT9");

@@ -91,12 +91,9 @@ struct Notification {
     friend bool operator==(const Notification&, const Notification&) = default;
 };
 
-// Arrays and dictionaries of a value nest at most this deep. Decoding refuses a message with deeper
-// ones; encoding writes the null object in place of anything deeper.
-inline constexpr std::size_t kDeepestValue = 64;
-
-// Encoding: MessagePack. Decoding returns nothing for bytes that are not exactly one well-formed
-// message; nothing is allocated beyond what the bytes justify.
+// Encoding: MessagePack; the null object stands in place of values that nest deeper than
+// kDeepestValue. Decoding refuses a message with deeper ones, and returns nothing for bytes that
+// are not exactly one well-formed message; nothing is allocated beyond what the bytes justify.
 std::vector<std::uint8_t> Encode(const Request& request);
 std::vector<std::uint8_t> Encode(const Reply& reply);
 std::vector<std::uint8_t> Encode(const Notification& notification);

@@ -2,6 +2,7 @@
 // independent of any framework's types.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <variant>
@@ -49,6 +50,9 @@ struct Bytes {
     std::vector<std::uint8_t> content;
     friend bool operator==(const Bytes&, const Bytes&) = default;
 };
+
+// Arrays and dictionaries nest at most this deep.
+inline constexpr std::size_t kDeepestValue = 64;
 
 struct Value;
 struct DictionaryEntry;

@@ -28,10 +28,19 @@ bool AttributeComesBefore(std::string_view left, std::string_view right) {
     return leftRank != rightRank ? leftRank < rightRank : left < right;
 }
 
+std::string_view TagOfPlainNumbers(std::string_view attribute) {
+    if (attribute == "AXPosition") {
+        return tag::kPoint;
+    }
+    if (attribute == "AXSize") {
+        return tag::kSize;
+    }
+    return attribute == "AXFrame" ? tag::kRect : std::string_view();
+}
+
 bool PlainArrayMeansSomethingElse(std::string_view attribute) {
-    constexpr std::array<std::string_view, 6> kNames = {
-        "AXPosition", "AXSize", "AXFrame", "AXChildren", "AXSelectedRows", "AXWindows"};
-    return std::find(kNames.begin(), kNames.end(), attribute) != kNames.end();
+    return attribute == "AXChildren" || attribute == "AXSelectedRows" || attribute == "AXWindows" ||
+           !TagOfPlainNumbers(attribute).empty();
 }
 
 }  // namespace scene_notation

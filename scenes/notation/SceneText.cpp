@@ -1,12 +1,9 @@
 #include "scenes/notation/SceneText.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace scene_notation {
-
-std::string OneLine(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
 
 void Members::Add(const std::string& key, const Json& value) {
     text_ += text_.empty() ? "" : ", ";
@@ -31,6 +28,34 @@ void ElementLines::Add(const Members& members, bool hasChildren) {
 void ElementLines::Close() {
     hasAny_.pop_back();
     text_ += "] }";
+}
+
+void SceneText::Add(const std::string& key, const Json& value) {
+    text_ += text_.empty() ? "{ " : ",\n  ";
+    text_ += OneLine(key) + ": " + OneLine(value);
+}
+
+void SceneText::AddApplication(const Members& facts, const ElementLines& windows) {
+    BeginApplication(facts);
+    text_ += "[";
+    text_ += windows.Text();
+    text_ += "] }";
+}
+
+void SceneText::AddApplication(const Members& facts, const Json& windows) {
+    BeginApplication(facts);
+    text_ += OneLine(windows) + " }";
+}
+
+void SceneText::BeginApplication(const Members& facts) {
+    text_ += hasApplications_ ? ",\n" : ",\n  \"applications\": [\n";
+    text_ += "    { " + facts.Text() + ",\n      \"windows\": ";
+    hasApplications_ = true;
+}
+
+std::string SceneText::Finish() {
+    text_ += hasApplications_ ? "\n  ]\n}\n" : ",\n  \"applications\": [\n  ]\n}\n";
+    return std::move(text_);
 }
 
 std::string WithoutLineBreaks(const std::string& text) {

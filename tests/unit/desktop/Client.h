@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "desktop/Desktop.h"
-#include "desktop/SceneError.h"
+#include "scenes/notation/SceneError.h"
 
 namespace desktop {
 
@@ -19,6 +19,7 @@ using desktop_link::Operation;
 using desktop_link::Reply;
 using desktop_link::Request;
 using nlohmann::json;
+using scene_notation::SceneError;
 
 struct Client {
     Desktop& desktop;

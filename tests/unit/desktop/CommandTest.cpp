@@ -1,6 +1,5 @@
 // Commands and scenes in their less common forms.
 #include "desktop/InProcessTransport.h"
-#include "desktop/JsonFields.h"
 #include "desktop/Timecode.h"
 #include "tests/unit/desktop/Client.h"
 
@@ -15,22 +14,6 @@ using testing::IsEmpty;
 
 json SetCommand(const char* element, const char* attribute, const json& value) {
     return {{"command", "set"}, {"element", element}, {"attribute", attribute}, {"value", value}};
-}
-
-TEST(Numbers, InfiniteOnesAndNanAreWrittenAsTexts) {
-    EXPECT_EQ(ExpectNumber({{"double", "-inf"}}, ""), -std::numeric_limits<double>::infinity());
-    EXPECT_EQ(ExpectNumber({{"double", "inf"}}, ""), std::numeric_limits<double>::infinity());
-    EXPECT_TRUE(std::isnan(ExpectNumber({{"double", "nan"}}, "")));
-    EXPECT_THROW(ExpectNumber({{"double", "many"}}, ""), SceneError);
-    EXPECT_THROW(ExpectNumber({{"double", "inf"}, {"x", 1}}, ""), SceneError);
-    EXPECT_THROW(ExpectNumber({{"x", "inf"}}, ""), SceneError);
-}
-
-TEST(Numbers, DurationIsADayAtMost) {
-    EXPECT_EQ(ExpectDuration(86400, ""), 86400);
-    EXPECT_THROW(ExpectDuration(86401, ""), SceneError);
-    EXPECT_THROW(ExpectDuration(-0.001, ""), SceneError);
-    EXPECT_THROW(ExpectDuration({{"double", "nan"}}, ""), SceneError);
 }
 
 TEST(Timecodes, ThatAreNoneCountFromZero) {

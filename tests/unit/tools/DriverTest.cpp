@@ -8,6 +8,7 @@
 #include <sstream>
 #include <vector>
 
+#include "VEKCommon/OwnedReference.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/Stage.h"
 #include "tools/Client.h"
@@ -52,8 +53,8 @@ class FakeDriver {
     }
 
     Reply reply_;
-    Reference<CFMessagePortRef> port_;
-    Reference<CFRunLoopSourceRef> source_;
+    OwnedReference<CFMessagePortRef> port_;
+    OwnedReference<CFRunLoopSourceRef> source_;
 };
 
 CFDataRef Nothing(const Request&) {

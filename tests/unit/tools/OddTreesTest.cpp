@@ -3,15 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <functional>
 
+#include "VEKCommon/OwnedReference.h"
 #include "scenes/notation/Names.h"
-#include "scenes/notation/Values.h"
 #include "tests/support/ScriptedDesktop.h"
 #include "tests/unit/tools/Carried.h"
-#include "tools/Reference.h"
-#include "tools/SceneValue.h"
+#include "tools/AttributeValue.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {
@@ -157,60 +155,45 @@ TEST(OddDesktop, WhoseReplyIsNotAnObjectIsARefusal) {
     EXPECT_EQ(Carried({"dump", "--application", "x.y"}).code, ExitCode::accessibility);
 }
 
-std::optional<Json> Written(CFTypeRef value) {
-    return SceneValueOf(value, "AXValue", [](CFTypeRef) { return Json(); });
+std::optional<scene_notation::Answer> Held(CFTypeRef value) {
+    return AnswerOf(value, [](CFTypeRef) { return 0; });
 }
 
 TEST(OddValue, ThatNoSceneCanHoldIsNothing) {
     const UniChar alone[] = {'a', 0xD800};
-    const Reference<CFStringRef> surrogate(
+    const OwnedReference<CFStringRef> surrogate(
         CFStringCreateWithCharacters(kCFAllocatorDefault, alone, 2));
-    EXPECT_EQ(Written(surrogate.get()), std::nullopt);
-    const Reference<CFMutableArrayRef> list(
+    EXPECT_EQ(Held(surrogate.get()), std::nullopt);
+    const OwnedReference<CFMutableArrayRef> list(
         CFArrayCreateMutable(kCFAllocatorDefault, 0, &kCFTypeArrayCallBacks));
     CFArrayAppendValue(list.get(), surrogate.get());
-    EXPECT_EQ(Written(list.get()), std::nullopt);
+    EXPECT_EQ(Held(list.get()), std::nullopt);
+}
+
+TEST(OddValue, OfErrorTypeThatIsNoErrorIsAValue) {
+    EXPECT_THAT(RoundTrip(SceneWith(R"({"AXHelp": {"axerror": 0}, "AXTitle": {"axerror": -1}})")),
+                HasSubstr(R"("AXTitle": {"error":-1}, "AXHelp": {"axerror":0})"));
 }
 
 TEST(OddValue, NestedTooDeepIsNothing) {
-    Reference<CFArrayRef> value(
+    OwnedReference<CFArrayRef> value(
         CFArrayCreate(kCFAllocatorDefault, nullptr, 0, &kCFTypeArrayCallBacks));
     for (std::size_t depth = 1; depth <= scene_notation::kDeepestValue; ++depth) {
         CFTypeRef inner = value.get();
         value.reset(CFArrayCreate(kCFAllocatorDefault, &inner, 1, &kCFTypeArrayCallBacks));
     }
-    EXPECT_NE(Written(value.get()), std::nullopt);
+    EXPECT_NE(Held(value.get()), std::nullopt);
     CFTypeRef inner = value.get();
-    const Reference<CFArrayRef> deeper(
+    const OwnedReference<CFArrayRef> deeper(
         CFArrayCreate(kCFAllocatorDefault, &inner, 1, &kCFTypeArrayCallBacks));
-    EXPECT_EQ(Written(deeper.get()), std::nullopt);
+    EXPECT_EQ(Held(deeper.get()), std::nullopt);
 }
 
 TEST(OddValue, IsADictionaryWithAKeyThatIsNotAText) {
-    const Reference<CFMutableDictionaryRef> map(CFDictionaryCreateMutable(
+    const OwnedReference<CFMutableDictionaryRef> map(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     CFDictionarySetValue(map.get(), kCFBooleanTrue, kCFBooleanTrue);
-    EXPECT_EQ(Written(map.get()), std::nullopt);
-}
-
-TEST(Notation, WritesNumbersThatJsonHasNoFormFor) {
-    using scene_notation::WriteCoordinate;
-    EXPECT_EQ(OneLine(WriteCoordinate(-INFINITY)), R"({"double":"-inf"})");
-    EXPECT_EQ(OneLine(WriteCoordinate(INFINITY)), R"({"double":"inf"})");
-    EXPECT_EQ(OneLine(WriteCoordinate(NAN)), R"({"double":"nan"})");
-    EXPECT_EQ(OneLine(WriteCoordinate(-0.0)), "-0.0");
-    EXPECT_EQ(OneLine(WriteCoordinate(0)), "0");
-    EXPECT_EQ(OneLine(WriteCoordinate(9007199254740992)), "9.007199254740992e+15");
-    EXPECT_EQ(OneLine(WriteCoordinate(9007199254740991)), "9007199254740991");
-    EXPECT_EQ(OneLine(WriteCoordinate(1.5)), "1.5");
-}
-
-TEST(Notation, KnowsAttributesByTheirCapital) {
-    EXPECT_TRUE(scene_notation::IsAttributeName("AXValue"));
-    EXPECT_TRUE(scene_notation::IsAttributeName("Z"));
-    for (const char* name : {"", "actions", "[", "@"}) {
-        EXPECT_FALSE(scene_notation::IsAttributeName(name)) << name;
-    }
+    EXPECT_EQ(Held(map.get()), std::nullopt);
 }
 
 TEST(Text, IsPrintedWithoutWhatATerminalWouldObey) {

@@ -6,10 +6,10 @@
 #include <sstream>
 
 #include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tests/support/Stage.h"
 #include "tools/Interruption.h"
 #include "tools/Output.h"
-#include "tools/Reference.h"
 
 namespace krt9ctl {
 namespace {
@@ -83,10 +83,10 @@ TEST(ClosedPipe, EndsWatchWithoutAnotherMessage) {
     ChildProcess pipeline(
         "/bin/sh", {"-c", "{ \"$0\" watch; echo \"status $?\" >&2; } | head -n 1", kProgram});
     ASSERT_TRUE(pipeline.WaitForOutput("watching")) << pipeline.StandardError();
-    const Reference<CFMessagePortRef> port(
+    const OwnedReference<CFMessagePortRef> port(
         CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR("VEK_KRT9")));
     const UInt8 clip[] = {'A', 0};
-    const Reference<CFDataRef> data(CFDataCreate(kCFAllocatorDefault, clip, sizeof clip));
+    const OwnedReference<CFDataRef> data(CFDataCreate(kCFAllocatorDefault, clip, sizeof clip));
     EXPECT_EQ(CFMessagePortSendRequest(port.get(), kJFSC, data.get(), 5, 0, nullptr, nullptr), 0);
     EXPECT_EQ(pipeline.WaitForExit(), 0);
     EXPECT_THAT(pipeline.StandardOutput(), HasSubstr("JFSC clip: A\n"));

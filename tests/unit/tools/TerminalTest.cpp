@@ -6,11 +6,11 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "VEKCommon/OwnedReference.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/tools/OnTerminal.h"
-#include "tools/Reference.h"
 #include "tools/terminal/Help.h"
 #include "tools/terminal/Terminal.h"
 
@@ -134,7 +134,7 @@ TEST(Help, OfANarrowTerminalHasAtLeastFortyColumns) {
 // A driver whose run loop never runs: a request to it waits for its time-out.
 TEST(Progress, AppearsOnATerminalWhenAWaitIsLongAndGoesAway) {
     const test_support::SessionFixture session;
-    const Reference<CFMessagePortRef> port(CFMessagePortCreateLocal(
+    const OwnedReference<CFMessagePortRef> port(CFMessagePortCreateLocal(
         kCFAllocatorDefault, CFSTR("KRT9Background"),
         [](CFMessagePortRef, SInt32, CFDataRef, void*) -> CFDataRef { return nullptr; }, nullptr,
         nullptr));

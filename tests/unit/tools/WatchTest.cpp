@@ -8,9 +8,9 @@
 #include <sstream>
 
 #include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tests/support/Stage.h"
 #include "tools/Bytes.h"
-#include "tools/Reference.h"
 #include "tools/Run.h"
 
 namespace krt9ctl {
@@ -36,20 +36,20 @@ class Soon {
     static void Fire(CFRunLoopTimerRef, void* soon) { static_cast<Soon*>(soon)->work_(); }
 
     std::function<void()> work_;
-    Reference<CFRunLoopTimerRef> timer_;
+    OwnedReference<CFRunLoopTimerRef> timer_;
 };
 
 // Sends as the driver does: with a reply mode only when a reply is wanted.
 Bytes Send(SInt32 code, const Bytes& body, bool wantReply = false) {
-    const Reference<CFMessagePortRef> port(
+    const OwnedReference<CFMessagePortRef> port(
         CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR("VEK_KRT9")));
-    const Reference<CFDataRef> data(
+    const OwnedReference<CFDataRef> data(
         CFDataCreate(kCFAllocatorDefault, body.data(), static_cast<CFIndex>(body.size())));
     CFDataRef reply = nullptr;
     EXPECT_EQ(CFMessagePortSendRequest(port.get(), code, data.get(), 1, wantReply ? 1 : 0,
                                        wantReply ? kCFRunLoopDefaultMode : nullptr, &reply),
               kCFMessagePortSuccess);
-    const Reference<CFDataRef> owner(reply);
+    const OwnedReference<CFDataRef> owner(reply);
     return reply == nullptr
                ? Bytes{}
                : Bytes(CFDataGetBytePtr(reply), CFDataGetBytePtr(reply) + CFDataGetLength(reply));

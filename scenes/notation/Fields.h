@@ -1,4 +1,4 @@
-// Reading the fields of JSON, with errors that name the place.
+// Reading the fields of scenes and commands, with errors that name the place.
 #pragma once
 
 #include <cstdint>
@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
-#include "desktop/SceneError.h"
+#include "scenes/notation/SceneError.h"
 
-namespace desktop {
+namespace scene_notation {
 
 // "applications[0].name" from "applications[0]" and "name".
 std::string Place(const std::string& base, std::string_view key);
@@ -48,10 +48,4 @@ void ExpectShallow(const nlohmann::json& json, const std::string& place);
 // Parses a text; throws SceneError with line and column. `place` may be empty.
 nlohmann::json ParseJson(std::string_view text, const std::string& place);
 
-// JSON as text, with everything that is not UTF-8 replaced.
-template <typename Json>
-std::string ToText(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-}  // namespace desktop
+}  // namespace scene_notation

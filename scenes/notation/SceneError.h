@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace desktop {
+namespace scene_notation {
 
 class SceneError : public std::runtime_error {
   public:
@@ -13,4 +13,4 @@ class SceneError : public std::runtime_error {
     SceneError(const std::string& place, const std::string& problem);
 };
 
-}  // namespace desktop
+}  // namespace scene_notation

@@ -1,13 +1,14 @@
-#include "desktop/JsonFields.h"
+#include "scenes/notation/Fields.h"
 
 #include <algorithm>
 #include <limits>
 #include <utility>
 #include <vector>
 
+#include "scenes/notation/Json.h"
 #include "scenes/notation/Names.h"
 
-namespace desktop {
+namespace scene_notation {
 
 using nlohmann::json;
 
@@ -84,8 +85,7 @@ double ExpectNumber(const json& json, const std::string& place) {
     if (json.is_number()) {
         return json.get<double>();
     }
-    const auto* text =
-        json.is_object() && json.size() == 1 ? Field(json, scene_notation::tag::kDouble) : nullptr;
+    const auto* text = json.is_object() && json.size() == 1 ? Field(json, tag::kDouble) : nullptr;
     if (text != nullptr && *text == "nan") {
         return std::numeric_limits<double>::quiet_NaN();
     }
@@ -117,7 +117,7 @@ void ExpectOnly(const json& object, const std::string& place,
                 std::initializer_list<std::string_view> keys) {
     for (const auto& [key, value] : ExpectObject(object, place).items()) {
         if (key != "comment" && std::find(keys.begin(), keys.end(), key) == keys.end()) {
-            throw SceneError(place, "unknown key " + ToText(json(key)));
+            throw SceneError(place, "unknown key " + OneLine(json(key)));
         }
     }
 }
@@ -142,7 +142,7 @@ void ExpectShallow(const json& json, const std::string& place) {
         if (!current->is_structured()) {
             continue;
         }
-        if (depth >= scene_notation::kDeepestJson) {
+        if (depth >= kDeepestJson) {
             throw SceneError(place, "nested too deep");
         }
         for (const auto& item : *current) {
@@ -162,4 +162,4 @@ json ParseJson(std::string_view text, const std::string& place) {
     }
 }
 
-}  // namespace desktop
+}  // namespace scene_notation

@@ -1,24 +1,25 @@
-#include <limits>
+#include "scenes/notation/ValueReading.h"
+
+#include <optional>
 #include <utility>
 #include <vector>
 
-#include "desktop/JsonFields.h"
-#include "desktop/SceneValue.h"
+#include "scenes/notation/Fields.h"
+#include "scenes/notation/Hex.h"
+#include "scenes/notation/Json.h"
 #include "scenes/notation/Names.h"
 
-namespace desktop {
+namespace scene_notation {
 
 using desktop_link::Array;
 using desktop_link::Bytes;
 using desktop_link::Dictionary;
-using desktop_link::ElementReference;
 using desktop_link::ErrorValue;
 using desktop_link::Point;
 using desktop_link::Range;
 using desktop_link::Rect;
 using desktop_link::Size;
 using nlohmann::json;
-namespace tags = scene_notation::tag;
 
 namespace {
 
@@ -36,19 +37,22 @@ std::vector<double> ReadNumbers(const json& source, const std::string& place, st
     return numbers;
 }
 
-Value ReadPoint(const json& source, const std::string& place) {
-    const auto numbers = ReadNumbers(source, place, 2);
-    return {Point{numbers[0], numbers[1]}};
-}
-
-Value ReadSize(const json& source, const std::string& place) {
-    const auto numbers = ReadNumbers(source, place, 2);
-    return {Size{numbers[0], numbers[1]}};
-}
-
-Value ReadRect(const json& source, const std::string& place) {
-    const auto numbers = ReadNumbers(source, place, 4);
-    return {Rect{{numbers[0], numbers[1]}, {numbers[2], numbers[3]}}};
+// Nothing for a tag that does not stand for numbers.
+std::optional<Value> ReadStructure(std::string_view name, const json& source,
+                                   const std::string& place) {
+    if (name == tag::kPoint) {
+        const auto numbers = ReadNumbers(source, place, 2);
+        return Value{Point{numbers[0], numbers[1]}};
+    }
+    if (name == tag::kSize) {
+        const auto numbers = ReadNumbers(source, place, 2);
+        return Value{Size{numbers[0], numbers[1]}};
+    }
+    if (name == tag::kRect) {
+        const auto numbers = ReadNumbers(source, place, 4);
+        return Value{Rect{{numbers[0], numbers[1]}, {numbers[2], numbers[3]}}};
+    }
+    return std::nullopt;
 }
 
 Value ReadRange(const json& source, const std::string& place) {
@@ -59,25 +63,12 @@ Value ReadRange(const json& source, const std::string& place) {
                   ExpectInteger(source[1], Place(place, 1))}};
 }
 
-int HexDigit(char digit) {
-    const std::string_view digits = "0123456789abcdef";
-    const std::size_t found =
-        digits.find(digit >= 'A' && digit <= 'F' ? static_cast<char>(digit - 'A' + 'a') : digit);
-    return found == std::string_view::npos ? -1 : static_cast<int>(found);
-}
-
 Value ReadBytes(const json& source, const std::string& place) {
-    const std::string& text = ExpectText(source, place);
-    Bytes bytes;
-    for (std::size_t i = 0; i < text.size(); i += 2) {
-        const int high = HexDigit(text[i]);
-        const int low = i + 1 < text.size() ? HexDigit(text[i + 1]) : -1;
-        if (high < 0 || low < 0) {
-            throw SceneError(place, "expected two hexadecimal digits for each byte");
-        }
-        bytes.content.push_back(static_cast<std::uint8_t>(high * 16 + low));
+    auto bytes = ParseHex(ExpectText(source, place));
+    if (!bytes) {
+        throw SceneError(place, "expected two hexadecimal digits for each byte");
     }
-    return {std::move(bytes)};
+    return {Bytes{*std::move(bytes)}};
 }
 
 Value ReadArray(const json& source, const std::string& place, const ElementResolver& resolve,
@@ -99,64 +90,59 @@ Value ReadDictionary(const json& source, const std::string& place, const Element
 }
 
 Value ReadElementTag(const json& source, const std::string& place, const ElementResolver& resolve) {
-    ExpectOnly(source, place, {tags::kElement, "application"});
-    const json* application = Field(source, "application");
-    if (source[tags::kElement].is_null()) {
+    ExpectOnly(source, place, {tag::kElement, tag::kApplication});
+    const json* application = Field(source, tag::kApplication);
+    if (source[tag::kElement].is_null()) {
         return {resolve("", "", place)};
     }
-    return {resolve(ExpectText(source[tags::kElement], Place(place, tags::kElement)),
-                    application == nullptr ? std::string()
-                                           : ExpectText(*application, Place(place, "application")),
+    return {resolve(ExpectText(source[tag::kElement], Place(place, tag::kElement)),
+                    application == nullptr
+                        ? std::string()
+                        : ExpectText(*application, Place(place, tag::kApplication)),
                     place)};
 }
 
 Value ReadTagged(const json& source, const std::string& place, const ElementResolver& resolve,
                  std::size_t depth) {
-    if (source.contains(tags::kElement)) {
+    if (source.contains(tag::kElement)) {
         return ReadElementTag(source, place, resolve);
     }
     if (source.size() != 1) {
         throw SceneError(place, "expected one tag such as {\"point\": [1, 2]}");
     }
-    const std::string& tag = source.begin().key();
+    const std::string& name = source.begin().key();
     const json& content = source.begin().value();
-    const std::string inside = Place(place, tag);
-    if (tag == tags::kNull) {
+    const std::string inside = Place(place, name);
+    if (auto structure = ReadStructure(name, content, inside)) {
+        return *std::move(structure);
+    }
+    if (name == tag::kNull) {
         return {std::monostate{}};
     }
-    if (tag == tags::kPoint) {
-        return ReadPoint(content, inside);
-    }
-    if (tag == tags::kSize) {
-        return ReadSize(content, inside);
-    }
-    if (tag == tags::kRect) {
-        return ReadRect(content, inside);
-    }
-    if (tag == tags::kRange) {
+    if (name == tag::kRange) {
         return ReadRange(content, inside);
     }
-    if (tag == tags::kErrorValue) {
+    if (name == tag::kErrorValue) {
         return {ErrorValue{ExpectErrorCode(content, inside)}};
     }
-    if (tag == tags::kData) {
+    if (name == tag::kData) {
         return ReadBytes(content, inside);
     }
-    if (tag == tags::kDouble) {
+    if (name == tag::kDouble) {
         return {ExpectNumber(content.is_number() ? content : source, place)};
     }
-    if (tag == tags::kArray) {
+    if (name == tag::kArray) {
         return ReadArray(content, inside, resolve, depth);
     }
-    if (tag == tags::kDictionary) {
+    if (name == tag::kDictionary) {
         return ReadDictionary(content, inside, resolve, depth);
     }
-    throw SceneError(place, "unknown tag " + ToText(json(tag)));
+    throw SceneError(place, "unknown tag " + OneLine(json(name)));
 }
 
 Value ReadValue(const json& source, const std::string& place, const ElementResolver& resolve,
                 std::size_t depth) {
-    if (depth > scene_notation::kDeepestValue) {
+    if (depth > kDeepestValue) {
         throw SceneError(place, "nested too deep");
     }
     switch (source.type()) {
@@ -184,24 +170,20 @@ Value ReadValue(const json& source, const std::string& place, const ElementResol
 Answer ReadAnswer(const json& source, std::string_view attribute, const std::string& place,
                   const ElementResolver& resolve) {
     if (source.is_null()) {
-        return Answer::Error(kNoValue);
+        return Answer::Error(kNoValueError);
     }
     if (source.is_object() && source.size() == 1) {
-        if (const json* error = Field(source, tags::kFailure)) {
-            return Answer::Error(ExpectErrorCode(*error, Place(place, tags::kFailure)));
+        if (const json* error = Field(source, tag::kFailure)) {
+            return Answer::Error(ExpectErrorCode(*error, Place(place, tag::kFailure)));
         }
-        if (source.contains(tags::kNothing)) {
+        if (source.contains(tag::kNothing)) {
             return {{}, 0, true};
         }
     }
-    if (source.is_array() && attribute == "AXPosition") {
-        return Answer::Of(ReadPoint(source, place));
-    }
-    if (source.is_array() && attribute == "AXSize") {
-        return Answer::Of(ReadSize(source, place));
-    }
-    if (source.is_array() && attribute == "AXFrame") {
-        return Answer::Of(ReadRect(source, place));
+    if (source.is_array()) {
+        if (auto structure = ReadStructure(TagOfPlainNumbers(attribute), source, place)) {
+            return Answer::Of(*std::move(structure));
+        }
     }
     return Answer::Of(ReadValue(source, place, resolve, 0));
 }
@@ -211,7 +193,7 @@ bool MentionsElement(const json& source) {
     while (!open.empty()) {
         const json* current = open.back();
         open.pop_back();
-        if (current->is_object() && current->contains(tags::kElement)) {
+        if (current->is_object() && current->contains(tag::kElement)) {
             return true;
         }
         if (current->is_structured()) {
@@ -223,4 +205,4 @@ bool MentionsElement(const json& source) {
     return false;
 }
 
-}  // namespace desktop
+}  // namespace scene_notation
