@@ -21,7 +21,7 @@ struct BodyFault {
     Kind kind = Kind::kTooShort;
     std::uint64_t value = 0;
     std::uint64_t needed = 0;
-    const char* unit = "bytes";
+    const char* unit = nullptr;  // of a name that is too long
 };
 
 class BoundedBytes {
