@@ -21,6 +21,7 @@
 
 #include "tests/golden/Session.h"
 #include "tests/support/EditorReleases.h"
+#include "tests/support/Files.h"
 #include "tests/support/InheritedFlags.h"
 
 namespace {
@@ -39,13 +40,7 @@ std::string PathOf(const std::string& version) {
 }
 
 Lines ReadLines(const std::string& path) {
-    std::ifstream file(path);
-    EXPECT_TRUE(file) << path;
-    Lines lines;
-    for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
-    }
-    return lines;
+    return test_support::LinesOf(test_support::ContentOf(path));
 }
 
 // The recording as it would be written today.

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "VEKCommon/MessageCodes.h"
 #include "frontapplication/FrontApplication.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/DriverInspector.h"
+#include "tests/support/Files.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/Paths.h"
@@ -26,14 +25,6 @@ using test_support::OwnedObject;
 constexpr CFTimeInterval kTickInterval = 0.1;
 constexpr CFTimeInterval kPatience = 10;  // seconds of the test's clock: time-outs of a request
 constexpr std::size_t kStatusWords = 7;
-
-std::string ContentOf(const std::string& path) {
-    std::ifstream file(path);
-    if (!file) {
-        throw std::runtime_error("cannot be read: " + path);
-    }
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // The process remembers which source of the clip's name it uses. Three looks at a scene in which
 // the first source works set it back to that one, whichever it was.
@@ -104,7 +95,7 @@ std::vector<std::string> Session::Perform(const std::string& step) {
 }
 
 void Session::Scene(const std::string& file) {
-    const std::string scene = ContentOf(KRT9_SCENES "/" + file);
+    const std::string scene = test_support::ContentOf(KRT9_SCENES "/" + file);
     LookForClipNamesFromTheStart(scene);
     session_.emplace();
     desktop_.emplace(scene);

@@ -9,13 +9,15 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 
+#include "tests/support/Files.h"
 #include "tests/support/ProcessState.h"
 #include "tests/support/Stage.h"
 
 namespace {
 
+using test_support::ContentOf;
+using test_support::LinesOf;
 using test_support::Role;
 using test_support::Stage;
 using testing::ElementsAre;
@@ -38,15 +40,6 @@ class CompanionPort {
 
     CFMessagePortRef port_;
 };
-
-std::vector<std::string> Lines(const std::filesystem::path& path) {
-    std::ifstream file(path);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 TEST(LifeCycle, InterruptEndsTheProcessWithStatusZeroAndLeavesNothingBehind) {
     Stage stage;
@@ -71,7 +64,7 @@ TEST(LifeCycle, MainConstructorAndDestructorDoTheirStepsInOrder) {
     stage.Control({"pointer"});
     EXPECT_EQ(stage.Interrupt(Role::driver), 0) << stage.Driver().StandardError();
     EXPECT_THAT(
-        Lines(trace),
+        LinesOf(ContentOf(trace)),
         ElementsAre("signal SIGINT", "create local port", "create element cache",
                     "create empty event", "create event source", "log version",
                     "create last timecode", "add source in common modes", "sign in to MIDI",
@@ -89,7 +82,7 @@ TEST(LifeCycle, RunLoopThatReturnsDestroysTheDriverAndEndsTheProcessWithStatusZe
                        {"KRT9_CALL_TRACE", trace},
                        {"KRT9_RUN_LOOP_RETURNS", "1"}});
     EXPECT_EQ(stage.Driver().WaitForExit(), 0) << stage.Driver().StandardError();
-    std::vector<std::string> end = Lines(trace);
+    std::vector<std::string> end = LinesOf(ContentOf(trace));
     ASSERT_THAT(end, testing::Contains("run loop runs"));
     end.erase(end.begin(), std::find(end.begin(), end.end(), "run loop runs"));
     EXPECT_THAT(

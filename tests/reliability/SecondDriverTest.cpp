@@ -7,11 +7,11 @@
 #include <csignal>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <vector>
 
 #include "tests/reliability/Together.h"
 #include "tests/reliability/WireClient.h"
+#include "tests/support/Files.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -19,6 +19,7 @@ namespace {
 using test_support::ChildProcess;
 using test_support::DriverAnswers;
 using test_support::DriverSeesTheEditor;
+using test_support::LinesOf;
 using test_support::Role;
 using test_support::Stage;
 using test_support::WireClient;
@@ -28,15 +29,6 @@ using testing::Not;
 
 constexpr char kTaken[] = "CFMessagePort \"KRT9Background\": the name is taken by another process";
 constexpr char kVersion[] = "com.solvanto.KRT9Background version 1.0.0";
-
-std::vector<std::string> SplitLines(const std::string& text) {
-    std::istringstream stream(text);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 class SecondDriver : public testing::Test {
   protected:
@@ -77,7 +69,7 @@ class SecondDriver : public testing::Test {
     static void ExpectIdledAndEnds(ChildProcess& second) {
         second.Signal(SIGINT);
         EXPECT_EQ(second.WaitForExit(), 0) << second.StandardError();
-        EXPECT_THAT(SplitLines(second.StandardError()),
+        EXPECT_THAT(LinesOf(second.StandardError()),
                     ElementsAre(HasSubstr(kTaken), HasSubstr(kVersion)));
         EXPECT_EQ(second.StandardOutput(), "");
     }
@@ -101,7 +93,7 @@ TEST_F(SecondDriver, SaysSoAndIdlesWhileTheFirstGoesOnServing) {
     EXPECT_TRUE(DriverAnswers()) << "newcomers";
     EXPECT_TRUE(CompanionHears(stage, "01:00:00:20"));
     // Each driver tells its language once, and only the first has.
-    EXPECT_THAT(SplitLines(stage.Companion().StandardOutput()),
+    EXPECT_THAT(LinesOf(stage.Companion().StandardOutput()),
                 testing::Contains(HasSubstr("JSLg")).Times(1));
 }
 

@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <csignal>
 
 #include "platform/DesktopLink/Framing.h"
 #include "platform/DesktopLink/Messages.h"
 #include "tests/reliability/Together.h"
 #include "tests/reliability/WireClient.h"
+#include "tests/support/Files.h"
 #include "tests/support/Paths.h"
 #include "tests/users/OtherUser.h"
 
@@ -21,6 +21,7 @@ using test_support::Bytes;
 using test_support::ChildProcess;
 using test_support::Command;
 using test_support::DriverSeesTheEditor;
+using test_support::LinesOf;
 using test_support::ProcessResult;
 using test_support::Stage;
 using test_support::WireClient;
@@ -58,16 +59,6 @@ std::string Hex(const Bytes& bytes) {
         hex += {kDigits[byte >> 4], kDigits[byte & 0xF]};
     }
     return hex;
-}
-
-std::vector<std::string> SplitLines(const std::string& text) {
-    std::vector<std::string> lines;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        lines.push_back(text.substr(at, end - at));
-        at = end + 1;
-    }
-    return lines;
 }
 
 class OtherUsers : public testing::Test {
@@ -153,7 +144,7 @@ void OtherUsers::ExpectTurnedAway(const std::string& reason) {
     EXPECT_TRUE(driver.WaitForOutput("version 1.0.0"));
     driver.Signal(SIGINT);
     EXPECT_EQ(driver.WaitForExit(), 0) << driver.StandardError();
-    EXPECT_THAT(SplitLines(driver.StandardError()),
+    EXPECT_THAT(LinesOf(driver.StandardError()),
                 ElementsAre(HasSubstr("CFMessagePort \"KRT9Background\": " + line),
                             HasSubstr("com.solvanto.KRT9Background version 1.0.0")));
 }

@@ -7,11 +7,10 @@
 
 #include <algorithm>
 #include <csignal>
-#include <fstream>
-#include <iterator>
 #include <map>
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Files.h"
 #include "tests/support/Paths.h"
 #include "tests/support/Stage.h"
 
@@ -33,21 +32,14 @@ std::string DescribedAlone(const fs::path& path) {
         line += " -> " + fs::read_symlink(path).string();
     }
     if (S_ISREG(status.st_mode)) {
-        std::ifstream file(path);
-        line += " " + std::string(std::istreambuf_iterator<char>(file), {});
+        line += " " + ContentOf(path);
     }
     return line + "\n";
 }
 
 std::vector<std::string> LinesWith(const std::string& output, const std::string& text) {
-    std::vector<std::string> lines;
-    for (std::size_t at = 0; at < output.size();) {
-        const std::size_t end = std::min(output.find('\n', at), output.size());
-        if (const std::string line = output.substr(at, end - at); line.find(text) != line.npos) {
-            lines.push_back(line);
-        }
-        at = end + 1;
-    }
+    std::vector<std::string> lines = LinesOf(output);
+    std::erase_if(lines, [&](const std::string& line) { return line.find(text) == line.npos; });
     return lines;
 }
 

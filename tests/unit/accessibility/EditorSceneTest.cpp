@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -20,6 +18,7 @@
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/EditorReleases.h"
+#include "tests/support/Files.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
@@ -171,10 +170,8 @@ TEST(EditorScene, AControlAddedWhereTheSearchHasYetToComeIsFound) {
 class ShippedScene : public testing::TestWithParam<test_support::EditorRelease> {
   protected:
     static std::string Text() {
-        const std::string path = std::string(KRT9_SCENES) + "/editor-" + GetParam().scene + ".json";
-        std::ifstream file(path);
-        EXPECT_TRUE(file) << path;
-        return {std::istreambuf_iterator<char>(file), {}};
+        return test_support::ContentOf(KRT9_SCENES "/editor-" + std::string(GetParam().scene) +
+                                       ".json");
     }
 
     // What the companion is told in this many ticks.

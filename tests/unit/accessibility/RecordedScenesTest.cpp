@@ -5,24 +5,18 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "tests/support/DriverInspector.h"
+#include "tests/support/Files.h"
 #include "tests/support/Paths.h"
 #include "tests/unit/accessibility/EditorSession.h"
 
 namespace {
 
 const std::string kExpected = ".expected.json";
-
-std::string ReadText(const std::string& path) {
-    std::ifstream file(path);
-    EXPECT_TRUE(file) << path;
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // The dumps' paths without ".json".
 std::vector<std::string> Recordings() {
@@ -41,8 +35,8 @@ class RecordedScene : public testing::TestWithParam<std::string> {};
 
 TEST_P(RecordedScene, ShowsTheDriverWhatIsExpectedOfIt) {
     constexpr int kRound = 3;  // ticks in which each source of a clip's name has its turn
-    const auto expected = nlohmann::json::parse(ReadText(GetParam() + kExpected));
-    EditorSession session(ReadText(GetParam() + ".json"));
+    const auto expected = nlohmann::json::parse(test_support::ContentOf(GetParam() + kExpected));
+    EditorSession session(test_support::ContentOf(GetParam() + ".json"));
     DriverInspector::LocaleSent(session.Driver()) = true;
     DriverInspector::StatusValid(session.Driver()) = true;
     session->ObserveFCPXClipSelectionChange();

@@ -1,7 +1,7 @@
 // Bundles on disk.
 #include <filesystem>
-#include <fstream>
 
+#include "tests/support/Files.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/unit/desktop/Client.h"
 
@@ -10,12 +10,8 @@ namespace desktop {
 namespace {
 
 namespace fs = std::filesystem;
+using test_support::ContentOf;
 using testing::HasSubstr;
-
-std::string Content(const fs::path& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 class BundleFolder : public testing::Test {
   protected:
@@ -39,7 +35,7 @@ TEST_F(BundleFolder, ApplicationWithInfoHasAnInfoPlist) {
     ASSERT_TRUE(front->bundlePath);
     EXPECT_EQ(fs::path(*front->bundlePath).filename(), "Editor.app");
     EXPECT_TRUE(fs::path(*front->bundlePath).is_absolute());
-    EXPECT_EQ(Content(fs::path(*front->bundlePath) / "Contents" / "Info.plist"),
+    EXPECT_EQ(ContentOf(fs::path(*front->bundlePath) / "Contents" / "Info.plist"),
               R"(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
 <plist version="1.0">
@@ -84,7 +80,7 @@ TEST_F(BundleFolder, ApplicationWithoutInfoHasNoBundle) {
 TEST_F(BundleFolder, IdentifierThatTheInfoGivesStays) {
     Desktop desktop(R"({"applications": [{"bundleID": "a", "info": {"CFBundleIdentifier": "b"}}]})",
                     {folder_.Path().string()});
-    const std::string plist = Content(BundleOf(Client{desktop}, 0) / "Contents" / "Info.plist");
+    const std::string plist = ContentOf(BundleOf(Client{desktop}, 0) / "Contents" / "Info.plist");
     EXPECT_THAT(plist, HasSubstr("<string>b</string>"));
     EXPECT_THAT(plist, testing::Not(HasSubstr("<string>a</string>")));
 }
@@ -94,7 +90,7 @@ TEST_F(BundleFolder, LocalizationsBecomeStringsFiles) {
         "localizations": {"de": {"Timeline": "Zeitachse"}, "en": {}}}]})",
                     {folder_.Path().string()});
     const fs::path resources = BundleOf(Client{desktop}, 0) / "Contents" / "Resources";
-    EXPECT_THAT(Content(resources / "de.lproj" / "Localizable.strings"),
+    EXPECT_THAT(ContentOf(resources / "de.lproj" / "Localizable.strings"),
                 HasSubstr("<key>Timeline</key>\n\t<string>Zeitachse</string>"));
     EXPECT_TRUE(fs::exists(resources / "en.lproj" / "Localizable.strings"));
 }
@@ -128,8 +124,8 @@ TEST_F(BundleFolder, TwoApplicationsOfOneNameHaveTwoBundles) {
                                          {"name": "A", "info": {"k": "2"}}]})",
                     {folder_.Path().string()});
     const Client client{desktop};
-    EXPECT_THAT(Content(BundleOf(client, 0) / "Contents/Info.plist"), HasSubstr("<string>1<"));
-    EXPECT_THAT(Content(BundleOf(client, 1) / "Contents/Info.plist"), HasSubstr("<string>2<"));
+    EXPECT_THAT(ContentOf(BundleOf(client, 0) / "Contents/Info.plist"), HasSubstr("<string>1<"));
+    EXPECT_THAT(ContentOf(BundleOf(client, 1) / "Contents/Info.plist"), HasSubstr("<string>2<"));
 }
 
 TEST_F(BundleFolder, BundlesGoWithTheirApplicationAndWithTheDesktop) {

@@ -1,8 +1,8 @@
 // The editor scenes: every control that observation needs is where a search reaches it.
-#include <fstream>
 
 #include "tests/support/ChildProcess.h"
 #include "tests/support/EditorReleases.h"
+#include "tests/support/Files.h"
 #include "tests/support/Paths.h"
 #include "tests/unit/desktop/Client.h"
 
@@ -19,10 +19,8 @@ bool HasRadioToggle(const EditorRelease& release) {
 class EditorScene : public testing::TestWithParam<EditorRelease> {
   protected:
     static std::string Text(const EditorRelease& release) {
-        const std::string path = std::string(KRT9_SCENES) + "/editor-" + release.scene + ".json";
-        std::ifstream file(path);
-        EXPECT_TRUE(file) << path;
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        return test_support::ContentOf(KRT9_SCENES "/editor-" + std::string(release.scene) +
+                                       ".json");
     }
 
     std::vector<ElementReference> Children(const ElementReference& element) const {
@@ -87,9 +85,8 @@ TEST_P(EditorScene, IsInFrontWithItsVersionAndHasHundredsOfElements) {
     const auto front = client_.Ask(Operation::hello)->session->frontApplication;
     ASSERT_TRUE(front && front->bundlePath);
     EXPECT_EQ(front->bundleIdentifier, "com.apple.FinalCut");
-    std::ifstream plist(*front->bundlePath + "/Contents/Info.plist");
-    const std::string info{std::istreambuf_iterator<char>(plist), {}};
-    EXPECT_THAT(info, testing::HasSubstr(std::string("<string>") + GetParam().scene + "<"));
+    EXPECT_THAT(test_support::ContentOf(*front->bundlePath + "/Contents/Info.plist"),
+                testing::HasSubstr(std::string("<string>") + GetParam().scene + "<"));
     EXPECT_GT(client_.Do({{"command", "state"}})["elements"], 250);
 }
 
@@ -152,8 +149,7 @@ TEST(EditorReleases, StandInTheGuideToScenes) {
     const test_support::ProcessResult made =
         test_support::RunProcess(KRT9_PYTHON, {KRT9_MAKE_EDITOR_SCENE, "--table"});
     ASSERT_EQ(made.status, 0) << made.standardError;
-    std::ifstream guide(KRT9_SCENES "/../docs/scenes.md");
-    EXPECT_THAT(std::string(std::istreambuf_iterator<char>(guide), {}),
+    EXPECT_THAT(test_support::ContentOf(KRT9_SCENES "/../docs/scenes.md"),
                 testing::HasSubstr(made.standardOutput))
         << "docs/scenes.md lacks the table that scripts/make-editor-scene.py --table prints";
 }

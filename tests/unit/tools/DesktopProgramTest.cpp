@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <sstream>
 
+#include "tests/support/Files.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/Stage.h"
 #include "tests/unit/tools/OnTerminal.h"
@@ -28,8 +28,7 @@ TEST_F(DesktopProgram, TellsItsVersionAndHelp) {
     const auto help = RunProcess(kProgram, {"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_THAT(help.standardOutput, HasSubstr("--ready-fd N"));
-    std::istringstream lines(help.standardOutput);
-    for (std::string line; std::getline(lines, line);) {
+    for (const std::string& line : test_support::LinesOf(help.standardOutput)) {
         EXPECT_LE(line.size(), 80U) << line;
     }
 }

@@ -6,10 +6,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "desktop/Program.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Files.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tools/documents/Completion.h"
@@ -21,6 +21,8 @@ namespace documents {
 namespace {
 
 using krt9ctl::TheGrammar;
+using test_support::ContentOf;
+using test_support::LinesOf;
 using test_support::RunProcess;
 using testing::Contains;
 using testing::ElementsAre;
@@ -35,21 +37,6 @@ std::string TextOf(const std::string& path) {
         }
     }
     return "";
-}
-
-std::string ContentOf(const std::filesystem::path& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
-
-std::vector<std::string> Lines(const std::string& text) {
-    std::istringstream stream(text);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
-    }
-    return lines;
 }
 
 // A folder for files of the test.
@@ -121,7 +108,7 @@ TEST(ManualPage, IsUnderstoodWithoutAWarningButThatOfItsDate) {
         const Written file(document.text);
         const auto result =
             RunProcess("/usr/bin/mandoc", {"-T", "lint", "-W", "warning", file.Path()});
-        EXPECT_THAT(Lines(result.standardOutput), ElementsAre(HasSubstr("missing date")))
+        EXPECT_THAT(LinesOf(result.standardOutput), ElementsAre(HasSubstr("missing date")))
             << document.path;
     }
 }
@@ -155,7 +142,7 @@ std::vector<std::string> InBash(const std::string& program, const std::vector<st
     arguments.insert(arguments.end(), words.begin(), words.end());
     const auto result = RunProcess("/bin/bash", arguments);
     EXPECT_EQ(result.status, 0) << result.standardError;
-    return Lines(result.standardOutput);
+    return LinesOf(result.standardOutput);
 }
 
 std::vector<std::string> InZsh(const std::string& program, const std::vector<std::string>& words) {
@@ -172,7 +159,7 @@ std::vector<std::string> InZsh(const std::string& program, const std::vector<std
     arguments.insert(arguments.end(), words.begin(), words.end());
     const auto result = RunProcess("/usr/bin/zsh", arguments);
     EXPECT_EQ(result.standardError, "");
-    return Lines(result.standardOutput);
+    return LinesOf(result.standardOutput);
 }
 
 std::vector<std::string> InFish(const std::string& program, const std::string& line) {
@@ -182,7 +169,7 @@ std::vector<std::string> InFish(const std::string& program, const std::string& l
         {"--no-config", "-c", "source $argv[1]; complete -C $argv[2]", file.Path(), line},
         {{"HOME", file.Folder()}, {"XDG_CONFIG_HOME", file.Folder()}});
     EXPECT_EQ(result.standardError, "");
-    return Lines(result.standardOutput);
+    return LinesOf(result.standardOutput);
 }
 
 TEST(BashCompletion, OffersVerbsThenTheirWordsThenTheirOptions) {

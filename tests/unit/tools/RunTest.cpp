@@ -2,10 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <set>
 #include <sstream>
 
+#include "tests/support/Files.h"
 #include "tools/Grammar.h"
 #include "tools/Run.h"
 
@@ -59,8 +59,7 @@ TEST(Help, FitsEightyColumns) {
     for (const auto& words : EveryHelp()) {
         std::ostringstream out, err;
         EXPECT_EQ(RunCommandLine(words, {out, err}), ExitCode::ok);
-        std::istringstream lines(out.str());
-        for (std::string line; std::getline(lines, line);) {
+        for (const std::string& line : test_support::LinesOf(out.str())) {
             EXPECT_LE(line.size(), 80U) << line;
         }
     }

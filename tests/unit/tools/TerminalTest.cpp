@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <sstream>
 
 #include "VEKCommon/OwnedReference.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Files.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/tools/OnTerminal.h"
@@ -115,9 +115,9 @@ TEST(Colour, IsNotForFilesAndPipes) {
 
 TEST(Help, FitsTheTerminal) {
     for (const unsigned columns : {50U, 80U, 120U}) {
-        std::istringstream lines(OnTerminal({kProgram, "--help"}, columns, {}));
         std::size_t longest = 0;
-        for (std::string line; std::getline(lines, line);) {
+        for (const std::string& line :
+             test_support::LinesOf(OnTerminal({kProgram, "--help"}, columns, {}))) {
             longest = std::max(longest, line.find_last_not_of("\r\n ") + 1);
         }
         EXPECT_LE(longest, columns);

@@ -9,6 +9,7 @@
 
 #include "VEKCommon/MessageCodes.h"
 #include "VEKCommon/OwnedReference.h"
+#include "tests/support/Files.h"
 #include "tests/support/Stage.h"
 #include "tools/Bytes.h"
 #include "tools/Run.h"
@@ -72,9 +73,8 @@ TEST_F(Watched, PrintsEveryMessageAndEndsAfterTheCount) {
         Send(kJSLg, {'e', 'n', 0});
     });
     EXPECT_EQ(Watch({"--count", "3", "--for", "10", "--json"}), ExitCode::ok);
-    std::istringstream lines(out.str());
     std::vector<std::string> texts;
-    for (std::string line; std::getline(lines, line);) {
+    for (const std::string& line : test_support::LinesOf(out.str())) {
         texts.push_back(Json::parse(line).value("text", ""));
     }
     EXPECT_THAT(texts, testing::ElementsAre("Clip", "1", "en"));

@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "platform/CoreFoundation/Bundle/BundleFile.h"
 #include "platform/CoreFoundation/PropertyList/PropertyListReader.h"
+#include "tests/support/Files.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
@@ -28,8 +27,7 @@ TEST(BundleFile, OfAnyLengthIsReadWhole) {
 
 // Files of /proc report a size of 0.
 TEST(BundleFile, OfUnknownLengthIsReadToItsEnd) {
-    std::ifstream limits("/proc/self/limits");
-    const std::string text(std::istreambuf_iterator<char>(limits), {});
+    const std::string text = test_support::ContentOf("/proc/self/limits");
     ASSERT_FALSE(text.empty());
     EXPECT_EQ(std::filesystem::file_size("/proc/self/limits"), 0U);
     EXPECT_EQ(Read("/proc/self/limits"), text);
