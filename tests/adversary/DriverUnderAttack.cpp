@@ -3,6 +3,7 @@
 #include "VEKCommon/MessageCodes.h"
 #include "VEKCommon/OwnedReference.h"
 #include "frontapplication/FrontApplication.h"
+#include "tests/support/Codes.h"
 #include "tests/support/FrontApplicationState.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/SentMessages.h"
@@ -16,14 +17,6 @@ constexpr std::int32_t kProcess = 501;
 const char* const kFirstStaticText = R"({"front": "com.apple.FinalCut", "applications": [
     {"bundleID": "com.apple.FinalCut", "pid": 501, "windows": [{"AXRole": "AXWindow",
      "AXChildren": [{"AXRole": "AXStaticText", "AXIdentifier": "_NS:100"}]}]}]})";
-
-std::string CodeText(SInt32 code) {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        text += static_cast<char>(static_cast<UInt32>(code) >> shift & 0xFF);
-    }
-    return text;
-}
 
 }  // namespace
 
@@ -134,7 +127,7 @@ void DriverUnderAttack::Collect(Outcome& outcome) {
         } else {
             body += " without terminator";
         }
-        outcome.sent.push_back(CodeText(message.code) + " " + body);
+        outcome.sent.push_back(test_support::CodeText(message.code) + " " + body);
     }
 }
 

@@ -1,9 +1,9 @@
 #include "tests/adversary/ExpectedDriver.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 
+#include "scenes/notation/Hex.h"
 #include "tests/adversary/ExpectedValues.h"
 
 namespace adversary {
@@ -105,12 +105,7 @@ class Search {
 std::string Description(const Outcome& outcome) {
     std::string text = "no reply";
     if (outcome.reply) {
-        text = "reply";
-        for (const unsigned char byte : *outcome.reply) {
-            char digits[4];
-            std::snprintf(digits, sizeof digits, " %02x", byte);
-            text += digits;
-        }
+        text = "reply " + scene_notation::FormatHex(*outcome.reply);
     }
     for (const std::string& line : outcome.logged) {
         text += ", logged \"" + line + "\"";

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
 #include <stdexcept>
+
+#include "scenes/notation/Hex.h"
 
 namespace golden {
 
@@ -13,18 +14,6 @@ Bytes LittleEndian(unsigned int value) {
     Bytes bytes;
     for (unsigned int shift = 0; shift < 32; shift += 8) {
         bytes.push_back(static_cast<unsigned char>(value >> shift));
-    }
-    return bytes;
-}
-
-Bytes FromHex(std::string_view digits) {
-    if (digits.size() % 2 != 0) {
-        throw std::invalid_argument("an odd number of hex digits");
-    }
-    Bytes bytes;
-    for (std::size_t i = 0; i < digits.size(); i += 2) {
-        bytes.push_back(
-            static_cast<unsigned char>(std::stoi(std::string(digits.substr(i, 2)), nullptr, 16)));
     }
     return bytes;
 }
@@ -85,7 +74,10 @@ Bytes BytesOf(const std::string& word) {
         return CountedUnits(TextOf(word));
     }
     if (IsHex(word)) {
-        return FromHex(std::string_view(word).substr(1));
+        if (const auto bytes = scene_notation::ParseHex(std::string_view(word).substr(1))) {
+            return *bytes;
+        }
+        throw std::invalid_argument("no bytes: " + word);
     }
     return LittleEndian(static_cast<unsigned int>(std::stoll(word, nullptr, 0)));
 }
@@ -102,25 +94,6 @@ std::optional<Bytes> BodyOf(const std::vector<std::string>& words) {
     return body;
 }
 
-SInt32 CodeOf(const std::string& fourCharacters) {
-    if (fourCharacters.size() != 4) {
-        throw std::invalid_argument("no code: " + fourCharacters);
-    }
-    UInt32 code = 0;
-    for (const char character : fourCharacters) {
-        code = code << 8 | static_cast<unsigned char>(character);
-    }
-    return static_cast<SInt32>(code);
-}
-
-std::string CodeText(SInt32 code) {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        text += static_cast<char>(static_cast<UInt32>(code) >> shift & 0xFF);
-    }
-    return text;
-}
-
 std::string HexOf(const std::optional<Bytes>& bytes) {
     if (!bytes) {
         return "(none)";
@@ -128,13 +101,7 @@ std::string HexOf(const std::optional<Bytes>& bytes) {
     if (bytes->empty()) {
         return "(empty)";
     }
-    std::string hex;
-    for (const unsigned char byte : *bytes) {
-        char digits[3];
-        std::snprintf(digits, sizeof digits, "%02x", byte);
-        hex += digits;
-    }
-    return hex;
+    return scene_notation::FormatHex(*bytes);
 }
 
 std::string IntegersIn(const Bytes& bytes) {
@@ -154,7 +121,7 @@ std::string QuotedText(const Bytes& bytes) {
         if (std::isprint(*byte) != 0) {
             text += static_cast<char>(*byte);
         } else {
-            text += "\\x" + HexOf(Bytes{*byte});
+            text += "\\x" + scene_notation::FormatHex({&*byte, 1});
         }
     }
     return '"' + text + '"';

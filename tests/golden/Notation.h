@@ -30,9 +30,6 @@ std::optional<Bytes> BodyOf(const std::vector<std::string>& words);
 // The text between the quotation marks of a word; throws std::invalid_argument.
 std::string TextOf(const std::string& word);
 
-SInt32 CodeOf(const std::string& fourCharacters);
-std::string CodeText(SInt32 code);
-
 // Two digits a byte; "(none)" and "(empty)" for what has none.
 std::string HexOf(const std::optional<Bytes>& bytes);
 // What a reply says: its integers.

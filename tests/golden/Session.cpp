@@ -7,6 +7,7 @@
 #include "VEKCommon/MessageCodes.h"
 #include "frontapplication/FrontApplication.h"
 #include "platform/Testing/LiveObjects.h"
+#include "tests/support/Codes.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/Files.h"
 #include "tests/support/LeakAllowance.h"
@@ -80,7 +81,8 @@ std::vector<std::string> Session::Perform(const std::string& step) {
     } else if (verb == "start") {
         Start();
     } else if (verb == "ask") {
-        Ask(CodeOf(Only(arguments, 0)), BodyOf({arguments.begin() + 1, arguments.end()}));
+        Ask(test_support::CodeOf(Only(arguments, 0)),
+            BodyOf({arguments.begin() + 1, arguments.end()}));
     } else if (verb == "tick") {
         Tick(arguments.empty() ? 1 : std::stoi(arguments[0]));
     } else if (verb == "status") {
@@ -131,7 +133,7 @@ void Session::Ask(SInt32 code, const std::optional<Bytes>& body) {
     OwnedObject<CFDataRef> data =
         body ? CFDataCreate(kCFAllocatorDefault, body->data(), static_cast<CFIndex>(body->size()))
              : nullptr;
-    Add("request", CodeText(code) + " " + HexOf(body));
+    Add("request", test_support::CodeText(code) + " " + HexOf(body));
     const CFAbsoluteTime before = CFAbsoluteTimeGetCurrent();
     const std::optional<Bytes> reply = Exchange(code, data);
     if (CFAbsoluteTimeGetCurrent() != before) {
@@ -186,7 +188,7 @@ void Session::ReadCounts() {
 void Session::Report() {
     if (driver_) {
         for (const auto& [code, body] : test_support::TakeSent(**driver_, *companion_)) {
-            Add("message", CodeText(code) + " " + HexOf(body) +
+            Add("message", test_support::CodeText(code) + " " + HexOf(body) +
                                (body.empty() ? "" : " = " + QuotedText(body)));
         }
     }

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "scenes/notation/Hex.h"
+#include "tests/support/Codes.h"
 #include "tests/support/InheritedFlags.h"
 #include "tests/support/Stage.h"
 
@@ -37,28 +39,6 @@ const char* const kScene = R"({
               { "AXRole": "AXRadioButton", "AXValue": 0 } ] },
             { "AXRole": "AXButton", "AXIdentifier": "_NS:128", "AXPosition": [7, 8] } ] } ] } ] } ] })";
 
-std::vector<UInt8> Bytes(const std::string& hex) {
-    std::vector<UInt8> bytes;
-    for (std::size_t i = 0; i < hex.size(); i += 2) {
-        bytes.push_back(static_cast<UInt8>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-    }
-    return bytes;
-}
-
-std::string Hex(CFDataRef data) {
-    std::string hex;
-    for (CFIndex i = 0; i < CFDataGetLength(data); ++i) {
-        char digits[3];
-        snprintf(digits, sizeof digits, "%02x", CFDataGetBytePtr(data)[i]);
-        hex += digits;
-    }
-    return hex;
-}
-
-SInt32 Code(const char* text) {
-    return static_cast<SInt32>(text[0] << 24 | text[1] << 16 | text[2] << 8 | text[3]);
-}
-
 // The companion's requests.
 class Port {
   public:
@@ -71,20 +51,21 @@ class Port {
     std::string Ask(const char* code, const std::optional<std::string>& body) {
         CFDataRef data = nullptr;
         if (body) {
-            const std::vector<UInt8> bytes = Bytes(*body);
+            const std::vector<UInt8> bytes = scene_notation::ParseHex(*body).value();
             data =
                 CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size()));
         }
         CFDataRef reply = nullptr;
-        const SInt32 status = CFMessagePortSendRequest(port_, Code(code), data, 10, 10,
-                                                       kCFRunLoopDefaultMode, &reply);
+        const SInt32 status = CFMessagePortSendRequest(port_, test_support::CodeOf(code), data, 10,
+                                                       10, kCFRunLoopDefaultMode, &reply);
         if (data != nullptr) {
             CFRelease(data);
         }
         if (status != kCFMessagePortSuccess) {
             return "status " + std::to_string(status);
         }
-        const std::string hex = Hex(reply);
+        const std::string hex = scene_notation::FormatHex(
+            {CFDataGetBytePtr(reply), static_cast<std::size_t>(CFDataGetLength(reply))});
         CFRelease(reply);
         return hex;
     }

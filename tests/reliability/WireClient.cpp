@@ -1,20 +1,10 @@
 #include "tests/reliability/WireClient.h"
 
+#include "tests/support/Codes.h"
+
 namespace test_support {
 
-namespace {
-
 using message_port::MessageHeader;
-
-std::int32_t CodeOf(std::string_view code) {
-    std::uint32_t value = 0;
-    for (const char character : code) {
-        value = value << 8 | static_cast<unsigned char>(character);
-    }
-    return static_cast<std::int32_t>(value);
-}
-
-}  // namespace
 
 Bytes WireClient::Request(std::string_view code, const Bytes& body, std::uint32_t sequence) {
     return FramedMessage(

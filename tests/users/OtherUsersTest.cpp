@@ -8,6 +8,7 @@
 
 #include "platform/DesktopLink/Framing.h"
 #include "platform/DesktopLink/Messages.h"
+#include "scenes/notation/Hex.h"
 #include "tests/reliability/Together.h"
 #include "tests/reliability/WireClient.h"
 #include "tests/support/Files.h"
@@ -52,15 +53,6 @@ std::vector<PrivateSocket> PrivateSockets() {
             {"krt9-desktop", StateRequest()}};
 }
 
-std::string Hex(const Bytes& bytes) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string hex;
-    for (const std::uint8_t byte : bytes) {
-        hex += {kDigits[byte >> 4], kDigits[byte & 0xF]};
-    }
-    return hex;
-}
-
 class OtherUsers : public testing::Test {
   protected:
     void SetUp() override {
@@ -84,9 +76,10 @@ class OtherUsers : public testing::Test {
 
     // The result of the other user's attempts at one socket.
     std::unique_ptr<ChildProcess> Attack(const PrivateSocket& target) const {
-        const Command command = AsOtherUser(
-            test_support::StrangerPath(),
-            {"connect", Folder() / target.socket, std::to_string(kTries), Hex(target.frame)});
+        const Command command =
+            AsOtherUser(test_support::StrangerPath(),
+                        {"connect", Folder() / target.socket, std::to_string(kTries),
+                         scene_notation::FormatHex(target.frame)});
         return std::make_unique<ChildProcess>(command.path, command.arguments);
     }
     static std::string Outcome(ChildProcess& stranger) {

@@ -12,9 +12,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
+
+#include "scenes/notation/Hex.h"
 
 namespace {
 
@@ -27,14 +31,6 @@ sockaddr_un Address(const std::string& path) {
     return address;
 }
 
-std::string Bytes(const std::string& hex) {
-    std::string bytes;
-    for (std::size_t at = 0; at + 1 < hex.size(); at += 2) {
-        bytes.push_back(static_cast<char>(std::stoi(hex.substr(at, 2), nullptr, 16)));
-    }
-    return bytes;
-}
-
 struct Outcome {
     int refused = 0;   // the system did not let it connect
     int closed = 0;    // it connected and was closed without a byte
@@ -42,7 +38,7 @@ struct Outcome {
     int kept = 0;      // nothing happened
 };
 
-void TryOnce(const std::string& path, const std::string& bytes, Outcome& outcome) {
+void TryOnce(const std::string& path, const std::vector<std::uint8_t>& bytes, Outcome& outcome) {
     const sockaddr_un address = Address(path);
     const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
     if (connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
@@ -63,7 +59,7 @@ void TryOnce(const std::string& path, const std::string& bytes, Outcome& outcome
     close(socket);
 }
 
-int Connect(const std::string& path, int times, const std::string& bytes) {
+int Connect(const std::string& path, int times, const std::vector<std::uint8_t>& bytes) {
     Outcome outcome;
     for (int i = 0; i < times; ++i) {
         TryOnce(path, bytes, outcome);
@@ -95,7 +91,8 @@ int Serve(const std::string& path) {
 int main(int count, char** arguments) {
     const std::string verb = count > 1 ? arguments[1] : "";
     if (verb == "connect" && count == 5) {
-        return Connect(arguments[2], std::stoi(arguments[3]), Bytes(arguments[4]));
+        return Connect(arguments[2], std::stoi(arguments[3]),
+                       scene_notation::ParseHex(arguments[4]).value());
     }
     if (verb == "serve" && count == 3) {
         return Serve(arguments[2]);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 
+#include "scenes/notation/Hex.h"
 #include "tests/support/Paths.h"
 #include "tests/unit/CoreFoundation/Unsettled.h"
 
@@ -28,12 +29,8 @@ std::string VectorBytes(const json& content) {
     if (content.contains("text")) {
         return content["text"];
     }
-    const std::string hex = content["hex"];
-    std::string bytes;
-    for (std::size_t at = 0; at < hex.size(); at += 2) {
-        bytes.push_back(static_cast<char>(std::stoi(hex.substr(at, 2), nullptr, 16)));
-    }
-    return bytes;
+    const auto bytes = scene_notation::ParseHex(content["hex"].get<std::string>()).value();
+    return {bytes.begin(), bytes.end()};
 }
 
 void ExpectVector(const json& vector, const json& actual, const json& expected,

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <ostream>
 
+#include "scenes/notation/Hex.h"
 #include "tests/support/Paths.h"
 #include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/Unsettled.h"
@@ -114,22 +115,7 @@ std::string Shown(CFStringRef text) {
 }
 
 std::vector<UInt8> Bytes(const std::string& hex) {
-    constexpr int kHexadecimal = 16;
-    std::vector<UInt8> bytes;
-    for (std::size_t index = 0; index + 1 < hex.size(); index += 2) {
-        bytes.push_back(static_cast<UInt8>(std::stoi(hex.substr(index, 2), nullptr, kHexadecimal)));
-    }
-    return bytes;
-}
-
-std::string Hex(const UInt8* bytes, std::size_t count) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string hex;
-    for (std::size_t index = 0; index < count; ++index) {
-        hex += kDigits[bytes[index] >> 4U];
-        hex += kDigits[bytes[index] & 15U];
-    }
-    return hex;
+    return scene_notation::ParseHex(hex).value();
 }
 
 std::string CompareText(CFStringRef text, const json& expected) {

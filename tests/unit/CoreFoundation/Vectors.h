@@ -55,7 +55,6 @@ std::vector<UniChar> UnitsOf(CFStringRef text);
 std::string Shown(CFStringRef text);  // for messages: printable ASCII, the rest as \\uXXXX
 
 std::vector<UInt8> Bytes(const std::string& hex);
-std::string Hex(const UInt8* bytes, std::size_t count);
 
 // "" when `text` holds exactly `expected` (null for null), else a message.
 std::string CompareText(CFStringRef text, const nlohmann::json& expected);

@@ -6,6 +6,8 @@
 
 #include "VEKCommon/MessageCodes.h"
 #include "platform/Testing/LiveObjects.h"
+#include "scenes/notation/Hex.h"
+#include "tests/support/Codes.h"
 #include "tests/support/Companion.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/SentMessages.h"
@@ -14,10 +16,8 @@
 namespace {
 
 void Print(const test_support::Companion::Message& message) {
-    std::printf(" %s:", message.code == kJSLg ? "JSLg" : "????");
-    for (const unsigned char byte : message.body) {
-        std::printf("%02x", byte);
-    }
+    std::printf(" %s:%s", test_support::CodeText(message.code).c_str(),
+                scene_notation::FormatHex(message.body).c_str());
 }
 
 }  // namespace

@@ -1,23 +1,12 @@
 #include "tests/unit/accessibility/DriverBesideEditor.h"
 
 #include "VEKCommon/MessageCodes.h"
+#include "tests/support/Codes.h"
 #include "tests/support/LeakAllowance.h"
 #include "tests/support/SentMessages.h"
 
-namespace {
-
-std::string CodeText(SInt32 code) {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        text += static_cast<char>(static_cast<UInt32>(code) >> shift & 0xFF);
-    }
-    return text;
-}
-
-}  // namespace
-
 void PrintTo(const SentMessage& message, std::ostream* stream) {
-    *stream << CodeText(message.code) << ' ' << testing::PrintToString(message.body);
+    *stream << test_support::CodeText(message.code) << ' ' << testing::PrintToString(message.body);
 }
 
 SentMessage TextMessage(SInt32 code, const std::string& text) {

@@ -3,6 +3,7 @@
 #include <set>
 #include <vector>
 
+#include "scenes/notation/Hex.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 using nlohmann::json;
@@ -319,8 +320,8 @@ json CollectionScript::ChangeOrAskData(const Step& step) {
         return CFDataGetLength(data);
     }
     if (kind == "hex") {
-        return vectors::Hex(CFDataGetBytePtr(data),
-                            static_cast<std::size_t>(CFDataGetLength(data)));
+        return scene_notation::FormatHex(
+            {CFDataGetBytePtr(data), static_cast<std::size_t>(CFDataGetLength(data))});
     }
     if (kind == "bytes") {
         constexpr UInt8 kFill = 0xEE;
@@ -328,7 +329,7 @@ json CollectionScript::ChangeOrAskData(const Step& step) {
         const CFRange range = CFRangeMake(Number(step, 2), Number(step, 3));
         std::vector<UInt8> buffer(static_cast<std::size_t>(range.length) + kShownBeyond, kFill);
         CFDataGetBytes(data, range, buffer.data());
-        return vectors::Hex(buffer.data(), buffer.size());
+        return scene_notation::FormatHex({buffer.data(), buffer.size()});
     }
     const std::vector<UInt8> bytes = vectors::Bytes(step.at(2));
     CFDataAppendBytes(data, bytes.data(), static_cast<CFIndex>(bytes.size()));

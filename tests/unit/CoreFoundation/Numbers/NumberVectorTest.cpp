@@ -1,6 +1,7 @@
 // Numbers and booleans, against measured cases.
 #include <cmath>
 
+#include "scenes/notation/Hex.h"
 #include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
@@ -51,7 +52,7 @@ std::string CheckGetValue(const Vector& vector) {
     const std::vector<UInt8> expected = vectors::Bytes(vector.result.at("bytes"));
     std::vector<UInt8> buffer(kLargest + kGuard, kFill);
     const bool ok = CFNumberGetValue(static_cast<CFNumberRef>(number.get()), type, buffer.data());
-    const std::string hex = vectors::Hex(buffer.data(), expected.size());
+    const std::string hex = scene_notation::FormatHex({buffer.data(), expected.size()});
     if (buffer[expected.size()] != kFill) {
         return "wrote past the value";
     }

@@ -1,6 +1,7 @@
 // Strings from bytes and bytes of strings, against measured cases.
 #include <string>
 
+#include "scenes/notation/Hex.h"
 #include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
@@ -19,7 +20,7 @@ struct GuardedBuffer {
         : size(input.at("buffer_size")), bytes(size + kGuard, kFill) {}
 
     char* text() { return reinterpret_cast<char*>(bytes.data()); }
-    std::string hex() const { return vectors::Hex(bytes.data(), size); }
+    std::string hex() const { return scene_notation::FormatHex({bytes.data(), size}); }
     bool guardUntouched() const {
         return std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(size), bytes.end(),
                            [](UInt8 byte) { return byte == kFill; });
@@ -87,7 +88,8 @@ std::string CheckRoundTrip(const Vector& vector) {
     }
     char out[64];
     const bool ok = CFStringGetCString(text.get(), out, sizeof out, encoding);
-    const std::string hex = vectors::Hex(reinterpret_cast<const UInt8*>(out), std::strlen(out) + 1);
+    const std::string hex =
+        scene_notation::FormatHex({reinterpret_cast<const UInt8*>(out), std::strlen(out) + 1});
     return ok && hex == vector.result.at("out").get<std::string>() ? "" : "back as " + hex;
 }
 
