@@ -72,8 +72,10 @@ AXError AccessibilityTree::Walk(const Options& options) {
     while (!pending_.empty()) {
         Pending next = std::move(pending_.back());
         pending_.pop_back();
-        if (places_.contains(next.element.get())) {
-            continue;  // a child of two parents, or of itself, is kept where it was met first
+        if (const auto known = places_.find(next.element.get()); known != places_.end()) {
+            // A child of two parents, or of itself, is kept where it was met first.
+            elements_[known->second].alsoIn.push_back(next.parent);
+            continue;
         }
         if (elements_.size() > kMostElements) {
             ++leftOut_;

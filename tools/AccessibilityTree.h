@@ -20,7 +20,8 @@ struct TreeElement {
     std::size_t parent = 0;    // index in the tree; the application's own for itself
     std::size_t topLevel = 0;  // its window; for a window, itself
     std::vector<std::size_t> children;
-    bool hasChildren = false;  // also without any child: the attribute is there
+    std::vector<std::size_t> alsoIn;  // other elements that list it, also itself and those in it
+    bool hasChildren = false;         // also without any child: the attribute is there
     // All but the children. What cannot be read is an AXValue that holds its error.
     std::map<std::string, OwnedReference<CFTypeRef>> attributes;
     std::optional<std::vector<std::string>> actions;  // when they were asked for

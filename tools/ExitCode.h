@@ -20,6 +20,8 @@ enum class ExitCode : int {
     noDesktop = 9,
     refused = 10,
     accessibility = 11,
+    outOfReach = 12,
+    notThere = 13,
     // As shells report the end by SIGHUP, SIGINT, SIGPIPE and SIGTERM.
     hungUp = 129,
     interrupted = 130,

@@ -25,6 +25,7 @@ Grammar MakeGrammar() {
     Append(grammar.verbs, RawVerbs());
     Append(grammar.verbs, WatchVerbs());
     Append(grammar.verbs, DumpVerbs());
+    Append(grammar.verbs, TreeVerbs());
     Append(grammar.verbs, KeyVerbs());
     Append(grammar.verbs, GrammarVerbs());
     Append(grammar.verbs, DesktopVerbs());

@@ -63,6 +63,7 @@ std::vector<Verb> WindowVerbs();
 std::vector<Verb> RawVerbs();
 std::vector<Verb> WatchVerbs();
 std::vector<Verb> DumpVerbs();
+std::vector<Verb> TreeVerbs();
 std::vector<Verb> GrammarVerbs();
 std::vector<Verb> KeyVerbs();
 

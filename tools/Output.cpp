@@ -15,6 +15,10 @@ Output::Output(const Streams& streams, bool json)
       json_(json),
       progress_(streams.err, terminal::IsTerminal(streams.errDescriptor), "krt9ctl") {}
 
+bool Output::HasColour() const {
+    return !json_ && terminal::WantsColour(streams_.outDescriptor);
+}
+
 void Output::Write(const std::string& text) {
     if (status_ != ExitCode::ok) {
         return;

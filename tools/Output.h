@@ -27,6 +27,9 @@ class Output {
 
     bool IsJson() const { return json_; }
 
+    // Whether results may have colours.
+    bool HasColour() const;
+
     // The object for programs, the sentence for people (none when it is empty). Each line is
     // flushed, so that a reader at the other end of a pipe sees it at once.
     void Result(const Json& object, const std::string& sentence);

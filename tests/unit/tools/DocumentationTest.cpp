@@ -1,5 +1,6 @@
 // docs/krt9ctl.md keeps up with the grammar.
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,8 +9,10 @@
 #include <set>
 #include <sstream>
 
+#include "accessibility/ElementQuery.h"
 #include "tests/support/Paths.h"
 #include "tests/unit/tools/Carried.h"
+#include "tools/Text.h"
 
 namespace krt9ctl {
 namespace {
@@ -36,6 +39,19 @@ TEST(Documentation, HasTheTableOfExitCodes) {
         EXPECT_THAT(text, HasSubstr(fmt::format("| {} | {} | {} |\n", static_cast<int>(row.code),
                                                 row.name, row.meaning)));
     }
+}
+
+TEST(Documentation, NamesTheRolesThatRequestsLookFor) {
+    std::vector<std::string> roles;
+    for (CFStringRef role :
+         QueryFromWindows(nullptr, kVEK_AXRole_AllValidRoles, nullptr).rolesMeantByAny) {
+        roles.push_back(Utf8Of(role).value_or(""));
+    }
+    const std::string last = roles.back();
+    roles.pop_back();
+    EXPECT_THAT(Documentation(),
+                HasSubstr("requests look for " + fmt::format("{}", fmt::join(roles, ", ")) +
+                          " and " + last + " only"));
 }
 
 TEST(Documentation, HasTheTableOfKeys) {
