@@ -255,6 +255,19 @@ Retained<Item> RunLoop::WithdrawCommonItem(Item& item) {
     return TakeOut(CommonItems<Item>(), item);
 }
 
+template <typename Item>
+std::vector<Retained<Item>> RunLoop::WithdrawEverywhere(Item& item) {
+    std::vector<Retained<Item>> withdrawn;
+    const LoopMember::Membership membership = item.LeaveAll();
+    if (membership.loop != nullptr) {
+        withdrawn.push_back(membership.loop->WithdrawCommonItem(item));
+        for (Mode* mode : membership.modes) {
+            withdrawn.push_back(membership.loop->Withdraw(item, *mode));
+        }
+    }
+    return withdrawn;
+}
+
 bool RunLoop::ContainsSource(const Source& source, CFRunLoopMode modeName) {
     const std::lock_guard lock(StructureMutex());
     if (IsCommonModes(modeName)) {
@@ -308,9 +321,7 @@ template void RunLoop::RemoveItem(Timer&, CFRunLoopMode);
 template void RunLoop::RemoveItem(Observer&, CFRunLoopMode);
 template bool RunLoop::ContainsItem(const Timer&, CFRunLoopMode);
 template bool RunLoop::ContainsItem(const Observer&, CFRunLoopMode);
-template Retained<Timer> RunLoop::Withdraw(Timer&, Mode&);
-template Retained<Observer> RunLoop::Withdraw(Observer&, Mode&);
-template Retained<Timer> RunLoop::WithdrawCommonItem(Timer&);
-template Retained<Observer> RunLoop::WithdrawCommonItem(Observer&);
+template std::vector<Retained<Timer>> RunLoop::WithdrawEverywhere(Timer&);
+template std::vector<Retained<Observer>> RunLoop::WithdrawEverywhere(Observer&);
 
 }  // namespace run_loop

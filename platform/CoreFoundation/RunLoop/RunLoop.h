@@ -99,9 +99,7 @@ class RunLoop final : public core_foundation::Object {
     Retained<Source> Withdraw(Source& source, Mode& mode);
     Retained<Source> WithdrawCommonItem(Source& source);
     template <typename Item>
-    Retained<Item> Withdraw(Item& item, Mode& mode);
-    template <typename Item>
-    Retained<Item> WithdrawCommonItem(Item& item);
+    static std::vector<Retained<Item>> WithdrawEverywhere(Item& item);
 
   private:
     // One run in progress. Runs nest.
@@ -123,6 +121,10 @@ class RunLoop final : public core_foundation::Object {
     bool Insert(Source& source, Mode& mode);
     template <typename Item>
     void Insert(Item& item, Mode& mode);
+    template <typename Item>
+    Retained<Item> Withdraw(Item& item, Mode& mode);
+    template <typename Item>
+    Retained<Item> WithdrawCommonItem(Item& item);
     static void Place(Timer& timer, Mode& mode);
     static void Place(Observer& observer, Mode& mode);
     template <typename Item>

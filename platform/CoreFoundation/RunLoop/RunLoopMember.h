@@ -22,7 +22,6 @@ class LoopMember : public core_foundation::Object {
     // Returns whether that was the last of its modes: then it belongs to no loop any more.
     bool Leave(Mode& mode);
 
-  protected:
     struct Membership {
         RunLoop* loop = nullptr;  // its one loop
         std::vector<Mode*> modes;

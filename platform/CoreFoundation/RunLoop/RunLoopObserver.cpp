@@ -37,13 +37,7 @@ void Observer::Invalidate() {
         if (!valid_.exchange(false)) {
             return;
         }
-        const Membership membership = LeaveAll();
-        if (membership.loop != nullptr) {
-            withdrawn.push_back(membership.loop->WithdrawCommonItem(*this));
-            for (Mode* mode : membership.modes) {
-                withdrawn.push_back(membership.loop->Withdraw(*this, *mode));
-            }
-        }
+        withdrawn = RunLoop::WithdrawEverywhere(*this);
     }
     if (context_.release != nullptr) {
         context_.release(context_.info);

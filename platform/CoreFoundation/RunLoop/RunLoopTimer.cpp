@@ -90,13 +90,7 @@ void Timer::Invalidate() {
             return;
         }
         valid_ = false;
-        const Membership membership = LeaveAll();
-        if (membership.loop != nullptr) {
-            withdrawn.push_back(membership.loop->WithdrawCommonItem(*this));
-            for (Mode* mode : membership.modes) {
-                withdrawn.push_back(membership.loop->Withdraw(*this, *mode));
-            }
-        }
+        withdrawn = RunLoop::WithdrawEverywhere(*this);
     }
     if (context_.release != nullptr) {
         context_.release(context_.info);
