@@ -1,9 +1,12 @@
 #include <CoreFoundation/CFArray.h>
 
 #include "platform/CoreFoundation/Collections/CallbackArray.h"
+#include "platform/CoreFoundation/Collections/ObjectCallbacks.h"
 #include "platform/CoreFoundation/Runtime/CFRuntime.h"
 
+using core_foundation::ReleaseObject;
 using core_foundation::Require;
+using core_foundation::RetainObject;
 using core_foundation::Stop;
 
 @implementation NSArray (CFRuntime)
@@ -15,13 +18,6 @@ using core_foundation::Stop;
 namespace {
 
 // The functions of kCFTypeArrayCallBacks.
-const void* RetainObject(CFAllocatorRef, const void* value) {
-    return CFRetain(value);
-}
-void ReleaseObject(CFAllocatorRef, const void* value) {
-    CFRelease(value);
-}
-
 CallbackArray* NewArray(const void* const* values, CFIndex count,
                         const CFArrayCallBacks* callBacks) {
     return [[CallbackArray alloc] initWithValues:values

@@ -2,9 +2,12 @@
 #include <CoreFoundation/CFString.h>
 
 #include "platform/CoreFoundation/Collections/CallbackDictionary.h"
+#include "platform/CoreFoundation/Collections/ObjectCallbacks.h"
 #include "platform/CoreFoundation/Runtime/CFRuntime.h"
 
+using core_foundation::ReleaseObject;
 using core_foundation::Require;
+using core_foundation::RetainObject;
 using core_foundation::Stop;
 
 @implementation NSDictionary (CFRuntime)
@@ -15,12 +18,6 @@ using core_foundation::Stop;
 
 namespace {
 
-const void* RetainObject(CFAllocatorRef, const void* value) {
-    return CFRetain(value);
-}
-void ReleaseObject(CFAllocatorRef, const void* value) {
-    CFRelease(value);
-}
 const void* CopyString(CFAllocatorRef allocator, const void* value) {
     return CFStringCreateCopy(allocator, static_cast<CFStringRef>(value));
 }
