@@ -1,11 +1,13 @@
 #include "platform/DesktopLink/Framing.h"
 
+#include "platform/LocalSocket/LittleEndian.h"
+
 namespace desktop_link {
 
 std::array<std::uint8_t, kHeaderSize> MakeHeader(FrameKind kind, std::uint32_t sequence) {
-    return {static_cast<std::uint8_t>(kind), static_cast<std::uint8_t>(sequence),
-            static_cast<std::uint8_t>(sequence >> 8), static_cast<std::uint8_t>(sequence >> 16),
-            static_cast<std::uint8_t>(sequence >> 24)};
+    std::array<std::uint8_t, kHeaderSize> header{static_cast<std::uint8_t>(kind)};
+    local_socket::StoreLittleEndian(sequence, &header[1]);
+    return header;
 }
 
 std::vector<std::uint8_t> MakePayload(FrameKind kind, std::uint32_t sequence,
@@ -26,11 +28,7 @@ std::optional<Frame> ParsePayload(std::span<const std::uint8_t> payload) {
     if (kind != FrameKind::request && kind != FrameKind::reply && kind != FrameKind::notification) {
         return std::nullopt;
     }
-    std::uint32_t sequence = 0;
-    for (unsigned byte = 0; byte < 4; ++byte) {
-        sequence |= std::uint32_t{payload[1 + byte]} << (8 * byte);
-    }
-    return Frame{kind, sequence, payload.subspan(kHeaderSize)};
+    return Frame{kind, local_socket::LoadLittleEndian(&payload[1]), payload.subspan(kHeaderSize)};
 }
 
 }  // namespace desktop_link

@@ -1,6 +1,6 @@
 // How messages travel between a process and the desktop over a session socket.
 //
-// The payload of every frame (see platform/LocalSocket/Socket.h) is
+// The payload of every frame (see platform/LocalSocket/Frames.h) is
 //   1 byte   kind
 //   4 bytes  sequence number, least significant byte first
 //   rest     one message (see Messages.h)

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "platform/LocalSocket/Frames.h"
+#include "platform/LocalSocket/LittleEndian.h"
 
 namespace local_socket {
 namespace {
@@ -14,11 +15,6 @@ constexpr std::size_t kLengthSize = 4;
 constexpr std::size_t kSmallestCapacity = 1024;
 constexpr std::size_t kLargestKeptCapacity = std::size_t{64} * 1024;
 constexpr std::size_t kSpillSize = std::size_t{64} * 1024;
-
-std::size_t AnnouncedLength(const std::uint8_t* bytes) {
-    return std::size_t{bytes[0]} | std::size_t{bytes[1]} << 8 | std::size_t{bytes[2]} << 16 |
-           std::size_t{bytes[3]} << 24;
-}
 
 }  // namespace
 
@@ -52,7 +48,7 @@ std::optional<std::span<const std::uint8_t>> FrameReader::Next() {
         return std::nullopt;
     }
     const std::uint8_t* frame = memory_.get() + begin_;
-    const std::size_t length = AnnouncedLength(frame);
+    const std::size_t length = LoadLittleEndian(frame);
     begin_ += kLengthSize + length;
     return std::span(frame + kLengthSize, length);
 }
@@ -100,7 +96,7 @@ void FrameReader::Append(const std::uint8_t* bytes, std::size_t count) {
 
 FrameReader::Status FrameReader::FindWholeFrames() {
     while (end_ - whole_ >= kLengthSize) {
-        const std::size_t length = AnnouncedLength(memory_.get() + whole_);
+        const std::size_t length = LoadLittleEndian(memory_.get() + whole_);
         if (length > largestPayload_) {
             return Status::oversized;
         }

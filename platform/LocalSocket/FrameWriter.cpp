@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "platform/LocalSocket/Frames.h"
+#include "platform/LocalSocket/LittleEndian.h"
 
 namespace local_socket {
 namespace {
@@ -39,9 +40,7 @@ FrameWriter::Status FrameWriter::Write(int descriptor, std::span<const std::uint
         return Status::closed;
     }
     std::uint8_t prefix[4];
-    for (std::size_t i = 0; i < sizeof prefix; ++i) {
-        prefix[i] = static_cast<std::uint8_t>(length >> (8 * i));
-    }
+    StoreLittleEndian(static_cast<std::uint32_t>(length), prefix);
     const std::span<const std::uint8_t> parts[] = {prefix, head, rest};
 
     std::size_t sent = 0;

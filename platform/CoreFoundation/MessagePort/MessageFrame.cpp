@@ -1,23 +1,15 @@
 #include "platform/CoreFoundation/MessagePort/MessageFrame.h"
 
+#include "platform/LocalSocket/LittleEndian.h"
+
 namespace message_port {
+
+using local_socket::LoadLittleEndian;
+using local_socket::StoreLittleEndian;
+
 namespace {
 
 constexpr std::uint8_t kWantsReply = 1;
-
-void Store(std::uint8_t* bytes, std::uint32_t value) {
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<std::uint8_t>(value >> (8 * i));
-    }
-}
-
-std::uint32_t Load(const std::uint8_t* bytes) {
-    std::uint32_t value = 0;
-    for (int i = 3; i >= 0; --i) {
-        value = value << 8 | bytes[i];
-    }
-    return value;
-}
 
 }  // namespace
 
@@ -25,8 +17,8 @@ HeaderBytes EncodeHeader(const MessageHeader& header) {
     HeaderBytes bytes{};
     bytes[0] = static_cast<std::uint8_t>(header.kind);
     bytes[1] = header.wantsReply ? kWantsReply : 0;
-    Store(&bytes[4], static_cast<std::uint32_t>(header.msgid));
-    Store(&bytes[8], header.sequence);
+    StoreLittleEndian(static_cast<std::uint32_t>(header.msgid), &bytes[4]);
+    StoreLittleEndian(header.sequence, &bytes[8]);
     return bytes;
 }
 
@@ -43,8 +35,8 @@ std::optional<Message> DecodeMessage(std::span<const std::uint8_t> payload) {
     MessageHeader header;
     header.kind = kind;
     header.wantsReply = flags == kWantsReply;
-    header.msgid = static_cast<std::int32_t>(Load(&payload[4]));
-    header.sequence = Load(&payload[8]);
+    header.msgid = static_cast<std::int32_t>(LoadLittleEndian(&payload[4]));
+    header.sequence = LoadLittleEndian(&payload[8]);
     return Message{header, payload.subspan(kHeaderSize)};
 }
 
