@@ -1,6 +1,7 @@
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CFURL.h>
+#include <fmt/format.h>
 
 #include <string>
 #include <string_view>
@@ -15,14 +16,12 @@ bool StaysInPath(char c) {
 }
 
 std::string PercentEscaped(std::string_view path) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
     std::string escaped;
     for (const char c : path) {
         if (StaysInPath(c)) {
             escaped.push_back(c);
         } else {
-            const auto byte = static_cast<unsigned char>(c);
-            escaped.append({'%', kDigits[byte >> 4U], kDigits[byte & 0xFU]});
+            escaped += fmt::format("%{:02X}", static_cast<unsigned char>(c));
         }
     }
     return escaped;
