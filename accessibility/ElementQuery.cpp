@@ -14,8 +14,17 @@ const CFStringRef kRolesFromWindows[] = {kAXButtonRole, kAXCheckBoxRole, kAXTabl
 const CFStringRef kRolesInArray[] = {kAXButtonRole, kAXCheckBoxRole, kAXTableRole,
                                      kAXRadioGroupRole};
 
-std::span<const CFStringRef> IfAny(CFStringRef role, std::span<const CFStringRef> roles) {
-    return SameText(role, kVEK_AXRole_AllValidRoles) ? roles : std::span<const CFStringRef>();
+ElementQuery Query(CFStringRef identifier, CFStringRef role, CFArrayRef attributes,
+                   std::span<const CFStringRef> rolesMeantByAny, bool skipsSearchFields) {
+    ElementQuery query{.identifier = identifier,
+                       .role = role,
+                       .attributes = attributes,
+                       .rolesMeantByAny = {},
+                       .skipsSearchFields = skipsSearchFields};
+    if (SameText(role, kVEK_AXRole_AllValidRoles)) {
+        query.rolesMeantByAny = rolesMeantByAny;
+    }
+    return query;
 }
 
 }  // namespace
@@ -42,17 +51,9 @@ CFArrayRef CreateAttributesFromWindows() {
 }
 
 ElementQuery QueryFromWindows(CFStringRef identifier, CFStringRef role, CFArrayRef attributes) {
-    return {.identifier = identifier,
-            .role = role,
-            .attributes = attributes,
-            .rolesMeantByAny = IfAny(role, kRolesFromWindows),
-            .skipsSearchFields = true};
+    return Query(identifier, role, attributes, kRolesFromWindows, true);
 }
 
 ElementQuery QueryInArray(CFStringRef identifier, CFStringRef role, CFArrayRef attributes) {
-    return {.identifier = identifier,
-            .role = role,
-            .attributes = attributes,
-            .rolesMeantByAny = IfAny(role, kRolesInArray),
-            .skipsSearchFields = false};
+    return Query(identifier, role, attributes, kRolesInArray, false);
 }
