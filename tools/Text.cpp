@@ -3,6 +3,8 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "VEKCommon/OwnedReference.h"
 
 namespace krt9ctl {
@@ -22,14 +24,15 @@ std::span<const std::uint8_t> AsBytes(std::string_view text) {
 }
 
 // Nothing when the encoding lacks a character of the string.
-std::optional<std::string> ReadString(CFStringRef string, CFStringEncoding encoding) {
-    const CFIndex length = CFStringGetLength(string);
-    const CFIndex largest = CFStringGetMaximumSizeForEncoding(length, encoding) + 1;
-    std::string text(static_cast<std::size_t>(largest), '\0');
-    if (!CFStringGetCString(string, text.data(), largest, encoding)) {
+std::optional<std::string> Encoded(CFStringRef string, CFStringEncoding encoding) {
+    const CFRange all = CFRangeMake(0, CFStringGetLength(string));
+    CFIndex size = 0;
+    if (CFStringGetBytes(string, all, encoding, 0, false, nullptr, 0, &size) != all.length) {
         return std::nullopt;
     }
-    text.resize(text.find('\0'));
+    std::string text(static_cast<std::size_t>(size), '\0');
+    CFStringGetBytes(string, all, encoding, 0, false, reinterpret_cast<UInt8*>(text.data()), size,
+                     nullptr);
     return text;
 }
 
@@ -68,22 +71,16 @@ std::optional<std::string> Utf8Of(CFTypeRef object) {
     if (CFGetTypeID(object) != CFStringGetTypeID()) {
         return std::nullopt;
     }
-    const auto string = static_cast<CFStringRef>(object);
-    const CFIndex length = CFStringGetLength(string);
-    std::string text(
-        static_cast<std::size_t>(CFStringGetMaximumSizeForEncoding(length, kCFStringEncodingUTF8)),
-        '\0');
-    CFIndex used = 0;
-    const CFIndex converted = CFStringGetBytes(
-        string, CFRangeMake(0, length), kCFStringEncodingUTF8, 0, false,
-        reinterpret_cast<UInt8*>(text.data()), static_cast<CFIndex>(text.size()), &used);
-    text.resize(static_cast<std::size_t>(used));
-    return converted == length ? std::optional(std::move(text)) : std::nullopt;
+    return Encoded(static_cast<CFStringRef>(object), kCFStringEncodingUTF8);
 }
 
 std::optional<std::string> ToSystemEncoding(std::string_view utf8) {
     const auto string = MakeString(AsBytes(utf8), kCFStringEncodingUTF8);
-    return string ? ReadString(string.get(), CFStringGetSystemEncoding()) : std::nullopt;
+    auto text = string ? Encoded(string.get(), CFStringGetSystemEncoding()) : std::nullopt;
+    if (text) {
+        text->resize(std::min(text->find('\0'), text->size()));
+    }
+    return text;
 }
 
 std::optional<std::string> FromSystemEncoding(std::span<const std::uint8_t> bytes) {
