@@ -1,4 +1,4 @@
-// The table of the companion's requests, and the message port's callback, which looks them up.
+// The table of the companion's requests, and what looks them up for the message port's callback.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <syslog.h>
@@ -9,7 +9,6 @@
 #include <optional>
 #include <string>
 
-#include "VEKCommon/AutoreleasePool.h"
 #include "VEKCommon/MessageCodes.h"
 #include "accessibility/calls/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
@@ -112,12 +111,6 @@ void LogRefusedBody(const Request& request, std::size_t length, const BodyFault&
 }
 
 }  // namespace
-
-CFDataRef CVEK_UserSpaceDriver::MessageCallbackEntry(CFMessagePortRef port, SInt32 msgid,
-                                                     CFDataRef data, void* info) {
-    const AutoreleasePool pool;
-    return sSelf == nullptr ? nullptr : sSelf->MessageCallback(port, msgid, data, info);
-}
 
 CFDataRef CVEK_UserSpaceDriver::MessageCallback(CFMessagePortRef, SInt32 msgid, CFDataRef data,
                                                 void*) {
