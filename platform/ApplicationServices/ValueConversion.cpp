@@ -8,15 +8,15 @@
 
 #include "platform/ApplicationServices/Element.h"
 #include "platform/ApplicationServices/InternedText.h"
-#include "platform/DesktopLink/Messages.h"
+#include "platform/CoreFoundation/Runtime/Owned.h"
 
 namespace application_services {
 
 namespace {
 
-using desktop_link::Value;
-
+using core_foundation::Owned;
 using desktop_link::kDeepestValue;
+using desktop_link::Value;
 
 CFTypeRef CreateObject(const Value& value, std::size_t depth);
 
@@ -53,16 +53,10 @@ CFDictionaryRef CreateDictionary(const desktop_link::Dictionary& entries, std::s
     const CFMutableDictionaryRef dictionary = CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
     for (const auto& [name, value] : entries) {
-        const CFStringRef key = CreateText(name);
-        const CFTypeRef object = CreateObject(value, depth);
-        if (key != nullptr && object != nullptr) {
-            CFDictionarySetValue(dictionary, key, object);
-        }
-        if (key != nullptr) {
-            CFRelease(key);
-        }
-        if (object != nullptr) {
-            CFRelease(object);
+        const Owned<CFStringRef> key(CreateText(name));
+        const Owned<CFTypeRef> object(CreateObject(value, depth));
+        if (key && object) {
+            CFDictionarySetValue(dictionary, key.get(), object.get());
         }
     }
     return dictionary;

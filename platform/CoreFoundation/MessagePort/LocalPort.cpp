@@ -6,11 +6,13 @@
 
 #include "platform/CoreFoundation/MessagePort/MessageData.h"
 #include "platform/CoreFoundation/MessagePort/PortTable.h"
+#include "platform/CoreFoundation/Runtime/Owned.h"
 #include "platform/Variants/Variants.h"
 
 namespace message_port {
 namespace {
 
+using core_foundation::Owned;
 using Table = PortTable<LocalPort>;
 
 // Beyond this, nothing is read from a peer whose requests have not been served yet.
@@ -29,19 +31,6 @@ class Counted {
 
   private:
     int& count_;
-};
-
-// Owns one Core Foundation object, which is released with an exception, too.
-struct Owned {
-    explicit Owned(CFDataRef data) : object(data) {}
-    Owned(const Owned&) = delete;
-    Owned& operator=(const Owned&) = delete;
-    ~Owned() {
-        if (object != nullptr) {
-            CFRelease(object);
-        }
-    }
-    CFDataRef object;
 };
 
 }  // namespace
@@ -206,15 +195,14 @@ void LocalPort::Serve(const PeerPointer& peer, const local_socket::OwnedPayload&
     const CFMessagePortContext context = context_;
     void* info =
         context.retain != nullptr ? const_cast<void*>(context.retain(context.info)) : context.info;
-    const Owned data(CreateView(message->data));
-    const Owned reply(callback_ != nullptr
-                          ? callback_(Ref(), message->header.msgid, data.object, info)
-                          : nullptr);
+    const Owned<CFDataRef> data(CreateView(message->data));
+    const Owned<CFDataRef> reply(
+        callback_ != nullptr ? callback_(Ref(), message->header.msgid, data.get(), info) : nullptr);
     if (context.retain != nullptr && context.release != nullptr) {
         context.release(info);
     }
     if (StillValid() && message->header.wantsReply) {
-        Answer(peer, message->header, reply.object);
+        Answer(peer, message->header, reply.get());
     }
 }
 

@@ -10,6 +10,7 @@
 #include "platform/CoreFoundation/MessagePort/MessageData.h"
 #include "platform/CoreFoundation/MessagePort/PortTable.h"
 #include "platform/CoreFoundation/RunLoop/RunLoopPoller.h"
+#include "platform/CoreFoundation/Runtime/Owned.h"
 
 namespace message_port {
 namespace {
@@ -44,15 +45,12 @@ struct RemotePort::Awaited {
     ~Awaited() {
         const std::lock_guard lock(port.mutex_);
         std::erase(port.awaited_, this);
-        if (reply != nullptr) {
-            CFRelease(reply);
-        }
     }
 
     RemotePort& port;
     run_loop::RunLoop& loop = run_loop::RunLoop::Current();
     std::uint32_t sequence = 0;
-    CFDataRef reply = nullptr;  // guarded by the port's mutex
+    core_foundation::Owned<CFDataRef> reply;  // guarded by the port's mutex
 };
 
 Retained<RemotePort> RemotePort::FindOrConnect(const std::string& name) {
@@ -159,7 +157,7 @@ SInt32 RemotePort::Exchange(std::int32_t msgid, std::span<const std::uint8_t> da
         return StillValid() ? kCFMessagePortReceiveTimeout : kCFMessagePortBecameInvalidError;
     }
     if (reply != nullptr) {
-        *reply = std::exchange(awaited.reply, nullptr);
+        *reply = awaited.reply.release();
     }
     return kCFMessagePortSuccess;
 }
@@ -286,7 +284,7 @@ bool RemotePort::ReadReplies(bool* delivered) {
 bool RemotePort::Deliver(const Message& reply) {
     for (Awaited* awaited : awaited_) {
         if (awaited->sequence == reply.header.sequence && awaited->reply == nullptr) {
-            awaited->reply = CreateCopy(reply.data);
+            awaited->reply.reset(CreateCopy(reply.data));
             awaited->loop.WakeUp();
             return true;
         }

@@ -5,19 +5,16 @@
 #include <CoreFoundation/CFBase.h>
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
 
+#include "platform/CoreFoundation/Runtime/Owned.h"
+
 namespace property_list {
 
-struct Release {
-    void operator()(CFTypeRef object) const { CFRelease(object); }
-};
-
-// An owned object; empty after any failure.
-using Object = std::unique_ptr<const void, Release>;
+// Empty after any failure.
+using Object = core_foundation::Owned<CFTypeRef>;
 
 // Containers nested deeper than this are refused: every reader descends by recursion, and so
 // does the release of what it created.

@@ -4,9 +4,9 @@
 #include <fstream>
 #include <ostream>
 
+#include "VEKCommon/OwnedReference.h"
 #include "scenes/notation/Hex.h"
 #include "tests/support/Paths.h"
-#include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/Unsettled.h"
 
 namespace vectors {
@@ -73,7 +73,7 @@ std::vector<UniChar> UnitsOf(const json& text) {
     }
     // A byte-order mark would be left out at the beginning, but not after another character.
     const std::string utf8 = 'x' + text.get<std::string>();
-    const Owned<CFStringRef> string(
+    const OwnedReference<CFStringRef> string(
         CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
                                 static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
     std::vector<UniChar> units = UnitsOf(string.get());

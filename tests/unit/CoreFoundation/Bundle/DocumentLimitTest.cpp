@@ -2,9 +2,9 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
+#include "VEKCommon/OwnedReference.h"
 #include "platform/CoreFoundation/PropertyList/PropertyListReader.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/PropertyList/TaggedTree.h"
 
 namespace {
@@ -14,17 +14,17 @@ CFIndex ErrorOfDocument(std::uintmax_t size) {
     const test_support::TemporaryFolder folder;
     const auto file = folder.Write("document", "(a, b)");
     std::filesystem::resize_file(file, size);
-    const Owned<CFStringRef> path(
+    const OwnedReference<CFStringRef> path(
         CFStringCreateWithCString(nullptr, file.c_str(), kCFStringEncodingUTF8));
-    const Owned<CFURLRef> url(
+    const OwnedReference<CFURLRef> url(
         CFURLCreateWithFileSystemPath(nullptr, path.get(), kCFURLPOSIXPathStyle, false));
-    const Owned<CFReadStreamRef> stream(CFReadStreamCreateWithFile(nullptr, url.get()));
+    const OwnedReference<CFReadStreamRef> stream(CFReadStreamCreateWithFile(nullptr, url.get()));
     EXPECT_TRUE(CFReadStreamOpen(stream.get()));
     CFErrorRef error = nullptr;
     EXPECT_EQ(CFPropertyListCreateWithStream(nullptr, stream.get(), 0, kCFPropertyListImmutable,
                                              nullptr, &error),
               nullptr);
-    const Owned<CFErrorRef> owned(error);
+    const OwnedReference<CFErrorRef> owned(error);
     return TaggedError(error)["code"];
 }
 

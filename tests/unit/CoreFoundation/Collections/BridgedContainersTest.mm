@@ -4,7 +4,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
-#include "tests/unit/CoreFoundation/Owned.h"
+#include "VEKCommon/OwnedReference.h"
 
 namespace {
 
@@ -13,16 +13,16 @@ class BridgedContainers : public testing::Test {
     BridgedContainers() : pool_([[NSAutoreleasePool alloc] init]) {}
     ~BridgedContainers() override { [pool_ drain]; }
 
-    static Owned<CFMutableArrayRef> Array(const void* value) {
-        Owned<CFMutableArrayRef> array(
+    static OwnedReference<CFMutableArrayRef> Array(const void* value) {
+        OwnedReference<CFMutableArrayRef> array(
             CFArrayCreateMutable(kCFAllocatorDefault, 0, &kCFTypeArrayCallBacks));
         CFArrayAppendValue(array.get(), value);
         return array;
     }
 
     // Its keys are compared by pointer, so that no Foundation class would do.
-    static Owned<CFMutableDictionaryRef> Dictionary(const void* key, const void* value) {
-        Owned<CFMutableDictionaryRef> dictionary(CFDictionaryCreateMutable(
+    static OwnedReference<CFMutableDictionaryRef> Dictionary(const void* key, const void* value) {
+        OwnedReference<CFMutableDictionaryRef> dictionary(CFDictionaryCreateMutable(
             kCFAllocatorDefault, 0, nullptr, &kCFTypeDictionaryValueCallBacks));
         CFDictionarySetValue(dictionary.get(), key, value);
         return dictionary;
@@ -68,7 +68,7 @@ TEST_F(BridgedContainers, ArraysOfBarePointersAreEqualWhenTheirPointersAre) {
     const int first = 0;
     const int second = 0;
     const auto made = [](const void* pointer) {
-        return Owned<CFArrayRef>(CFArrayCreate(kCFAllocatorDefault, &pointer, 1, nullptr));
+        return OwnedReference<CFArrayRef>(CFArrayCreate(kCFAllocatorDefault, &pointer, 1, nullptr));
     };
     EXPECT_TRUE(CFEqual(made(&first).get(), made(&first).get()));
     EXPECT_FALSE(CFEqual(made(&first).get(), made(&second).get()));
@@ -111,7 +111,8 @@ TEST_F(BridgedContainers, AnEnumeratorEndsAfterTheLastKey) {
 
 TEST_F(BridgedContainers, AnIndexOutsideAStringOfAnyUnitsRaisesAnException) {
     const UniChar units[] = {0xD800, 'a'};
-    const Owned<CFStringRef> text(CFStringCreateWithCharacters(kCFAllocatorDefault, units, 2));
+    const OwnedReference<CFStringRef> text(
+        CFStringCreateWithCharacters(kCFAllocatorDefault, units, 2));
     NSString* string = (NSString*)text.get();
     EXPECT_EQ([string characterAtIndex:1], 'a');
     unichar buffer[4];

@@ -3,7 +3,7 @@
 
 #include <set>
 
-#include "tests/unit/CoreFoundation/Owned.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 namespace {
@@ -16,21 +16,21 @@ const void* Pointer(std::uintptr_t address) {
     return reinterpret_cast<const void*>(address);
 }
 
-Owned<CFMutableDictionaryRef> PointerDictionary() {
-    return Owned<CFMutableDictionaryRef>(
+OwnedReference<CFMutableDictionaryRef> PointerDictionary() {
+    return OwnedReference<CFMutableDictionaryRef>(
         CFDictionaryCreateMutable(kCFAllocatorDefault, kCapacity, nullptr, nullptr));
 }
 
-Owned<CFStringRef> NewText() {
-    return Owned<CFStringRef>(
+OwnedReference<CFStringRef> NewText() {
+    return OwnedReference<CFStringRef>(
         CFStringCreateWithCString(kCFAllocatorDefault, "equal text", kCFStringEncodingASCII));
 }
 
 TEST(DictionaryWithoutCallbacks, TellsEqualKeysApartByAddressAndRetainsNothing) {
-    const Owned<CFMutableDictionaryRef> dictionary = PointerDictionary();
-    const Owned<CFStringRef> key = NewText();
-    const Owned<CFStringRef> equalKey = NewText();
-    const Owned<CFStringRef> value = NewText();
+    const OwnedReference<CFMutableDictionaryRef> dictionary = PointerDictionary();
+    const OwnedReference<CFStringRef> key = NewText();
+    const OwnedReference<CFStringRef> equalKey = NewText();
+    const OwnedReference<CFStringRef> value = NewText();
     CFDictionarySetValue(dictionary.get(), key.get(), value.get());
     EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), key.get()), value.get());
     EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), equalKey.get()), nullptr);
@@ -39,19 +39,19 @@ TEST(DictionaryWithoutCallbacks, TellsEqualKeysApartByAddressAndRetainsNothing) 
 }
 
 TEST(DictionaryWithoutCallbacks, HoldsPointersThatAreNoObjects) {
-    const Owned<CFMutableDictionaryRef> dictionary = PointerDictionary();
+    const OwnedReference<CFMutableDictionaryRef> dictionary = PointerDictionary();
     CFDictionarySetValue(dictionary.get(), Pointer(1), Pointer(2));
     CFDictionarySetValue(dictionary.get(), nullptr, nullptr);
     EXPECT_EQ(CFDictionaryGetCount(dictionary.get()), 2);
     const void* value = Pointer(3);
     EXPECT_TRUE(CFDictionaryGetValueIfPresent(dictionary.get(), nullptr, &value));
     EXPECT_EQ(value, nullptr);
-    const Owned<CFStringRef> description(CFCopyDescription(dictionary.get()));
+    const OwnedReference<CFStringRef> description(CFCopyDescription(dictionary.get()));
     EXPECT_THAT(vectors::Shown(description.get()), HasSubstr("0x1 = 0x2"));
 }
 
 TEST(DictionaryWithoutCallbacks, GrowsFarBeyondItsCapacityAndShrinksToNothing) {
-    const Owned<CFMutableDictionaryRef> dictionary = PointerDictionary();
+    const OwnedReference<CFMutableDictionaryRef> dictionary = PointerDictionary();
     constexpr std::uintptr_t kEntries = 100000;
     for (std::uintptr_t address = 1; address <= kEntries; ++address) {
         CFDictionarySetValue(dictionary.get(), Pointer(address), Pointer(address * 2));
@@ -71,10 +71,10 @@ TEST(DictionaryWithoutCallbacks, GrowsFarBeyondItsCapacityAndShrinksToNothing) {
 }
 
 TEST(DictionaryOfObjects, KeepsItsContentsAliveAndLetsThemGo) {
-    const Owned<CFStringRef> key = NewText();
-    const Owned<CFStringRef> value = NewText();
+    const OwnedReference<CFStringRef> key = NewText();
+    const OwnedReference<CFStringRef> value = NewText();
     {
-        const Owned<CFMutableDictionaryRef> dictionary(
+        const OwnedReference<CFMutableDictionaryRef> dictionary(
             CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
                                       &kCFTypeDictionaryValueCallBacks));
         CFDictionarySetValue(dictionary.get(), key.get(), value.get());
@@ -91,22 +91,22 @@ TEST(DictionaryOfObjects, KeepsItsContentsAliveAndLetsThemGo) {
 }
 
 TEST(DictionaryOfObjects, FindsAKeyByItsTextAndNotByACanonicallyEquivalentOne) {
-    const Owned<CFStringRef> composed(
+    const OwnedReference<CFStringRef> composed(
         CFStringCreateWithCString(kCFAllocatorDefault, "\u00e9", kCFStringEncodingUTF8));
     const void* keys[] = {CFSTR("equal text"), composed.get()};
     const void* values[] = {kCFBooleanTrue, kCFBooleanFalse};
-    const Owned<CFDictionaryRef> dictionary(CFDictionaryCreate(kCFAllocatorDefault, keys, values, 2,
-                                                               &kCFTypeDictionaryKeyCallBacks,
-                                                               &kCFTypeDictionaryValueCallBacks));
+    const OwnedReference<CFDictionaryRef> dictionary(
+        CFDictionaryCreate(kCFAllocatorDefault, keys, values, 2, &kCFTypeDictionaryKeyCallBacks,
+                           &kCFTypeDictionaryValueCallBacks));
     EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), NewText().get()), kCFBooleanTrue);
     EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), CFSTR("\u00e9")), kCFBooleanFalse);
     EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), CFSTR("e\u0301")), nullptr);
 }
 
 TEST(Array, KeepsItsContentsAliveInOrder) {
-    const Owned<CFStringRef> text = NewText();
+    const OwnedReference<CFStringRef> text = NewText();
     {
-        const Owned<CFMutableArrayRef> array(
+        const OwnedReference<CFMutableArrayRef> array(
             CFArrayCreateMutable(kCFAllocatorDefault, 0, &kCFTypeArrayCallBacks));
         CFArrayAppendValue(array.get(), text.get());
         CFArrayAppendValue(array.get(), kCFNull);
@@ -119,8 +119,8 @@ TEST(Array, KeepsItsContentsAliveInOrder) {
 
 TEST(Array, DescribesPointersThatAreNoObjects) {
     const void* values[] = {Pointer(1), Pointer(2)};
-    const Owned<CFArrayRef> array(CFArrayCreate(kCFAllocatorDefault, values, 2, nullptr));
-    const Owned<CFStringRef> description(CFCopyDescription(array.get()));
+    const OwnedReference<CFArrayRef> array(CFArrayCreate(kCFAllocatorDefault, values, 2, nullptr));
+    const OwnedReference<CFStringRef> description(CFCopyDescription(array.get()));
     EXPECT_EQ(vectors::Shown(description.get()), "\"( 0x1 0x2 )\"");
 }
 

@@ -1,8 +1,8 @@
 // Numbers and booleans, against measured cases.
 #include <cmath>
 
+#include "VEKCommon/OwnedReference.h"
 #include "scenes/notation/Hex.h"
-#include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 namespace {
@@ -47,7 +47,7 @@ CFTypeRef NewObject(const json& description) {
 }
 
 std::string CheckGetValue(const Vector& vector) {
-    const Owned<CFTypeRef> number(NewObject(vector.input));
+    const OwnedReference<CFTypeRef> number(NewObject(vector.input));
     const auto type = static_cast<CFNumberType>(vector.input.at("get_type_value").get<int>());
     const std::vector<UInt8> expected = vectors::Bytes(vector.result.at("bytes"));
     std::vector<UInt8> buffer(kLargest + kGuard, kFill);
@@ -63,7 +63,7 @@ std::string CheckGetValue(const Vector& vector) {
 }
 
 std::string CheckInfo(const Vector& vector) {
-    const Owned<CFTypeRef> object(NewObject(vector.input));
+    const OwnedReference<CFTypeRef> object(NewObject(vector.input));
     const auto number = static_cast<CFNumberRef>(object.get());
     const CFNumberType type = CFNumberGetType(number);
     const bool isFloat = CFNumberIsFloatType(number);
@@ -74,8 +74,8 @@ std::string CheckInfo(const Vector& vector) {
 }
 
 std::string CheckEqual(const Vector& vector) {
-    const Owned<CFTypeRef> first(NewObject(vector.input.at("a")));
-    const Owned<CFTypeRef> second(NewObject(vector.input.at("b")));
+    const OwnedReference<CFTypeRef> first(NewObject(vector.input.at("a")));
+    const OwnedReference<CFTypeRef> second(NewObject(vector.input.at("b")));
     const bool equal = CFEqual(first.get(), second.get());
     if (equal != static_cast<bool>(CFEqual(second.get(), first.get()))) {
         return "equal in one direction only";
@@ -87,7 +87,7 @@ std::string CheckEqual(const Vector& vector) {
 }
 
 std::string CheckBoolean(const Vector& vector) {
-    const Owned<CFTypeRef> object(NewObject(vector.input.at("value")));
+    const OwnedReference<CFTypeRef> object(NewObject(vector.input.at("value")));
     return CFBooleanGetValue(static_cast<CFBooleanRef>(object.get())) ==
                    vector.result.at("value").get<bool>()
                ? ""
@@ -95,9 +95,9 @@ std::string CheckBoolean(const Vector& vector) {
 }
 
 std::string CheckTypeID(const Vector& vector) {
-    const Owned<CFTypeRef> object(NewObject(vector.input.at("object")));
+    const OwnedReference<CFTypeRef> object(NewObject(vector.input.at("object")));
     const CFTypeID type = CFGetTypeID(object.get());
-    const Owned<CFStringRef> name(CFCopyTypeIDDescription(type));
+    const OwnedReference<CFStringRef> name(CFCopyTypeIDDescription(type));
     const json got = {{"is_number", type == CFNumberGetTypeID()},
                       {"is_boolean", type == CFBooleanGetTypeID()},
                       {"is_string", type == CFStringGetTypeID()}};

@@ -1,16 +1,16 @@
 #include <cstdlib>
 
-#include "tests/unit/CoreFoundation/Owned.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tests/unit/CoreFoundation/PropertyList/ArchiverUID.h"
 #include "tests/unit/CoreFoundation/PropertyList/TaggedTree.h"
 
 // The description ends with "{value = 5}".
 std::optional<std::uint32_t> ArchiverUIDValue(CFTypeRef object) {
-    const Owned<CFStringRef> type(CFCopyTypeIDDescription(CFGetTypeID(object)));
+    const OwnedReference<CFStringRef> type(CFCopyTypeIDDescription(CFGetTypeID(object)));
     if (Utf8(type.get()) != "CFKeyedArchiverUID") {
         return std::nullopt;
     }
-    const Owned<CFStringRef> description(CFCopyDescription(object));
+    const OwnedReference<CFStringRef> description(CFCopyDescription(object));
     const std::string text = Utf8(description.get());
     constexpr std::string_view kMark = "value = ";
     const std::size_t mark = text.rfind(kMark);

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tests/unit/CoreFoundation/Owned.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tests/unit/CoreFoundation/PropertyList/TaggedTree.h"
 
 namespace {
@@ -13,10 +13,10 @@ using nlohmann::json;
 using namespace std::string_literals;
 
 json Tree(const std::string& document, CFOptionFlags options = kCFPropertyListImmutable) {
-    const Owned<CFDataRef> data(CFDataCreate(kCFAllocatorDefault,
-                                             reinterpret_cast<const UInt8*>(document.data()),
-                                             static_cast<CFIndex>(document.size())));
-    const Owned<CFPropertyListRef> root(
+    const OwnedReference<CFDataRef> data(
+        CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(document.data()),
+                     static_cast<CFIndex>(document.size())));
+    const OwnedReference<CFPropertyListRef> root(
         CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(), options, nullptr, nullptr));
     return TaggedTree(root.get());
 }
@@ -74,17 +74,17 @@ TEST(BinaryCorners, UIDsAreOf32Bits) {
 TEST(BinaryCorners, UIDsAreEqualByTheirValue) {
     const auto made = [](const std::string& object) {
         const std::string document = Binary({object});
-        const Owned<CFDataRef> data(CFDataCreate(kCFAllocatorDefault,
-                                                 reinterpret_cast<const UInt8*>(document.data()),
-                                                 static_cast<CFIndex>(document.size())));
-        return Owned<CFPropertyListRef>(CFPropertyListCreateWithData(
+        const OwnedReference<CFDataRef> data(
+            CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(document.data()),
+                         static_cast<CFIndex>(document.size())));
+        return OwnedReference<CFPropertyListRef>(CFPropertyListCreateWithData(
             kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
     };
     EXPECT_TRUE(CFEqual(made("\x80\x05").get(), made("\x81\0\x05"s).get()));
     EXPECT_EQ(CFHash(made("\x80\x05").get()), CFHash(made("\x81\0\x05"s).get()));
     EXPECT_FALSE(CFEqual(made("\x80\x05").get(), made("\x80\x06").get()));
     EXPECT_FALSE(CFEqual(made("\x80\x05").get(), made("\x10\x05").get())) << "a number";
-    const Owned<CFURLRef> url(
+    const OwnedReference<CFURLRef> url(
         CFURLCreateWithFileSystemPath(nullptr, CFSTR("/"), kCFURLPOSIXPathStyle, true));
     EXPECT_FALSE(CFEqual(made("\x80\x05").get(), url.get()));
 }

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/unit/CoreFoundation/Owned.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tests/unit/CoreFoundation/RunLoop/Scene.h"
 
 namespace run_loop_test {
@@ -28,7 +28,7 @@ class Membership : public testing::Test {
 };
 
 TEST_F(Membership, CommonModesAreNamedByTheirTextAlone) {
-    const Owned<CFMutableStringRef> same(CFStringCreateMutable(nullptr, 0));
+    const OwnedReference<CFMutableStringRef> same(CFStringCreateMutable(nullptr, 0));
     CFStringReplaceAll(same.get(), kCFRunLoopCommonModes);
     int fires = 0;
     const auto timer = scene_.AddTimer(

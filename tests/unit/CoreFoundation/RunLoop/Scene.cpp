@@ -3,7 +3,7 @@
 #include <array>
 #include <atomic>
 
-#include "tests/unit/CoreFoundation/Owned.h"
+#include "VEKCommon/OwnedReference.h"
 
 namespace run_loop_test {
 namespace {
@@ -14,8 +14,8 @@ CFRunLoopMode NewMode() {
 }
 
 // The modes that scenes added to the common set of this thread's loop; they stay in it.
-std::deque<Owned<CFRunLoopMode>>& AddedCommonModes() {
-    thread_local std::deque<Owned<CFRunLoopMode>> modes;
+std::deque<OwnedReference<CFRunLoopMode>>& AddedCommonModes() {
+    thread_local std::deque<OwnedReference<CFRunLoopMode>> modes;
     return modes;
 }
 

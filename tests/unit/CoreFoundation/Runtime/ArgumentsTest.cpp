@@ -3,7 +3,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
 
-#include "tests/unit/CoreFoundation/Owned.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 namespace {
@@ -26,7 +26,7 @@ TEST(ArgumentsDeathTest, NegativeSizesStopTheProcess) {
     EXPECT_DEATH(CFStringCreateWithCharacters(nullptr, &unit, -1), "no characters");
     EXPECT_DEATH(CFStringCreateWithBytes(nullptr, &byte, -1, kCFStringEncodingUTF8, false),
                  "no bytes");
-    const Owned<CFMutableDataRef> data(CFDataCreateMutable(nullptr, 0));
+    const OwnedReference<CFMutableDataRef> data(CFDataCreateMutable(nullptr, 0));
     EXPECT_DEATH(CFDataAppendBytes(data.get(), &byte, -1), "negative length");
 }
 
@@ -53,7 +53,7 @@ TEST(ArgumentsDeathTest, AnUnknownNumberTypeStopsTheProcess) {
 
 TEST(ArgumentsDeathTest, RangesOutsideStopTheProcess) {
     const UInt8 bytes[] = {1, 2};
-    const Owned<CFDataRef> data(CFDataCreate(nullptr, bytes, sizeof bytes));
+    const OwnedReference<CFDataRef> data(CFDataCreate(nullptr, bytes, sizeof bytes));
     UInt8 buffer[8];
     UniChar units[8];
     for (const CFRange& range : kOutsideOfTwo) {
@@ -66,11 +66,11 @@ TEST(ArgumentsDeathTest, RangesOutsideStopTheProcess) {
 }
 
 TEST(Arguments, NothingMayBeMadeOfNothing) {
-    const Owned<CFDictionaryRef> dictionary(CFDictionaryCreate(nullptr, nullptr, nullptr, 0,
-                                                               &kCFTypeDictionaryKeyCallBacks,
-                                                               &kCFTypeDictionaryValueCallBacks));
+    const OwnedReference<CFDictionaryRef> dictionary(
+        CFDictionaryCreate(nullptr, nullptr, nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
+                           &kCFTypeDictionaryValueCallBacks));
     EXPECT_EQ(CFDictionaryGetCount(dictionary.get()), 0);
-    const Owned<CFStringRef> text(
+    const OwnedReference<CFStringRef> text(
         CFStringCreateWithBytes(nullptr, nullptr, 0, kCFStringEncodingUTF8, false));
     EXPECT_EQ(CFStringGetLength(text.get()), 0);
     EXPECT_EQ(CFCopyDescription(nullptr), nullptr);
@@ -78,7 +78,7 @@ TEST(Arguments, NothingMayBeMadeOfNothing) {
 
 TEST(Arguments, KeysAndValuesMayEachBeLeftOut) {
     for (const bool foundations : {false, true}) {
-        const Owned<CFMutableDictionaryRef> dictionary(CFDictionaryCreateMutable(
+        const OwnedReference<CFMutableDictionaryRef> dictionary(CFDictionaryCreateMutable(
             nullptr, 0, foundations ? &kCFTypeDictionaryKeyCallBacks : nullptr,
             foundations ? &kCFTypeDictionaryValueCallBacks : nullptr));
         CFDictionarySetValue(dictionary.get(), CFSTR("k"), CFSTR("v"));
@@ -126,8 +126,8 @@ TEST(MaximumSize, CountsTwoBytesForAUnitOfUTF16AndThreeInUTF8) {
 
 TEST(WindowsLatin1, HasCharactersOfItsOwnBelowA0) {
     const UInt8 bytes[] = {'a', 0x80, 0x9F, 0xA0, 0xFF};
-    const Owned<CFStringRef> text(CFStringCreateWithBytes(nullptr, bytes, sizeof bytes,
-                                                          kCFStringEncodingWindowsLatin1, false));
+    const OwnedReference<CFStringRef> text(CFStringCreateWithBytes(
+        nullptr, bytes, sizeof bytes, kCFStringEncodingWindowsLatin1, false));
     EXPECT_THAT(vectors::UnitsOf(text.get()), ElementsAre('a', 0x20AC, 0x0178, 0xA0, 0xFF));
     char back[8];
     ASSERT_TRUE(CFStringGetCString(text.get(), back, sizeof back, kCFStringEncodingWindowsLatin1));
@@ -137,13 +137,13 @@ TEST(WindowsLatin1, HasCharactersOfItsOwnBelowA0) {
     EXPECT_EQ(CFStringCreateWithBytes(nullptr, open, 1, kCFStringEncodingWindowsLatin1, false),
               nullptr);
     const UniChar control = 0x81;
-    const Owned<CFStringRef> unit(CFStringCreateWithCharacters(nullptr, &control, 1));
+    const OwnedReference<CFStringRef> unit(CFStringCreateWithCharacters(nullptr, &control, 1));
     EXPECT_FALSE(CFStringGetCString(unit.get(), back, sizeof back, kCFStringEncodingWindowsLatin1));
 }
 
 TEST(EightBitText, TakesALetterWithoutItsMarkWhenItLacksTheComposedLetter) {
     const UniChar units[] = {'s', 0x301};  // MacRoman has no s with an acute accent
-    const Owned<CFStringRef> text(CFStringCreateWithCharacters(nullptr, units, 2));
+    const OwnedReference<CFStringRef> text(CFStringCreateWithCharacters(nullptr, units, 2));
     UInt8 buffer[8];
     CFIndex used = 0;
     EXPECT_EQ(CFStringGetBytes(text.get(), CFRangeMake(0, 2), kCFStringEncodingMacRoman, '?', false,
@@ -154,19 +154,19 @@ TEST(EightBitText, TakesALetterWithoutItsMarkWhenItLacksTheComposedLetter) {
 
 TEST(CreateWithBytes, TakesExternalBytesOfOtherEncodingsAsTheyAre) {
     const UInt8 bytes[] = {0xEF, 0xBB, 0xBF};
-    const Owned<CFStringRef> text(
+    const OwnedReference<CFStringRef> text(
         CFStringCreateWithBytes(nullptr, bytes, sizeof bytes, kCFStringEncodingISOLatin1, true));
     EXPECT_THAT(vectors::UnitsOf(text.get()), ElementsAre(0xEF, 0xBB, 0xBF));
     EXPECT_EQ(CFStringCreateWithBytes(nullptr, bytes, sizeof bytes, kCFStringEncodingUTF32, true),
               nullptr);
-    const Owned<CFStringRef> nothing(
+    const OwnedReference<CFStringRef> nothing(
         CFStringCreateWithBytes(nullptr, bytes, 0, kCFStringEncodingUTF16, true));
     EXPECT_EQ(CFStringGetLength(nothing.get()), 0);
 }
 
 TEST(FileSystemRepresentation, DecomposesOnlyWhatHasADecomposition) {
     char buffer[16];
-    const Owned<CFStringRef> text(
+    const OwnedReference<CFStringRef> text(
         CFStringCreateWithCString(nullptr, "\U0002FB00\U000E0100\u00e9", kCFStringEncodingUTF8));
     ASSERT_TRUE(CFStringGetFileSystemRepresentation(text.get(), buffer, sizeof buffer));
     EXPECT_STREQ(buffer, "\U0002FB00\U000E0100e\u0301");
@@ -174,7 +174,7 @@ TEST(FileSystemRepresentation, DecomposesOnlyWhatHasADecomposition) {
 
 TEST(FileSystemPath, IsNoneForTextThatIsNotUnicode) {
     const UniChar unit = 0xD800;
-    const Owned<CFStringRef> text(CFStringCreateWithCharacters(nullptr, &unit, 1));
+    const OwnedReference<CFStringRef> text(CFStringCreateWithCharacters(nullptr, &unit, 1));
     EXPECT_EQ(CFURLCreateWithFileSystemPath(nullptr, text.get(), kCFURLPOSIXPathStyle, false),
               nullptr);
     EXPECT_EQ(CFURLCreateWithFileSystemPath(nullptr, CFSTR(""), kCFURLPOSIXPathStyle, false),

@@ -3,8 +3,8 @@
 
 #include <climits>
 
+#include "VEKCommon/OwnedReference.h"
 #include "platform/Testing/LiveObjects.h"
-#include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 namespace {
@@ -50,7 +50,7 @@ TEST(ConstantString, HoldsTextThatIsNotAscii) {
 
 TEST(ConstantString, EqualsAMadeStringWithTheSameTextAndHashesAlike) {
     for (const char* text : {"", "abc", "Caf\u00e9", "\u65e5\u672c", "\U0001F3AC"}) {
-        const Owned<CFStringRef> made(
+        const OwnedReference<CFStringRef> made(
             CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8));
         CFStringRef constant = __CFStringMakeConstantString(text);
         EXPECT_TRUE(CFEqual(constant, made.get())) << text;
@@ -69,9 +69,10 @@ TEST(Booleans, AreThereBeforeMain) {
 
 TEST(Booleans, AreNotTheNumbersOneAndZero) {
     const int values[] = {0, 1};
-    const Owned<CFNumberRef> zero(
+    const OwnedReference<CFNumberRef> zero(
         CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &values[0]));
-    const Owned<CFNumberRef> one(CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &values[1]));
+    const OwnedReference<CFNumberRef> one(
+        CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &values[1]));
     EXPECT_FALSE(CFEqual(kCFBooleanTrue, one.get()));
     EXPECT_FALSE(CFEqual(one.get(), kCFBooleanTrue));
     EXPECT_FALSE(CFEqual(kCFBooleanFalse, zero.get()));

@@ -5,9 +5,9 @@
 
 #include <map>
 
+#include "VEKCommon/OwnedReference.h"
 #include "platform/CoreFoundation/Runtime/CFRuntime.h"
 #include "platform/Testing/LiveObjects.h"
-#include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 namespace {
@@ -31,12 +31,12 @@ TEST(ObjectsDeathTest, NullStopsTheProcess) {
 }
 
 TEST(ObjectsDeathTest, WhatLiesOutsideAnObjectStopsTheProcess) {
-    const Owned<CFArrayRef> array(
+    const OwnedReference<CFArrayRef> array(
         CFArrayCreate(kCFAllocatorDefault, nullptr, 0, &kCFTypeArrayCallBacks));
     EXPECT_DEATH(CFArrayGetValueAtIndex(array.get(), 0), "index outside the array");
     EXPECT_DEATH(CFArrayGetValueAtIndex(array.get(), -1), "index outside the array");
     const UInt8 bytes[] = {1, 2};
-    const Owned<CFDataRef> data(CFDataCreate(kCFAllocatorDefault, bytes, sizeof bytes));
+    const OwnedReference<CFDataRef> data(CFDataCreate(kCFAllocatorDefault, bytes, sizeof bytes));
     UInt8 buffer[8];
     EXPECT_DEATH(CFDataGetBytes(data.get(), CFRangeMake(1, 2), buffer), "range outside the data");
     EXPECT_DEATH(CFDataGetBytes(data.get(), CFRangeMake(0, -1), buffer), "range outside the data");
@@ -54,21 +54,21 @@ TEST(TypeIDs, AreGivenOutOnceEach) {
     const CFTypeID first = core_foundation::RegisterType("TypeOfThisTest");
     const CFTypeID second = core_foundation::RegisterType("OtherTypeOfThisTest");
     EXPECT_NE(first, second);
-    const Owned<CFStringRef> name(CFCopyTypeIDDescription(first));
+    const OwnedReference<CFStringRef> name(CFCopyTypeIDDescription(first));
     EXPECT_EQ(vectors::Shown(name.get()), "\"TypeOfThisTest\"");
     EXPECT_EQ(CFCopyTypeIDDescription(0), nullptr);
     EXPECT_EQ(CFCopyTypeIDDescription(second + 1000), nullptr);
 }
 
 TEST(TypeIDs, AreTheSameForMutableAndImmutableObjects) {
-    const Owned<CFMutableStringRef> text(CFStringCreateMutable(kCFAllocatorDefault, 0));
+    const OwnedReference<CFMutableStringRef> text(CFStringCreateMutable(kCFAllocatorDefault, 0));
     EXPECT_EQ(CFGetTypeID(text.get()), CFStringGetTypeID());
-    const Owned<CFMutableDataRef> data(CFDataCreateMutable(kCFAllocatorDefault, 0));
+    const OwnedReference<CFMutableDataRef> data(CFDataCreateMutable(kCFAllocatorDefault, 0));
     EXPECT_EQ(CFGetTypeID(data.get()), CFDataGetTypeID());
 }
 
 TEST(References, AreCounted) {
-    const Owned<CFNumberRef> number(NewNumber(5000));
+    const OwnedReference<CFNumberRef> number(NewNumber(5000));
     EXPECT_EQ(CFGetRetainCount(number.get()), 1);
     EXPECT_EQ(CFRetain(number.get()), number.get());
     EXPECT_EQ(CFGetRetainCount(number.get()), 2);
@@ -78,19 +78,20 @@ TEST(References, AreCounted) {
 
 TEST(Descriptions, AreThoseOfTheContentsUnlessThatAreBarePointers) {
     const void* text = CFSTR("text");
-    const Owned<CFArrayRef> objects(
+    const OwnedReference<CFArrayRef> objects(
         CFArrayCreate(kCFAllocatorDefault, &text, 1, &kCFTypeArrayCallBacks));
-    EXPECT_EQ(vectors::Shown(Owned<CFStringRef>(CFCopyDescription(objects.get())).get()),
+    EXPECT_EQ(vectors::Shown(OwnedReference<CFStringRef>(CFCopyDescription(objects.get())).get()),
               "\"(text)\"");
     const CFDictionaryKeyCallBacks* const noKeys = nullptr;
     const CFDictionaryValueCallBacks* const noValues = nullptr;
     for (const bool bareKeys : {false, true}) {
-        const Owned<CFDictionaryRef> dictionary(
+        const OwnedReference<CFDictionaryRef> dictionary(
             CFDictionaryCreate(kCFAllocatorDefault, &text, &text, 1,
                                bareKeys ? noKeys : &kCFTypeDictionaryKeyCallBacks,
                                bareKeys ? &kCFTypeDictionaryValueCallBacks : noValues));
-        EXPECT_THAT(vectors::Shown(Owned<CFStringRef>(CFCopyDescription(dictionary.get())).get()),
-                    testing::StartsWith("\"{ 0x"));
+        EXPECT_THAT(
+            vectors::Shown(OwnedReference<CFStringRef>(CFCopyDescription(dictionary.get())).get()),
+            testing::StartsWith("\"{ 0x"));
     }
 }
 
@@ -100,14 +101,14 @@ TEST(Ownership, NothingIsLeftOverWhenWhatWasCreatedIsReleased) {
         {"strings",
          [] {
              const UniChar units[] = {'a', 0xD800};
-             const Owned<CFStringRef> odd(
+             const OwnedReference<CFStringRef> odd(
                  CFStringCreateWithCharacters(kCFAllocatorDefault, units, 2));
-             const Owned<CFStringRef> text(CFStringCreateWithCString(
+             const OwnedReference<CFStringRef> text(CFStringCreateWithCString(
                  kCFAllocatorDefault, "a text of this test", kCFStringEncodingUTF8));
-             const Owned<CFMutableStringRef> copy(
+             const OwnedReference<CFMutableStringRef> copy(
                  CFStringCreateMutableCopy(kCFAllocatorDefault, 0, text.get()));
              CFStringReplaceAll(copy.get(), odd.get());
-             const Owned<CFStringRef> formatted(CFStringCreateWithFormat(
+             const OwnedReference<CFStringRef> formatted(CFStringCreateWithFormat(
                  kCFAllocatorDefault, nullptr, CFSTR("%@ %s"), text.get(), "x"));
              char buffer[64];
              CFStringGetCString(odd.get(), buffer, sizeof buffer, kCFStringEncodingUTF8);
@@ -117,11 +118,11 @@ TEST(Ownership, NothingIsLeftOverWhenWhatWasCreatedIsReleased) {
          }},
         {"containers",
          [] {
-             const Owned<CFNumberRef> number(NewNumber(4711));
+             const OwnedReference<CFNumberRef> number(NewNumber(4711));
              const void* values[] = {number.get(), number.get()};
-             const Owned<CFArrayRef> array(
+             const OwnedReference<CFArrayRef> array(
                  CFArrayCreate(kCFAllocatorDefault, values, 2, &kCFTypeArrayCallBacks));
-             const Owned<CFMutableDictionaryRef> dictionary(
+             const OwnedReference<CFMutableDictionaryRef> dictionary(
                  CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
                                            &kCFTypeDictionaryValueCallBacks));
              CFDictionarySetValue(dictionary.get(), number.get(), array.get());
@@ -133,8 +134,10 @@ TEST(Ownership, NothingIsLeftOverWhenWhatWasCreatedIsReleased) {
         {"data",
          [] {
              const UInt8 bytes[] = {1, 2, 3};
-             const Owned<CFDataRef> data(CFDataCreate(kCFAllocatorDefault, bytes, sizeof bytes));
-             const Owned<CFMutableDataRef> grown(CFDataCreateMutable(kCFAllocatorDefault, 0));
+             const OwnedReference<CFDataRef> data(
+                 CFDataCreate(kCFAllocatorDefault, bytes, sizeof bytes));
+             const OwnedReference<CFMutableDataRef> grown(
+                 CFDataCreateMutable(kCFAllocatorDefault, 0));
              CFDataAppendBytes(grown.get(), bytes, sizeof bytes);
          }},
     };

@@ -1,8 +1,8 @@
 // Strings from bytes and bytes of strings, against measured cases.
 #include <string>
 
+#include "VEKCommon/OwnedReference.h"
 #include "scenes/notation/Hex.h"
-#include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 namespace {
@@ -46,7 +46,7 @@ std::string CompareBuffer(bool ok, const GuardedBuffer& buffer, const json& resu
 }
 
 std::string CheckGetCString(const Vector& vector) {
-    const Owned<CFStringRef> text(vectors::NewText(vector.input.at("text")));
+    const OwnedReference<CFStringRef> text(vectors::NewText(vector.input.at("text")));
     GuardedBuffer buffer(vector.input);
     const bool ok = CFStringGetCString(text.get(), buffer.text(), static_cast<CFIndex>(buffer.size),
                                        vector.input.at("encoding_value").get<CFStringEncoding>());
@@ -54,7 +54,7 @@ std::string CheckGetCString(const Vector& vector) {
 }
 
 std::string CheckFileSystemRepresentation(const Vector& vector) {
-    const Owned<CFStringRef> text(vectors::NewText(vector.input.at("text")));
+    const OwnedReference<CFStringRef> text(vectors::NewText(vector.input.at("text")));
     GuardedBuffer buffer(vector.input);
     const bool ok = CFStringGetFileSystemRepresentation(text.get(), buffer.text(),
                                                         static_cast<CFIndex>(buffer.size));
@@ -62,7 +62,7 @@ std::string CheckFileSystemRepresentation(const Vector& vector) {
 }
 
 std::string CheckLength(const Vector& vector) {
-    const Owned<CFStringRef> text(vectors::NewText(vector.input.at("text")));
+    const OwnedReference<CFStringRef> text(vectors::NewText(vector.input.at("text")));
     const CFIndex length = CFStringGetLength(text.get());
     return length == vector.result.at("length") ? "" : "got " + std::to_string(length);
 }
@@ -70,7 +70,7 @@ std::string CheckLength(const Vector& vector) {
 std::string CheckCreateWithCString(const Vector& vector) {
     std::vector<UInt8> bytes = vectors::Bytes(vector.input.at("bytes"));
     bytes.push_back(0);
-    const Owned<CFStringRef> text(
+    const OwnedReference<CFStringRef> text(
         CFStringCreateWithCString(kCFAllocatorDefault, reinterpret_cast<const char*>(bytes.data()),
                                   vector.input.at("encoding_value").get<CFStringEncoding>()));
     return vectors::CompareText(text.get(), vector.result.at("string"));
@@ -80,7 +80,7 @@ std::string CheckRoundTrip(const Vector& vector) {
     std::vector<UInt8> bytes = vectors::Bytes(vector.input.at("bytes"));
     bytes.push_back(0);
     const CFStringEncoding encoding = CFStringGetSystemEncoding();
-    const Owned<CFStringRef> text(CFStringCreateWithCString(
+    const OwnedReference<CFStringRef> text(CFStringCreateWithCString(
         kCFAllocatorDefault, reinterpret_cast<const char*>(bytes.data()), encoding));
     const std::string difference = vectors::CompareText(text.get(), vector.result.at("string"));
     if (!difference.empty() || text == nullptr) {
@@ -95,7 +95,7 @@ std::string CheckRoundTrip(const Vector& vector) {
 
 std::string CheckCreateWithBytes(const Vector& vector) {
     const std::vector<UInt8> bytes = vectors::Bytes(vector.input.at("bytes"));
-    const Owned<CFStringRef> text(CFStringCreateWithBytes(
+    const OwnedReference<CFStringRef> text(CFStringCreateWithBytes(
         kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size()),
         vector.input.at("encoding_value").get<CFStringEncoding>(),
         vector.input.at("is_external").get<bool>()));
@@ -103,7 +103,7 @@ std::string CheckCreateWithBytes(const Vector& vector) {
 }
 
 std::string CheckGetBytes(const Vector& vector) {
-    const Owned<CFStringRef> text(vectors::NewText(vector.input.at("text")));
+    const OwnedReference<CFStringRef> text(vectors::NewText(vector.input.at("text")));
     GuardedBuffer buffer(vector.input);
     const json& range = vector.input.at("range");
     CFIndex used = 0;

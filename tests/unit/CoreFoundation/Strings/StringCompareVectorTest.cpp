@@ -1,7 +1,7 @@
 // Comparing and changing strings, against measured cases.
 #include <algorithm>
 
-#include "tests/unit/CoreFoundation/Owned.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 namespace {
@@ -12,13 +12,14 @@ using vectors::Vector;
 
 constexpr char kFile[] = "cfstring_compare_find.json";
 
-Owned<CFStringRef> Text(const Vector& vector, const char* key) {
-    return Owned<CFStringRef>(NewText(vector.input.at(key)));
+OwnedReference<CFStringRef> Text(const Vector& vector, const char* key) {
+    return OwnedReference<CFStringRef>(NewText(vector.input.at(key)));
 }
 
-Owned<CFMutableStringRef> MutableText(const Vector& vector, const char* key) {
-    const Owned<CFStringRef> text = Text(vector, key);
-    return Owned<CFMutableStringRef>(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, text.get()));
+OwnedReference<CFMutableStringRef> MutableText(const Vector& vector, const char* key) {
+    const OwnedReference<CFStringRef> text = Text(vector, key);
+    return OwnedReference<CFMutableStringRef>(
+        CFStringCreateMutableCopy(kCFAllocatorDefault, 0, text.get()));
 }
 
 std::string CompareFlag(bool got, const json& expected) {
@@ -38,9 +39,9 @@ std::string CheckHasPrefix(const Vector& vector) {
 }
 
 std::string CheckEqual(const Vector& vector) {
-    const Owned<CFStringRef> first = Text(vector, "a");
-    const Owned<CFStringRef> second = Text(vector, "b");
-    const Owned<CFMutableStringRef> mutableSecond = MutableText(vector, "b");
+    const OwnedReference<CFStringRef> first = Text(vector, "a");
+    const OwnedReference<CFStringRef> second = Text(vector, "b");
+    const OwnedReference<CFMutableStringRef> mutableSecond = MutableText(vector, "b");
     const bool equal = CFEqual(first.get(), second.get());
     if (equal && (CFHash(first.get()) != CFHash(second.get()) ||
                   CFHash(first.get()) != CFHash(mutableSecond.get()))) {
@@ -61,13 +62,13 @@ std::string CompareChanged(CFStringRef text, const Vector& vector) {
 }
 
 std::string CheckReplaceAll(const Vector& vector) {
-    const Owned<CFMutableStringRef> text = MutableText(vector, "string");
+    const OwnedReference<CFMutableStringRef> text = MutableText(vector, "string");
     CFStringReplaceAll(text.get(), Text(vector, "replacement").get());
     return CompareChanged(text.get(), vector);
 }
 
 std::string CheckReplaceAllOfNew(const Vector& vector) {
-    const Owned<CFMutableStringRef> text(
+    const OwnedReference<CFMutableStringRef> text(
         CFStringCreateMutable(kCFAllocatorDefault, vector.input.at("max_length")));
     if (CFStringGetLength(text.get()) != 0) {
         return "was not empty";
@@ -77,7 +78,7 @@ std::string CheckReplaceAllOfNew(const Vector& vector) {
 }
 
 std::string CheckReplaceAllByItself(const Vector& vector) {
-    const Owned<CFMutableStringRef> text = MutableText(vector, "string");
+    const OwnedReference<CFMutableStringRef> text = MutableText(vector, "string");
     CFStringReplaceAll(text.get(), text.get());
     return CompareChanged(text.get(), vector);
 }

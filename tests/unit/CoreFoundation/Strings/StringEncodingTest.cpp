@@ -5,21 +5,21 @@
 #include <set>
 #include <string>
 
+#include "VEKCommon/OwnedReference.h"
 #include "platform/CoreFoundation/Strings/EightBitTables.h"
-#include "tests/unit/CoreFoundation/Owned.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-Owned<CFStringRef> FromUnits(const std::vector<UniChar>& units) {
-    return Owned<CFStringRef>(CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(),
-                                                           static_cast<CFIndex>(units.size())));
+OwnedReference<CFStringRef> FromUnits(const std::vector<UniChar>& units) {
+    return OwnedReference<CFStringRef>(CFStringCreateWithCharacters(
+        kCFAllocatorDefault, units.data(), static_cast<CFIndex>(units.size())));
 }
 
-Owned<CFStringRef> FromUTF8(const char* text) {
-    return Owned<CFStringRef>(
+OwnedReference<CFStringRef> FromUTF8(const char* text) {
+    return OwnedReference<CFStringRef>(
         CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8));
 }
 
@@ -38,7 +38,7 @@ TEST(SystemEncoding, IsMacRoman) {
 TEST(MacRoman, GoesThereAndBackForEveryByte) {
     for (int byte = 1; byte < 256; ++byte) {
         const char bytes[] = {static_cast<char>(byte), '\0'};
-        const Owned<CFStringRef> text(
+        const OwnedReference<CFStringRef> text(
             CFStringCreateWithCString(kCFAllocatorDefault, bytes, kCFStringEncodingMacRoman));
         ASSERT_NE(text, nullptr) << byte;
         ASSERT_EQ(CFStringGetLength(text.get()), 1) << byte;
@@ -52,7 +52,7 @@ TEST(MacRoman, HasNoCharacterTwice) {
 }
 
 TEST(MacRoman, HasTheEuroTheIncrementAndTheLogo) {
-    const Owned<CFStringRef> text(
+    const OwnedReference<CFStringRef> text(
         CFStringCreateWithCString(kCFAllocatorDefault, "\xDB\xC6\xF0", kCFStringEncodingMacRoman));
     EXPECT_THAT(vectors::UnitsOf(text.get()), ElementsAre(0x20AC, 0x2206, 0xF8FF));
 }
@@ -75,14 +75,14 @@ TEST(MacRoman, AnswersFalseForWhatItLacks) {
 }
 
 TEST(GetCString, LeavesAnEmptyStringWhenItFails) {
-    const Owned<CFStringRef> text = FromUTF8("1234");
+    const OwnedReference<CFStringRef> text = FromUTF8("1234");
     char buffer[4] = {'x', 'x', 'x', 'x'};
     EXPECT_FALSE(CFStringGetCString(text.get(), buffer, sizeof buffer, kCFStringEncodingUTF8));
     EXPECT_EQ(buffer[0], '\0');
 }
 
 TEST(GetCString, CountsTheTerminator) {
-    const Owned<CFStringRef> text = FromUTF8("1234");
+    const OwnedReference<CFStringRef> text = FromUTF8("1234");
     char buffer[5];
     EXPECT_TRUE(CFStringGetCString(text.get(), buffer, sizeof buffer, kCFStringEncodingMacRoman));
     EXPECT_STREQ(buffer, "1234");
@@ -110,11 +110,11 @@ TEST(StringOfAnyUnits, KeepsUnpairedSurrogatesMarksAndNULs) {
         {0xD83C}, {0xDFAC, 0xD83C}, {0xFEFF}, {0xFEFF, 'x'}, {0xFFFE, 0xFFFF},
         {0},      {'a', 0, 'b'},    {}};
     for (const std::vector<UniChar>& units : texts) {
-        const Owned<CFStringRef> text = FromUnits(units);
+        const OwnedReference<CFStringRef> text = FromUnits(units);
         EXPECT_EQ(vectors::UnitsOf(text.get()), units);
-        const Owned<CFStringRef> copy(CFStringCreateCopy(kCFAllocatorDefault, text.get()));
+        const OwnedReference<CFStringRef> copy(CFStringCreateCopy(kCFAllocatorDefault, text.get()));
         EXPECT_EQ(vectors::UnitsOf(copy.get()), units);
-        const Owned<CFMutableStringRef> changed(
+        const OwnedReference<CFMutableStringRef> changed(
             CFStringCreateMutableCopy(kCFAllocatorDefault, 0, text.get()));
         EXPECT_TRUE(CFEqual(changed.get(), text.get()));
         EXPECT_EQ(CFHash(changed.get()), CFHash(text.get()));
@@ -127,7 +127,7 @@ TEST(StringOfAnyUnits, KeepsUnpairedSurrogatesMarksAndNULs) {
 TEST(HugeString, GoesThroughEveryConversion) {
     constexpr std::size_t kLength = 5000000;
     const std::string bytes(kLength, 'x');
-    const Owned<CFStringRef> text = FromUTF8(bytes.c_str());
+    const OwnedReference<CFStringRef> text = FromUTF8(bytes.c_str());
     EXPECT_EQ(CFStringGetLength(text.get()), static_cast<CFIndex>(kLength));
     std::string back(kLength + 1, '?');
     EXPECT_TRUE(CFStringGetCString(text.get(), back.data(), static_cast<CFIndex>(back.size()),
@@ -161,7 +161,7 @@ TEST(FileSystemRepresentation, AnswersFalseWhenItDoesNotFitOrIsNoText) {
 
 TEST(GetBytes, TellsTheSizeWithoutABuffer) {
     CFIndex used = 0;
-    const Owned<CFStringRef> text = FromUTF8("\u00e9\u65e5\U0001F3AC");
+    const OwnedReference<CFStringRef> text = FromUTF8("\u00e9\u65e5\U0001F3AC");
     EXPECT_EQ(CFStringGetBytes(text.get(), CFRangeMake(0, 4), kCFStringEncodingUTF8, 0, false,
                                nullptr, 0, &used),
               4);
@@ -182,11 +182,11 @@ TEST(CreateWithBytes, LeavesOutHalfAUnitOfUTF16) {
         {kCFStringEncodingUTF16BE, {0x6162}},
     };
     for (const auto& [encoding, units] : cases) {
-        const Owned<CFStringRef> text(
+        const OwnedReference<CFStringRef> text(
             CFStringCreateWithBytes(kCFAllocatorDefault, bytes, sizeof bytes, encoding, false));
         EXPECT_EQ(vectors::UnitsOf(text.get()), units);
     }
-    const Owned<CFStringRef> external(CFStringCreateWithBytes(
+    const OwnedReference<CFStringRef> external(CFStringCreateWithBytes(
         kCFAllocatorDefault, bytes, sizeof bytes, kCFStringEncodingUTF16, true));
     EXPECT_THAT(vectors::UnitsOf(external.get()), ElementsAre(0x6162));
 }
@@ -194,11 +194,11 @@ TEST(CreateWithBytes, LeavesOutHalfAUnitOfUTF16) {
 TEST(CreateWithBytes, LeavesOutTheMarkOfUTF8WhereverTheBytesComeFrom) {
     const UInt8 bytes[] = {0xEF, 0xBB, 0xBF, 'a', 0xEF, 0xBB, 0xBF};
     for (const bool external : {false, true}) {
-        const Owned<CFStringRef> text(CFStringCreateWithBytes(
+        const OwnedReference<CFStringRef> text(CFStringCreateWithBytes(
             kCFAllocatorDefault, bytes, sizeof bytes, kCFStringEncodingUTF8, external));
         EXPECT_THAT(vectors::UnitsOf(text.get()), ElementsAre('a', 0xFEFF));
-        const Owned<CFStringRef> mark(CFStringCreateWithBytes(kCFAllocatorDefault, bytes, 3,
-                                                              kCFStringEncodingUTF8, external));
+        const OwnedReference<CFStringRef> mark(CFStringCreateWithBytes(
+            kCFAllocatorDefault, bytes, 3, kCFStringEncodingUTF8, external));
         EXPECT_EQ(CFStringGetLength(mark.get()), 0);
     }
     EXPECT_EQ(CFStringGetLength(FromUTF8("\uFEFFab").get()), 2);
@@ -232,9 +232,9 @@ TEST(IntValue, SkipsBlanksBeforeAndAfterTheSign) {
 TEST(Format, ReadsCStringsInTheSystemEncoding) {
     for (int byte = 1; byte < 256; ++byte) {
         const char bytes[] = {static_cast<char>(byte), '\0'};
-        const Owned<CFStringRef> expected(
+        const OwnedReference<CFStringRef> expected(
             CFStringCreateWithCString(kCFAllocatorDefault, bytes, kCFStringEncodingMacRoman));
-        const Owned<CFStringRef> text(
+        const OwnedReference<CFStringRef> text(
             CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, CFSTR("%s"), bytes));
         EXPECT_TRUE(CFEqual(text.get(), expected.get())) << byte;
     }
@@ -244,33 +244,33 @@ TEST(Format, IgnoresTheWidthAndPrecisionOfObjects) {
     const CFStringRef formats[] = {CFSTR("[%10@]"),  CFSTR("[%-10@]"),    CFSTR("[%.1@]"),
                                    CFSTR("[%3.2@]"), CFSTR("[%1$10.1@]"), CFSTR("[%@]")};
     for (const CFStringRef format : formats) {
-        const Owned<CFStringRef> text(
+        const OwnedReference<CFStringRef> text(
             CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, format, CFSTR("abc")));
         EXPECT_EQ(vectors::Shown(text.get()), "\"[abc]\"") << vectors::Shown(format);
     }
-    const Owned<CFStringRef> swapped(CFStringCreateWithFormat(
+    const OwnedReference<CFStringRef> swapped(CFStringCreateWithFormat(
         kCFAllocatorDefault, nullptr, CFSTR("%2$5@ %1$5@"), CFSTR("a"), CFSTR("b")));
     EXPECT_EQ(vectors::Shown(swapped.get()), "\"b a\"");
 }
 
 TEST(Format, KeepsTheWidthOfEverythingElse) {
-    const Owned<CFStringRef> text(CFStringCreateWithFormat(
+    const OwnedReference<CFStringRef> text(CFStringCreateWithFormat(
         kCFAllocatorDefault, nullptr, CFSTR("%5d|%-4s|%*d|%%|%.1f"), 7, "ab", 3, 1, 2.25));
     EXPECT_EQ(vectors::Shown(text.get()), "\"    7|ab  |  1|%|2.2\"");
 }
 
 TEST(Format, WritesPointersInHexadecimal) {
     const auto* pointer = reinterpret_cast<const void*>(0xABC);
-    const Owned<CFStringRef> text(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr,
-                                                           CFSTR("%p %p %d"), pointer, nullptr, 5));
+    const OwnedReference<CFStringRef> text(CFStringCreateWithFormat(
+        kCFAllocatorDefault, nullptr, CFSTR("%p %p %d"), pointer, nullptr, 5));
     EXPECT_EQ(vectors::Shown(text.get()), "\"0xabc 0x0 5\"");
-    const Owned<CFStringRef> swapped(CFStringCreateWithFormat(
+    const OwnedReference<CFStringRef> swapped(CFStringCreateWithFormat(
         kCFAllocatorDefault, nullptr, CFSTR("%2$p %1$p"), pointer, nullptr));
     EXPECT_EQ(vectors::Shown(swapped.get()), "\"0x0 0xabc\"");
 }
 
 TEST(Format, TakesAWidthThatIsAnArgumentOffTheArguments) {
-    const Owned<CFStringRef> text(CFStringCreateWithFormat(
+    const OwnedReference<CFStringRef> text(CFStringCreateWithFormat(
         kCFAllocatorDefault, nullptr, CFSTR("%*@|%d|%4p"), 1, CFSTR("abc"), 5, nullptr));
     EXPECT_EQ(vectors::Shown(text.get()).substr(0, 7), "\"abc|5|");
 }
@@ -281,7 +281,7 @@ TEST(Format, WritesTheLetterOfAConversionThatDoesNotExist) {
         {CFSTR("a%5"), "\"a\""},   {CFSTR(""), "\"\""},
     };
     for (const auto& [format, expected] : cases) {
-        const Owned<CFStringRef> text(
+        const OwnedReference<CFStringRef> text(
             CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, format, 5));
         EXPECT_EQ(vectors::Shown(text.get()), expected);
     }

@@ -1,7 +1,7 @@
 // CFStringCreateWithFormat against measured cases.
 #include <cstdlib>
 
-#include "tests/unit/CoreFoundation/Owned.h"
+#include "VEKCommon/OwnedReference.h"
 #include "tests/unit/CoreFoundation/Vectors.h"
 
 namespace {
@@ -15,7 +15,7 @@ constexpr char kFile[] = "cfstring_compare_find.json";
 struct Argument {
     std::string type;
     json value;
-    Owned<CFTypeRef> object;
+    OwnedReference<CFTypeRef> object;
     std::vector<UInt8> bytes;
 };
 
@@ -77,12 +77,12 @@ CFStringRef Format(CFStringRef format, const std::vector<Argument>& arguments, P
 }
 
 std::string CheckFormat(const Vector& vector) {
-    const Owned<CFStringRef> format(vectors::NewText(vector.input.at("format")));
+    const OwnedReference<CFStringRef> format(vectors::NewText(vector.input.at("format")));
     std::vector<Argument> arguments;
     for (const json& entry : vector.input.at("args")) {
         arguments.push_back(ArgumentOf(entry));
     }
-    const Owned<CFStringRef> text(Format(format.get(), arguments));
+    const OwnedReference<CFStringRef> text(Format(format.get(), arguments));
     return vectors::CompareText(text.get(), vector.result.at("string"));
 }
 
