@@ -149,6 +149,7 @@ TEST_F(MIDIConnection, PrivateEntityWithoutDestinationIsNotUsed) {
     test_support::TestDriver driver;
     EXPECT_FALSE(DriverInspector::Connected(*driver)) << "the first entity of the name is the one";
     EXPECT_EQ(DriverInspector::SourceEndpoint(*driver), 0u);
+    EXPECT_EQ(DriverInspector::DestinationEndpoint(*driver), 0u);
 }
 
 TEST_F(MIDIConnection, PrivateEntityWithoutSourceIsNotUsed) {
