@@ -26,6 +26,7 @@ Grammar MakeGrammar() {
     Append(grammar.verbs, WatchVerbs());
     Append(grammar.verbs, DumpVerbs());
     Append(grammar.verbs, TreeVerbs());
+    Append(grammar.verbs, WhyVerbs());
     Append(grammar.verbs, KeyVerbs());
     Append(grammar.verbs, GrammarVerbs());
     Append(grammar.verbs, DesktopVerbs());

@@ -64,6 +64,7 @@ std::vector<Verb> RawVerbs();
 std::vector<Verb> WatchVerbs();
 std::vector<Verb> DumpVerbs();
 std::vector<Verb> TreeVerbs();
+std::vector<Verb> WhyVerbs();
 std::vector<Verb> GrammarVerbs();
 std::vector<Verb> KeyVerbs();
 

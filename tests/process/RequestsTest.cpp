@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "scenes/notation/Hex.h"
@@ -191,6 +192,33 @@ TEST_F(Requests, ASeriesOfPingsIsMeasured) {
     EXPECT_GT(shortest, 0);
     EXPECT_LE(shortest, median);
     EXPECT_LE(median, ninetyNinth);
+}
+
+// Identifiers of every kind that a search can end with.
+TEST_F(Requests, TheReasonForNoReplyIsFoundOutWithoutTheDriver) {
+    ASSERT_EQ(stage.Control({"desktop", "set", "/0/0/3", "AXRole", "AXSlider"}).status, 0);
+    for (const auto& [element, status, outcome] : {std::tuple{"59", 0, "found"},
+                                                   {"60", 0, "found"},
+                                                   {"61", 0, "found"},
+                                                   {"128", 12, "other-role"},
+                                                   {"9999", 13, "not-there"}}) {
+        const auto reply = stage.Control({"position", element});
+        const auto reason = stage.Control({"why", element, "--json"});
+        EXPECT_EQ(reason.status, status) << reason.standardOutput;
+        EXPECT_THAT(reason.standardOutput,
+                    testing::HasSubstr(std::string("\"outcome\":\"") + outcome + "\""));
+        const bool isFound = status == 0;
+        // The radio group is found, but has no position.
+        EXPECT_EQ(reply.status == 0, isFound && std::string(element) != "61") << element;
+    }
+    ASSERT_EQ(stage.Control({"desktop", "activate"}).status, 0);
+    EXPECT_EQ(stage.Control({"why", "59"}).status, 11);
+    ASSERT_EQ(stage.Control({"desktop", "activate", "com.apple.FinalCut"}).status, 0);
+    ASSERT_EQ(stage.Control({"desktop", "trust", "--revoke"}).status, 0);
+    EXPECT_EQ(stage.Control({"value", "59"}).status, 4);
+    const auto untrusted = stage.Control({"why", "59"});
+    EXPECT_EQ(untrusted.status, 11);
+    EXPECT_THAT(untrusted.standardOutput, testing::HasSubstr("not trusted"));
 }
 
 TEST_F(Requests, HungEditorGivesNoReplyWithinTheCallsTimeOutAndTheDriverServesOn) {
