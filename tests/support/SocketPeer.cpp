@@ -5,12 +5,16 @@
 
 namespace test_support {
 
-Bytes Framed(std::span<const std::uint8_t> payload) {
-    Bytes frame;
-    frame.reserve(4 + payload.size());
+Bytes FrameStart(std::uint32_t length) {
+    Bytes start;
     for (unsigned shift = 0; shift < 32; shift += 8) {
-        frame.push_back(static_cast<std::uint8_t>(payload.size() >> shift));
+        start.push_back(static_cast<std::uint8_t>(length >> shift));
     }
+    return start;
+}
+
+Bytes Framed(std::span<const std::uint8_t> payload) {
+    Bytes frame = FrameStart(static_cast<std::uint32_t>(payload.size()));
     frame.insert(frame.end(), payload.begin(), payload.end());
     return frame;
 }

@@ -18,7 +18,11 @@ namespace test_support {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// A whole frame: the length of its payload, then the payload.
+// How a frame begins: with the length of its payload in 4 bytes, the least significant one first.
+// Not by the product's own function: the tests hold both sides to these bytes.
+Bytes FrameStart(std::uint32_t length);
+
+// A whole frame: its start, then the payload.
 Bytes Framed(std::span<const std::uint8_t> payload);
 
 // The frame of a message between ports.

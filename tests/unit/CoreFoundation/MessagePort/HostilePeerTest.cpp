@@ -78,9 +78,9 @@ TEST_F(HostilePeerTest, LengthAboveTheBoundEndsTheConnection) {
     constexpr auto kLargest =
         static_cast<std::uint32_t>(message_port::kHeaderSize + message_port::kLargestData);
     RawPeer within("port");
-    within.Send(LittleEndian(kLargest));
+    within.SendSome(test_support::FrameStart(kLargest));
     RawPeer above("port");
-    above.Send(LittleEndian(kLargest + 1));
+    above.SendSome(test_support::FrameStart(kLargest + 1));
     RunPasses();
     EXPECT_FALSE(within.IsDisconnected());
     EXPECT_TRUE(above.IsDisconnected());

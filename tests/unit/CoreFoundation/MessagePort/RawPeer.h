@@ -23,15 +23,6 @@ inline test_support::Bytes BytesOf(const std::string& text) {
     return {text.begin(), text.end()};
 }
 
-// The length that a frame begins with.
-inline std::string LittleEndian(std::uint32_t value) {
-    std::string bytes;
-    for (int i = 0; i < 4; ++i) {
-        bytes += static_cast<char>(value >> (8 * i));
-    }
-    return bytes;
-}
-
 inline std::string Frame(const std::string& payload) {
     return TextOf(test_support::Framed(BytesOf(payload)));
 }
