@@ -138,8 +138,8 @@ Reply Desktop::CopyAttributes(const Request& request) {
     {
         Application& application = *model_.ApplicationWithPid(request.element.pid);
         Element& element = *model_.Find(request.element);
-        const ReadRule* rule = FindRule(&Misbehaviour::reads, element, application, "multiple");
-        if (rule != nullptr && rule->name == "multiple" && rule->answer) {
+        const ReadRule* rule = FindRule(&Misbehaviour::reads, element, application, kMultiple);
+        if (rule != nullptr && rule->answer) {
             reply.error = rule->answer->error;
             if (const auto* array =
                     std::get_if<desktop_link::Array>(&rule->answer->value.content)) {

@@ -47,11 +47,19 @@ struct Misbehaviour {
     friend bool operator==(const Misbehaviour&, const Misbehaviour&) = default;
 };
 
+// The name of rules for the reading of several attributes in one call.
+inline constexpr std::string_view kMultiple = "multiple";
+
+// "*" is for any attribute or action; the reading of several attributes is neither.
+inline bool IsFor(const Rule& rule, std::string_view name) {
+    return rule.name == name || (rule.name == "*" && name != kMultiple);
+}
+
 // The rule that applies to this occasion, which is counted; null when none does.
 template <typename RuleType>
 RuleType* ApplyRule(std::vector<RuleType>& rules, std::string_view name) {
     for (RuleType& rule : rules) {
-        if ((rule.name != name && rule.name != "*") || rule.times == 0) {
+        if (!IsFor(rule, name) || rule.times == 0) {
             continue;
         }
         if (rule.skip != 0) {

@@ -87,6 +87,19 @@ TEST(Misbehaviour, CallForSeveralAttributesCanFailAsAWhole) {
     EXPECT_EQ(client.Read("/0/0", "AXRole"), Text("AXCheckBox"));
 }
 
+TEST(Misbehaviour, WildcardIsForEachOfSeveralAttributesAndNotForTheCall) {
+    Desktop once(SceneWithMisbehaviour({{"read", {{"*", {{"error", -25204}, {"times", 1}}}}}}));
+    const Client asked{once};
+    EXPECT_EQ(asked.Ask(Operation::copyAttributes, asked.At("/0/0"), {"AXRole"})->values,
+              (std::vector<Value>{Failing(-25204)}));
+
+    Desktop both(SceneWithMisbehaviour(
+        {{"read", {{"*", {{"error", -25204}}}, {"multiple", {{"error", -25202}}}}}}));
+    const Client client{both};
+    EXPECT_EQ(client.Ask(Operation::copyAttributes, client.At("/0/0"), {"AXRole"})->error, -25202);
+    EXPECT_EQ(client.Read("/0/0", "AXRole"), Failing(-25204));
+}
+
 TEST(Misbehaviour, CallForSeveralAttributesCanAnswerTooFew) {
     Desktop desktop(
         SceneWithMisbehaviour({{"read", {{"multiple", {{"answer", {{"array", {"AXButton"}}}}}}}}}));
