@@ -5,9 +5,9 @@
 namespace {
 
 template <typename Reference>
-OwnedReference<Reference> CopyScratch(FakeEditor& editor, Value value) {
+OwnedReference<Reference> CopyScratch(EditorTree& editor, Value value) {
     editor.Set(editor.Application(), "Scratch", std::move(value));
-    OwnedReference<AXUIElementRef> application(AXUIElementCreateApplication(FakeEditor::kProcess));
+    OwnedReference<AXUIElementRef> application(AXUIElementCreateApplication(EditorTree::kProcess));
     CFTypeRef object = nullptr;
     AXUIElementCopyAttributeValue(application.get(), CFSTR("Scratch"), &object);
     return OwnedReference<Reference>(static_cast<Reference>(object));

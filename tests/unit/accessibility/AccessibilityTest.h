@@ -1,4 +1,4 @@
-// What the tests of this folder share: a fake editor in front, and elements of it as objects.
+// What the tests of this folder share: an editor in front, and elements of it as objects.
 #pragma once
 
 #include <ApplicationServices/ApplicationServices.h>
@@ -12,16 +12,16 @@
 #include <vector>
 
 #include "VEKCommon/OwnedReference.h"
+#include "platform/DesktopLink/Transport.h"
 #include "platform/Testing/LiveObjects.h"
 #include "tests/support/FrontApplicationState.h"
-#include "tests/unit/accessibility/FakeEditor.h"
+#include "tests/unit/accessibility/EditorTree.h"
 
 class AccessibilityTest : public ::testing::Test {
   protected:
-    AccessibilityTest() : editor_(FakeEditor::Install()) {
-        test_support::SetFrontApplication({"com.apple.FinalCut", "10.4.6", FakeEditor::kProcess});
+    AccessibilityTest() {
+        test_support::SetFrontApplication({"com.apple.FinalCut", "10.4.6", EditorTree::kProcess});
     }
-    ~AccessibilityTest() override { desktop_link::SetTransport(nullptr); }
 
     // The element as the Accessibility API hands it out.
     OwnedReference<AXUIElementRef> Object(ElementReference element);
@@ -37,7 +37,8 @@ class AccessibilityTest : public ::testing::Test {
     void DrainPool() { pool_.emplace(); }
 
     std::optional<platform_testing::AutoreleasePool> pool_{std::in_place};
-    FakeEditor& editor_;
+    test_support::ScriptedDesktop desktop_{EditorTree::Scene()};
+    EditorTree editor_{desktop_};
 };
 
 // AXTitle of the element; "(none)" for null.

@@ -33,10 +33,10 @@ TEST_F(ClipObservation, IsOffWhileAnotherApplicationIsInFront) {
     for (const char* other : {"com.apple.Finder", "com.apple.FinalCutTrial", "com.apple.finalcut",
                               "com.apple.FinalCu", ""}) {
         driver_->ObserveFCPXClipSelectionChange();
-        test_support::SetFrontApplication({other, "10.4.6", FakeEditor::kProcess});
+        test_support::SetFrontApplication({other, "10.4.6", EditorTree::kProcess});
         driver_->ObserveFCPXClipSelectionChange();
         EXPECT_FALSE(DriverInspector::ObserveClipSelection(*driver_)) << other;
-        test_support::SetFrontApplication({"com.apple.FinalCut", "10.4.6", FakeEditor::kProcess});
+        test_support::SetFrontApplication({"com.apple.FinalCut", "10.4.6", EditorTree::kProcess});
     }
 }
 

@@ -1,4 +1,4 @@
-// What the tests of the driver's own operations share: a driver with the fake editor in front and a
+// What the tests of the driver's own operations share: a driver with the editor in front and a
 // companion that listens.
 #pragma once
 

@@ -63,7 +63,7 @@ TEST_F(ElementOperations, StringValueIsThatOfAnyKindOfControl) {
 }
 
 TEST_F(ElementOperations, SettingATextAlwaysAnswersFalseThoughItSets) {
-    Show("AXTextField");
+    editor_.Set(Show("AXTextField"), "AXValue", Text("before"));
     EXPECT_FALSE(driver_->SetIntValueAsStringOfElementWithID(CFSTR("_NS:1"), 12));
     EXPECT_FALSE(driver_->SetIntValueAsStringOfElementWithID(CFSTR("_NS:1"),
                                                              std::numeric_limits<int>::min()));
@@ -195,11 +195,11 @@ TEST_F(ElementOperations, ARefusedPressIsAFailure) {
 
 TEST_F(ElementOperations, AnApplicationThatHangsAtThePressIsAFailure) {
     Show("AXButton");
-    editor_.BeforeEach([&](const Request& request) {
+    desktop_.onRequest = [&](const Request& request) {
         if (request.operation == desktop_link::Operation::performAction) {
-            editor_.StopAnswering(false);
+            editor_.Hang();
         }
-    });
+    };
     EXPECT_FALSE(driver_->PressButtonWithID(CFSTR("_NS:1")));
 }
 
@@ -272,14 +272,15 @@ TEST_F(ElementOperations, NoneLogsAnything) {
 }
 
 TEST_F(ElementOperations, AnApplicationThatDiesInTheMiddleFailsEachOfThem) {
-    Show("AXRadioGroup", "_NS:1", {Radio(Number(1))});
     for (int survived = 0; survived < 4; ++survived) {
+        editor_.StartAnew();
+        Show("AXRadioGroup", "_NS:1", {Radio(Number(1))});
         int left = survived;
-        editor_.BeforeEach([&](const Request&) {
+        desktop_.onRequest = [&](const Request&) {
             if (left-- == 0) {
-                editor_.StopAnswering(true);
+                editor_.Die();
             }
-        });
+        };
         EXPECT_FALSE(driver_->GetValueOfAXRadioGroupWithID(CFSTR("_NS:1"), value_)) << survived;
         EXPECT_FALSE(driver_->PressButtonWithID(CFSTR("_NS:1")));
         EXPECT_FALSE(driver_->GetPositionOfElementWithID(CFSTR("_NS:1"), point_));

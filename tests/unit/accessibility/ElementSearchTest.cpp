@@ -50,7 +50,7 @@ TEST_F(ElementSearch, MissingPermissionYieldsNothing) {
 
 TEST_F(ElementSearch, WithoutAFrontBundleIdentifierNothingIsAsked) {
     editor_.ShowWindow({Control("here")});
-    test_support::SetFrontApplication({nullptr, nullptr, FakeEditor::kProcess});
+    test_support::SetFrontApplication({nullptr, nullptr, EditorTree::kProcess});
     EXPECT_EQ(
         ExchangesOf([&] {
             EXPECT_EQ(utils_.CopyElement(CFSTR("_NS:1"), CFSTR("AXButton"), false, ""), nullptr);
@@ -70,7 +70,7 @@ TEST_F(ElementSearch, ProcessIdentifierMinusOneIsNoApplication) {
 
 TEST_F(ElementSearch, AnyApplicationInFrontIsSearched) {
     editor_.ShowWindow({Control("here")});
-    test_support::SetFrontApplication({"com.apple.Finder", nullptr, FakeEditor::kProcess});
+    test_support::SetFrontApplication({"com.apple.Finder", nullptr, EditorTree::kProcess});
     EXPECT_EQ(Find("_NS:1"), "here");
 }
 
@@ -100,6 +100,7 @@ TEST_F(ElementSearch, TheWalkIsDepthFirstAndPreOrder) {
     auto b = Group({b1});
     auto c = editor_.Add("AXButton");
     auto window = editor_.ShowWindow({a, b, c});
+    desktop_.Restart();
     EXPECT_EQ(Find("_NS:1"), "(none)");
     EXPECT_THAT(editor_.Reads(),
                 testing::ElementsAre(editor_.Application(), window, a, a1, a2, b, b1, c));
@@ -343,11 +344,11 @@ TEST_F(ElementSearch, ChildByIndexOfAnElementThatIsNotThereIsAbsent) {
 TEST_F(ElementSearch, AnApplicationThatHangsInTheMiddleEndsInNothing) {
     editor_.ShowWindow({Group({editor_.Add("AXButton"), Control("never reached")})});
     int exchanges = 0;
-    editor_.BeforeEach([&](const Request&) {
+    desktop_.onRequest = [&](const Request&) {
         if (++exchanges == 4) {
-            editor_.StopAnswering(false);
+            editor_.Hang();
         }
-    });
+    };
     EXPECT_EQ(utils_.CopyElement(CFSTR("_NS:1"), CFSTR("AXButton"), false, ""), nullptr);
     EXPECT_EQ(exchanges, 5);
 }
@@ -355,22 +356,22 @@ TEST_F(ElementSearch, AnApplicationThatHangsInTheMiddleEndsInNothing) {
 TEST_F(ElementSearch, AnApplicationThatDiesInTheMiddleEndsInNothing) {
     editor_.ShowWindow({Group({editor_.Add("AXButton"), Control("never reached")})});
     int exchanges = 0;
-    editor_.BeforeEach([&](const Request&) {
+    desktop_.onRequest = [&](const Request&) {
         if (++exchanges == 4) {
-            editor_.StopAnswering(true);
+            editor_.Die();
         }
-    });
+    };
     EXPECT_EQ(utils_.CopyElement(CFSTR("_NS:1"), CFSTR("AXButton"), false, ""), nullptr);
 }
 
 TEST_F(ElementSearch, ATreeThatChangesInTheMiddleIsWalkedAsItWasRead) {
     auto group = Group({Control("removed meanwhile")});
     editor_.ShowWindow({group, Control("after")});
-    editor_.BeforeEach([&](const Request& request) {
+    desktop_.onRequest = [&](const Request& request) {
         if (request.element == group) {
             editor_.Set(group, "AXChildren", List({}));
         }
-    });
+    };
     EXPECT_EQ(Find("_NS:1"), "after");
 }
 
@@ -378,22 +379,22 @@ TEST_F(ElementSearch, AnElementThatIsDestroyedAfterItWasListedIsSkipped) {
     auto doomed = Control("doomed");
     auto group = Group({doomed, Control("survivor")});
     editor_.ShowWindow({group});
-    editor_.BeforeEach([&](const Request& request) {
+    desktop_.onRequest = [&](const Request& request) {
         if (request.element == doomed) {
             editor_.Fail(doomed, kAXErrorInvalidUIElement);
         }
-    });
+    };
     EXPECT_EQ(Find("_NS:1"), "survivor");
 }
 
 TEST_F(ElementSearch, TheFrontApplicationMayChangeInTheMiddle) {
     auto group = Group({Control("here")});
     editor_.ShowWindow({group});
-    editor_.BeforeEach([&](const Request& request) {
+    desktop_.onRequest = [&](const Request& request) {
         if (request.element == group) {
             test_support::SetFrontApplication({nullptr, nullptr, -1});
         }
-    });
+    };
     EXPECT_EQ(Find("_NS:1"), "here");
 }
 
@@ -412,32 +413,39 @@ TEST_F(ElementSearch, FindsAnElementNestedAMillionDeep) {
     // Element kTop + n is the only child of the one before it.
     constexpr std::uint64_t kTop = 1'000'000'000;
     constexpr std::uint64_t kBottom = kTop + static_cast<std::uint64_t>(Scaled(1'000'000));
-    editor_.Generate(
-        [](ElementReference element, const std::string& attribute) -> std::optional<Value> {
-            if (element.id < kTop) {
-                return std::nullopt;
-            }
-            if (attribute == "AXRole") {
-                return Text(element.id == kBottom ? "AXButton" : "AXGroup");
-            }
-            if (attribute == "AXChildren" && element.id != kBottom) {
-                return Elements({ElementReference{FakeEditor::kProcess, element.id + 1}});
-            }
-            return Text(attribute == "AXIdentifier" && element.id == kBottom ? "_NS:1" : attribute);
-        });
-    editor_.ShowWindow({ElementReference{FakeEditor::kProcess, kTop}});
+    const ElementReference window = editor_.ShowWindow({});
+    const auto read = [&](ElementReference element, const std::string& attribute) {
+        if (element == window) {
+            return Elements({ElementReference{EditorTree::kProcess, kTop}});
+        }
+        if (attribute == "AXRole") {
+            return Text(element.id == kBottom ? "AXButton" : "AXGroup");
+        }
+        if (attribute == "AXChildren" && element.id != kBottom) {
+            return Elements({ElementReference{EditorTree::kProcess, element.id + 1}});
+        }
+        return Text(attribute == "AXIdentifier" && element.id == kBottom ? "_NS:1" : attribute);
+    };
+    desktop_.replyInstead = [&](const Request& request) {
+        if (request.element == editor_.Application()) {
+            return desktop_->Handle(0, request);
+        }
+        desktop_link::Reply reply;
+        for (const std::string& attribute : request.names) {
+            reply.values.push_back(read(request.element, attribute));
+        }
+        return std::optional(std::move(reply));
+    };
     EXPECT_EQ(Find("_NS:1"), "AXTitle");
 }
 
 TEST_F(ElementSearch, FindsTheLastOfAHundredThousandElements) {
     std::vector<ElementReference> groups;
     const int groupCount = Scaled(1'000);
+    const nlohmann::json button = {{"AXRole", "AXButton"}, {"AXIdentifier", "_NS:99"}};
     for (int group = 0; group < groupCount; ++group) {
-        std::vector<ElementReference> buttons;
-        for (int button = 0; button < 99; ++button) {
-            buttons.push_back(editor_.Add("AXButton", "_NS:99"));
-        }
-        groups.push_back(Group(buttons));
+        groups.push_back(editor_.AddTree(
+            {{"AXRole", "AXGroup"}, {"AXChildren", std::vector<nlohmann::json>(99, button)}}));
     }
     groups.push_back(Control("the last"));
     editor_.ShowWindow(groups);
@@ -476,11 +484,11 @@ TEST_F(ElementSearch, AControlThatAppearsBetweenTwoVisitsOfItsGroupIsFound) {
     auto between = editor_.Add("AXButton");
     auto control = Control("appeared");
     editor_.ShowWindow({group, between, group});
-    editor_.BeforeEach([&](const Request& request) {
+    desktop_.onRequest = [&](const Request& request) {
         if (request.element == between) {
             editor_.Set(group, "AXChildren", Elements({control}));
         }
-    });
+    };
     EXPECT_EQ(Find("_NS:1"), "appeared");
 }
 

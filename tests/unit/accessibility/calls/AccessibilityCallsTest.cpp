@@ -15,7 +15,10 @@ class AccessibilityCalls : public AccessibilityTest {
         return result.Failure().kind;
     }
 
-    ElementReference element_ = editor_.Add("AXButton", "_NS:1");
+    ElementReference element_ = editor_.AddTree({{"AXRole", "AXButton"},
+                                                 {"AXIdentifier", "_NS:1"},
+                                                 {"AXValue", false},
+                                                 {"settable", nlohmann::json::array({"AXValue"})}});
     OwnedReference<AXUIElementRef> object_ = Object(element_);
 };
 
