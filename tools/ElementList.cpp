@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <utility>
 
 #include "scenes/notation/ValueWriting.h"
 #include "tools/AttributeValue.h"
@@ -26,7 +26,39 @@ std::optional<Json> ValueOf(const TreeElement& element) {
     return answer ? ListedValue(*answer) : std::nullopt;
 }
 
+constexpr std::size_t kMostSteps = 100;  // of an address that is whole
+constexpr std::size_t kStepsAtEachEnd = 10;
+constexpr char kLeftOut[] = "/...";
+
+std::string Steps(const std::vector<std::size_t>& positions) {
+    std::string steps;
+    for (const std::size_t position : positions) {
+        steps += fmt::format("/{}", position);
+    }
+    return steps;
+}
+
+// The positions of so many elements, of which the last is the given one and each lies in the one
+// before.
+std::vector<std::size_t> PositionsAbove(const ElementList& list, std::size_t place,
+                                        std::size_t count) {
+    std::vector<std::size_t> positions(count);
+    for (std::size_t i = count; i-- > 0; place = list[place].parent) {
+        positions[i] = list[place].position;
+    }
+    return positions;
+}
+
 }  // namespace
+
+void AddElement(ElementList& list, ListedElement element) {
+    if (!list.empty()) {
+        const ListedElement& parent = list[element.parent];
+        element.depth = parent.depth + 1;
+        element.head = element.depth <= kStepsAtEachEnd ? list.size() : parent.head;
+    }
+    list.push_back(std::move(element));
+}
 
 ElementList ListElements(const AccessibilityTree& tree) {
     ElementList list;
@@ -41,9 +73,8 @@ ElementList ListElements(const AccessibilityTree& tree) {
         listed.value = ValueOf(element);
         listed.parent = element.parent;
         listed.position = element.position;
-        listed.depth = list.empty() ? 0 : list[element.parent].depth + 1;
         listed.alsoIn = element.alsoIn;
-        list.push_back(std::move(listed));
+        AddElement(list, std::move(listed));
     }
     return list;
 }
@@ -64,26 +95,22 @@ std::optional<std::string> ValueText(const ListedElement& element) {
 }
 
 std::string AddressText(const std::vector<std::size_t>& positions) {
-    constexpr std::size_t kMostSteps = 100;
-    constexpr std::size_t kShownAtEachEnd = 10;
-    std::string address = positions.empty() ? "/" : "";
-    for (std::size_t i = 0; i < positions.size(); ++i) {
-        if (positions.size() > kMostSteps && i == kShownAtEachEnd) {
-            i = positions.size() - kShownAtEachEnd;
-            address += "/...";
-        }
-        address += fmt::format("/{}", positions[i]);
+    if (positions.size() <= kMostSteps) {
+        return positions.empty() ? "/" : Steps(positions);
     }
-    return address;
+    const auto first = positions.begin();
+    const auto last = positions.end();
+    return Steps({first, first + kStepsAtEachEnd}) + kLeftOut +
+           Steps({last - kStepsAtEachEnd, last});
 }
 
 std::string AddressOf(const ElementList& list, std::size_t place) {
-    std::vector<std::size_t> positions;
-    for (; place != 0; place = list[place].parent) {
-        positions.push_back(list[place].position);
+    const std::size_t depth = list[place].depth;
+    if (depth <= kMostSteps) {
+        return AddressText(PositionsAbove(list, place, depth));
     }
-    std::reverse(positions.begin(), positions.end());
-    return AddressText(positions);
+    return Steps(PositionsAbove(list, list[place].head, kStepsAtEachEnd)) + kLeftOut +
+           Steps(PositionsAbove(list, place, kStepsAtEachEnd));
 }
 
 }  // namespace krt9ctl

@@ -21,6 +21,8 @@ struct ListedElement {
     std::size_t parent = 0;           // index in the list; the application's own for itself
     std::size_t position = 0;         // among its parent's children
     std::size_t depth = 0;            // 0 for the application, 1 for a window
+    std::size_t head = 0;             // for AddressOf: the element above it, or itself, where the
+                                      // beginning of a long address ends
     std::vector<std::size_t> alsoIn;  // other elements that list it among their children
 };
 
@@ -30,13 +32,17 @@ using ElementList = std::vector<ListedElement>;
 
 ElementList ListElements(const AccessibilityTree& tree);
 
+// Adds the element, whose parent and position are set, after all others.
+void AddElement(ElementList& list, ListedElement element);
+
 // The value that a scene's answer holds; nothing for an error in its place.
 std::optional<Json> ListedValue(const scene_notation::Answer& answer);
 
 // The value as a text: a text as it is, anything else as a scene writes it. Nothing for no value.
 std::optional<std::string> ValueText(const ListedElement& element);
 
-// The element's address in a scene, "/0/3/1"; the middle of a very long one is left out.
+// The element's address in a scene, "/0/3/1"; the middle of a very long one is left out, and not
+// looked at, so that trees of any depth can be listed.
 std::string AddressOf(const ElementList& list, std::size_t place);
 
 // The address made of positions, from the window down.

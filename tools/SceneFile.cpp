@@ -140,8 +140,7 @@ ElementList ElementsOf(const SceneJson& application, const std::string& applicat
         ListedElement listed = Listed(element, place);
         listed.parent = level.parent;
         listed.position = position;
-        listed.depth = list[level.parent].depth + 1;
-        list.push_back(std::move(listed));
+        AddElement(list, std::move(listed));
         openAll(Field(element, "AXChildren"), list.size() - 1, Place(place, "AXChildren"));
     }
     return list;

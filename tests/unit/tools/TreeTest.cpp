@@ -195,6 +195,25 @@ TEST(Tree, OfAnyDepthHasLinesOfBoundedLength) {
                 HasSubstr("+ /0/0/0/0/0/0/0/0/0/0/.../0/0/0/0/0/0/0/0/0/0 AXButton"));
 }
 
+TEST(Tree, HasAddressesThatAreWholeUpToAHundredSteps) {
+    std::string deep;
+    for (int i = 0; i < 99; ++i) {
+        deep += R"({"AXRole": "AXImage"}, {"AXRole": "AXGroup", "AXTitle": ")" +
+                std::to_string(i + 2) + R"(", "AXChildren": [)";
+    }
+    for (int i = 0; i < 99; ++i) {
+        deep += i == 0 ? R"({"AXRole": "AXButton", "AXTitle": "101"}]})" : "]}";
+    }
+    std::string whole = "/0";
+    for (int i = 0; i < 99; ++i) {
+        whole += "/1";
+    }
+    const std::string scene = SceneWith(deep);
+    EXPECT_EQ(OnBoth(scene, {"find", "100"}).out, "  " + whole + " AXGroup \"100\"\n");
+    EXPECT_EQ(OnBoth(scene, {"find", "101"}).out,
+              "  /0/1/1/1/1/1/1/1/1/1/.../1/1/1/1/1/1/1/1/1/0 AXButton \"101\"\n");
+}
+
 TEST(Tree, ThatListsItselfIsShownOnce) {
     const ScriptedDesktop session(SceneWith(
         R"({"AXRole": "AXGroup", "AXChildren": {"array": [{"element": "/0"}, {"element": "/0/0"},
