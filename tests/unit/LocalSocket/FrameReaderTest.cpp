@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/LocalSocket/Socket.h"
+#include "tests/unit/LocalSocket/SocketPair.h"
 
 namespace local_socket {
 namespace {
@@ -23,15 +24,8 @@ std::string Frame(const std::string& payload) {
     return frame + payload;
 }
 
-class FrameReaderTest : public testing::Test {
+class FrameReaderTest : public SocketPair {
   protected:
-    void SetUp() override {
-        int pair[2];
-        ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, pair), 0);
-        near_ = Descriptor(pair[0]);
-        far_ = Descriptor(pair[1]);
-    }
-
     void Arrive(const std::string& bytes) {
         ASSERT_EQ(write(far_.get(), bytes.data(), bytes.size()),
                   static_cast<ssize_t>(bytes.size()));
@@ -44,8 +38,6 @@ class FrameReaderTest : public testing::Test {
         return payload ? std::optional(Text(*payload)) : std::nullopt;
     }
 
-    Descriptor near_;
-    Descriptor far_;
     FrameReader reader_{100'000};
 };
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/LocalSocket/Socket.h"
+#include "tests/unit/LocalSocket/SocketPair.h"
 
 namespace local_socket {
 namespace {
@@ -15,15 +16,8 @@ std::span<const std::uint8_t> Bytes(const std::string& text) {
     return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
-class FrameWriterTest : public testing::Test {
+class FrameWriterTest : public SocketPair {
   protected:
-    void SetUp() override {
-        int pair[2];
-        ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, pair), 0);
-        near_ = Descriptor(pair[0]);
-        far_ = Descriptor(pair[1]);
-    }
-
     std::optional<std::string> Received() {
         FrameReader::Status status = FrameReader::Status::open;
         while (!reader_.HasFrame()) {
@@ -37,8 +31,6 @@ class FrameWriterTest : public testing::Test {
         return std::string(payload->begin(), payload->end());
     }
 
-    Descriptor near_;
-    Descriptor far_;
     FrameWriter writer_;
     FrameReader reader_{std::size_t{64} << 20};
 };

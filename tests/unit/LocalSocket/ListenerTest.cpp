@@ -80,6 +80,24 @@ class ListenerTest : public testing::Test {
         return taken;
     }
 
+    // A process of another user that has a socket and the address of `path`.
+    static pid_t StartAsAnotherUser(
+        const std::string& path,
+        const std::function<void(int socket, const sockaddr_un& address)>& work) {
+        const pid_t child = fork();
+        if (child != 0) {
+            return child;
+        }
+        if (setgid(kNobody) != 0 || setuid(kNobody) != 0) {
+            _exit(3);
+        }
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        work(::socket(AF_UNIX, SOCK_STREAM, 0), address);
+        _exit(4);
+    }
+
     // A process that serves the name and then waits to be killed.
     static pid_t StartServer(std::string_view name) {
         int ready[2];
@@ -380,22 +398,14 @@ TEST_F(ListenerTest, ClientOfAnotherUserIsClosedAtOnce) {
     const std::string path = (session_.Path() / "port").string();
     int connected[2];
     ASSERT_EQ(pipe(connected), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        if (setgid(kNobody) != 0 || setuid(kNobody) != 0) {
-            _exit(3);
-        }
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        path.copy(address.sun_path, sizeof address.sun_path - 1);
-        const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
-        if (connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    const pid_t child = StartAsAnotherUser(path, [&](int socket, const sockaddr_un& address) {
+        if (connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
             _exit(2);
         }
         (void)!write(connected[1], "c", 1);
         char unused = 0;
         _exit(read(socket, &unused, 1) == 0 ? 0 : 1);
-    }
+    });
     char unused = 0;
     close(connected[1]);
     ASSERT_EQ(read(connected[0], &unused, 1), 1) << "the other user could not connect";
@@ -413,21 +423,13 @@ TEST_F(ListenerTest, ListenerOfAnotherUserIsNotTrusted) {
     const std::string path = (session_.Path() / "port").string();
     int ready[2];
     ASSERT_EQ(pipe(ready), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        if (setgid(kNobody) != 0 || setuid(kNobody) != 0) {
-            _exit(3);
-        }
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        path.copy(address.sun_path, sizeof address.sun_path - 1);
-        const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    const pid_t child = StartAsAnotherUser(path, [&](int socket, const sockaddr_un& address) {
         const bool serves =
-            bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+            bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
             listen(socket, 8) == 0;
         (void)!write(ready[1], serves ? "y" : "n", 1);
         pause();
-    }
+    });
     char answer = 0;
     ASSERT_EQ(read(ready[0], &answer, 1), 1);
     EXPECT_EQ(answer, 'y') << "the other user could not serve the name";

@@ -1,8 +1,6 @@
 // Clients that do not keep to the rules. They speak over bare sockets.
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <filesystem>
 #include <iterator>
@@ -11,6 +9,7 @@
 #include "platform/CoreFoundation/MessagePort/MessageFrame.h"
 #include "platform/LocalSocket/Socket.h"
 #include "tests/support/SessionFixture.h"
+#include "tests/support/WithoutDescriptors.h"
 #include "tests/unit/CoreFoundation/MessagePort/Ports.h"
 #include "tests/unit/CoreFoundation/MessagePort/RawPeer.h"
 
@@ -279,20 +278,14 @@ TEST_F(HostilePeerTest, ClientsAreTurnedAwayWhileNoDescriptorIsLeft) {
     ExpectOthersAreServed();
     RawPeer first("port");
     RawPeer second("port");
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit few{100, before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &few);
-    std::vector<local_socket::Descriptor> others;
-    while (local_socket::Descriptor other{open("/dev/null", O_RDONLY)}) {
-        others.push_back(std::move(other));
+    {
+        const test_support::WithoutDescriptors none;
+        RunPasses();
+        EXPECT_TRUE(first.IsDisconnected());
+        EXPECT_TRUE(second.IsDisconnected())
+            << "whoever is left waiting keeps the loop awake for ever";
+        ExpectOthersAreServed();
     }
-    RunPasses();
-    EXPECT_TRUE(first.IsDisconnected());
-    EXPECT_TRUE(second.IsDisconnected()) << "whoever is left waiting keeps the loop awake for ever";
-    ExpectOthersAreServed();
-    others.clear();
-    setrlimit(RLIMIT_NOFILE, &before);
     RawPeer later("port");
     later.Send(Request(1, "later"));
     RunPasses();

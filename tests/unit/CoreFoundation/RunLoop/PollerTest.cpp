@@ -1,7 +1,5 @@
 // Waiting for descriptors, by the system's clock and by the test clock.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -14,6 +12,7 @@
 #include "platform/CoreFoundation/RunLoop/RunLoopPoller.h"
 #include "platform/LocalSocket/Socket.h"
 #include "platform/Testing/TestClock.h"
+#include "tests/support/WithoutDescriptors.h"
 #include "tests/unit/CoreFoundation/RunLoop/Scene.h"
 
 namespace run_loop_test {
@@ -113,19 +112,12 @@ TEST_F(WaitUntilWritable, IsNotCutShortBySignals) {
 // A mode that is made while the process is out of descriptors cannot watch any.
 TEST(Poller, TimersFireInAModeThatWasMadeWithoutADescriptor) {
     Scene scene(Scene::Clock::real);
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit few{100, before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &few);
-    std::vector<local_socket::Descriptor> others;
-    while (local_socket::Descriptor other{open("/dev/null", O_RDONLY)}) {
-        others.push_back(std::move(other));
-    }
     std::vector<double> times;
-    scene.AddTimer(
-        0.01, 0, [&] { times.push_back(scene.Time()); }, scene.Custom());
-    others.clear();
-    setrlimit(RLIMIT_NOFILE, &before);
+    {
+        const test_support::WithoutDescriptors none;
+        scene.AddTimer(
+            0.01, 0, [&] { times.push_back(scene.Time()); }, scene.Custom());
+    }
     EXPECT_EQ(scene.Run(10, false, scene.Custom()), kCFRunLoopRunFinished);
     ASSERT_EQ(times.size(), 1U);
     EXPECT_GE(times[0], 0.01);
