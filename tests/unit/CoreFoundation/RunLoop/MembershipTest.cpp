@@ -81,6 +81,19 @@ TEST_F(Membership, InvalidSourceIsNotAdded) {
     EXPECT_THAT(reports_, IsEmpty());
 }
 
+TEST_F(Membership, OfCommonModesEndsForATimerAndAnObserverThatAreInvalidated) {
+    const auto timer = scene_.MakeTimer(1, 1, [] {});
+    const auto observer = scene_.MakeObserver(kCFRunLoopEntry, [](CFRunLoopActivity) {});
+    CFRunLoopAddTimer(loop_, timer, kCFRunLoopCommonModes);
+    CFRunLoopAddObserver(loop_, observer, kCFRunLoopCommonModes);
+    CFRunLoopTimerInvalidate(timer);
+    CFRunLoopObserverInvalidate(observer);
+    EXPECT_FALSE(CFRunLoopContainsTimer(loop_, timer, kCFRunLoopCommonModes));
+    EXPECT_FALSE(CFRunLoopContainsObserver(loop_, observer, kCFRunLoopCommonModes));
+    EXPECT_EQ(CFGetRetainCount(timer), 1);
+    EXPECT_EQ(CFGetRetainCount(observer), 1);
+}
+
 TEST_F(Membership, ModeThatIsMadeCommonAgainStaysAsItIs) {
     const auto source = ReportingSource();
     CFRunLoopAddSource(loop_, source, kCFRunLoopCommonModes);
