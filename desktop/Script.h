@@ -24,6 +24,9 @@ class Script {
     using Json = nlohmann::json;
     using Command = std::string (Script::*)(const Json&);
 
+    // The reply to a command that tells nothing else.
+    static constexpr char kDone[] = R"({"ok":true})";
+
     std::string Execute(const Json& command);
     static Command Find(const std::string& name);
 

@@ -9,12 +9,6 @@ namespace desktop {
 
 using namespace scene_notation;
 
-namespace {
-
-const std::string kDone = R"({"ok":true})";
-
-}  // namespace
-
 std::string Script::Activate(const Json& command) {
     ExpectOnly(command, "command", {"command", "at", "application", "gap"});
     const Json& name = Required(command, "application", "command");

@@ -16,8 +16,6 @@ using namespace scene_notation;
 
 namespace {
 
-const std::string kDone = R"({"ok":true})";
-
 // The name in a row: the first text in it, of a cell or of a field in a cell.
 std::string ClipName(const Element& row) {
     for (const Element* each = &row; each != nullptr; each = NextInPreOrder(*each, row)) {

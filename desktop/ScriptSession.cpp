@@ -9,12 +9,6 @@ namespace desktop {
 
 using namespace scene_notation;
 
-namespace {
-
-const std::string kDone = R"({"ok":true})";
-
-}  // namespace
-
 std::string Script::Plug(const Json& command) {
     ExpectOnly(command, "command", {"command", "at", "device"});
     const Json& device = ExpectObject(Required(command, "device", "command"), "device");
