@@ -1,9 +1,10 @@
-// A Core Foundation object that a test owns.
+// A Core Foundation object that a test owns: it passes for its reference, and takes one from calls
+// that return it by a pointer.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <utility>
+#include "VEKCommon/OwnedReference.h"
 
 namespace test_support {
 
@@ -12,28 +13,28 @@ class OwnedObject {
   public:
     OwnedObject() = default;
     OwnedObject(Reference object) : object_(object) {}
-    OwnedObject(OwnedObject&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
-    OwnedObject& operator=(OwnedObject&&) = delete;
-    ~OwnedObject() { Reset(); }
 
-    operator Reference() const { return object_; }
-    Reference get() const { return object_; }
+    operator Reference() const { return object_.get(); }
+    Reference get() const { return object_.get(); }
 
-    // For calls that return an object by a pointer.
-    Reference* Out() {
-        Reset();
-        return &object_;
-    }
+    // Where the call writes its object, which this one owns at the end of the expression.
+    class Place {
+      public:
+        explicit Place(OwnedReference<Reference>& owner) : owner_(owner) {}
+        Place(const Place&) = delete;
+        Place& operator=(const Place&) = delete;
+        ~Place() { owner_.reset(written_); }
+
+        operator Reference*() { return &written_; }
+
+      private:
+        OwnedReference<Reference>& owner_;
+        Reference written_ = nullptr;
+    };
+    Place Out() { return Place(object_); }
 
   private:
-    void Reset() {
-        if (object_ != nullptr) {
-            CFRelease(object_);
-        }
-        object_ = nullptr;
-    }
-
-    Reference object_ = nullptr;
+    OwnedReference<Reference> object_;
 };
 
 }  // namespace test_support
