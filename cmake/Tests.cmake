@@ -46,7 +46,7 @@ function(krt9_add_test name)
     cmake_parse_arguments(arg "" "TIMEOUT" "PORTABLE;SOURCES;LIBRARIES" ${ARGN})
     if(APPLE)
         set(arg_SOURCES)
-        list(REMOVE_ITEM arg_LIBRARIES krt9_platform krt9_desktop krt9_child_process
+        list(REMOVE_ITEM arg_LIBRARIES krt9_platform krt9_desktop
             krt9_scripted_desktop krt9_stage)
         if(NOT arg_PORTABLE)
             return()

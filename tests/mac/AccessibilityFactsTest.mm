@@ -12,13 +12,13 @@
 #include <thread>
 
 #include "tests/mac/Finding.h"
-#include "tests/mac/Program.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/OwnedObject.h"
 #include "tests/support/Paths.h"
 #include "tests/support/RunLoop.h"
 
 using mac_test::ExpectAsInLayer;
-using mac_test::Program;
+using test_support::ChildProcess;
 using test_support::OwnedObject;
 
 namespace {
@@ -42,12 +42,12 @@ class EditorOnMac : public testing::Test {
     }
 
     OwnedObject<AXUIElementRef> Application() {
-        return AXUIElementCreateApplication(standIn_->ProcessID());
+        return AXUIElementCreateApplication(standIn_->pid());
     }
-    Program& StandIn() { return *standIn_; }
+    ChildProcess& StandIn() { return *standIn_; }
 
   private:
-    std::optional<Program> standIn_;
+    std::optional<ChildProcess> standIn_;
 };
 
 struct HungCall {
@@ -56,7 +56,7 @@ struct HungCall {
 };
 
 // One call to a stopped application. A time-out of 0 keeps the system's own.
-HungCall CallHung(Program& program, AXUIElementRef application, float timeout) {
+HungCall CallHung(ChildProcess& program, AXUIElementRef application, float timeout) {
     AXUIElementSetMessagingTimeout(application, timeout);
     program.Signal(SIGSTOP);
     HungCall call = {};
@@ -140,22 +140,19 @@ TEST_F(EditorOnMac, FollowsAnActivation) {
     @autoreleasepool {
         NSWorkspace* workspace = [NSWorkspace sharedWorkspace];
         const pid_t before = [[workspace frontmostApplication] processIdentifier];
-        Program other(kStandIn);
+        ChildProcess other(kStandIn);
         ASSERT_TRUE(other.WaitForOutput("ready", 20));
         std::this_thread::sleep_for(std::chrono::seconds(1));
         const bool changed = [[workspace frontmostApplication] processIdentifier] != before;
         const double seconds = SecondsOf([&] {
             test_support::RunLoopUntil(
-                [&] {
-                    return
-                        [[workspace frontmostApplication] processIdentifier] == other.ProcessID();
-                },
+                [&] { return [[workspace frontmostApplication] processIdentifier] == other.pid(); },
                 5);
         });
         mac_test::Report("seconds of the run loop until another activation is seen",
                          std::to_string(seconds));
         ExpectAsInLayer("does frontmostApplication change while the run loop does not run", changed,
                         false);
-        EXPECT_EQ([[workspace frontmostApplication] processIdentifier], other.ProcessID());
+        EXPECT_EQ([[workspace frontmostApplication] processIdentifier], other.pid());
     }
 }

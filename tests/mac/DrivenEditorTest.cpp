@@ -10,20 +10,23 @@
 #include <random>
 #include <thread>
 
-#include "tests/mac/Program.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/Paths.h"
 
 namespace {
 
-using mac_test::OutputOf;
-using mac_test::Program;
+using test_support::ChildProcess;
 
 const std::string kStandIn = KRT9_BINARIES "/StandInEditor.app/Contents/MacOS/StandInEditor";
 const std::string kDriver = KRT9_BINARIES "/KRT9Background.app/Contents/MacOS/KRT9Background";
 const std::string kControl = KRT9_BINARIES "/krt9ctl";
 
+// What krt9ctl prints, without the end of its line; "status N: ..." unless it ends with status 0.
 std::string Ask(const std::vector<std::string>& arguments) {
-    return OutputOf(kControl, arguments);
+    const auto [status, output, problem] = test_support::RunProcess(kControl, arguments);
+    const std::string text = output + problem;
+    const std::string line = text.substr(0, text.find_last_not_of('\n') + 1);
+    return status == 0 ? line : "status " + std::to_string(status) + ": " + line;
 }
 
 class DrivenEditor : public testing::Test {
@@ -46,12 +49,12 @@ class DrivenEditor : public testing::Test {
         ASSERT_EQ(Ask({"ping"}), "") << driver_->Output();
     }
 
-    Program& StandIn() { return *standIn_; }
-    Program& Driver() { return *driver_; }
+    ChildProcess& StandIn() { return *standIn_; }
+    ChildProcess& Driver() { return *driver_; }
 
   private:
-    std::optional<Program> standIn_;
-    std::optional<Program> driver_;
+    std::optional<ChildProcess> standIn_;
+    std::optional<ChildProcess> driver_;
 };
 
 TEST_F(DrivenEditor, ACheckBoxIsReadAndPressed) {
@@ -104,9 +107,9 @@ TEST_F(DrivenEditor, AControlThatIsNotThereHasNoValue) {
 TEST_F(DrivenEditor, ClipAndTimecodeAreReported) {
     Driver().Signal(SIGINT);  // a driver looks for its companion once, when it starts
     Driver().WaitForExit();
-    Program companion(kControl, {"watch", "--units", "2", "--channels", "16"});
+    ChildProcess companion(kControl, {"watch", "--units", "2", "--channels", "16"});
     ASSERT_TRUE(companion.WaitForOutput("VEK_KRT9")) << companion.Output();
-    Program driver(kDriver);
+    ChildProcess driver(kDriver);
     ASSERT_TRUE(companion.WaitForOutput("status query")) << driver.Output();
     EXPECT_EQ(Ask({"refresh", "--profile", "--timecode", "--clip"}), "");
     EXPECT_TRUE(companion.WaitForOutput("clip: Harbour Wide")) << companion.Output();
@@ -118,7 +121,7 @@ TEST(InterruptOnMac, AtAnyMomentEndsTheDriverWithStatusZero) {
     std::mt19937 random(20260101);
     std::uniform_int_distribution<int> milliseconds(0, 400);
     for (int round = 0; round < 20; ++round) {
-        Program driver(kDriver);
+        ChildProcess driver(kDriver);
         ASSERT_TRUE(driver.WaitForOutput("com.solvanto")) << driver.Output();
         const int delay = milliseconds(random);
         std::this_thread::sleep_for(std::chrono::milliseconds(delay));

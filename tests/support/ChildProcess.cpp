@@ -3,10 +3,10 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -48,8 +48,11 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 }
 
 void MakePipe(int (&ends)[2]) {
-    if (pipe2(ends, O_CLOEXEC) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pipe2");
+    if (pipe(ends) != 0) {
+        throw std::system_error(errno, std::generic_category(), "pipe");
+    }
+    for (const int end : ends) {
+        fcntl(end, F_SETFD, FD_CLOEXEC);
     }
 }
 
@@ -92,7 +95,6 @@ ChildProcess::ChildProcess(const std::string& path, const std::vector<std::strin
     if (result != 0) {
         throw std::system_error(result, std::generic_category(), "cannot start " + path);
     }
-    processDescriptor_ = static_cast<int>(syscall(SYS_pidfd_open, pid_, 0));
 }
 
 ChildProcess::~ChildProcess() {
@@ -104,9 +106,6 @@ ChildProcess::~ChildProcess() {
         if (stream.descriptor >= 0) {
             close(stream.descriptor);
         }
-    }
-    if (processDescriptor_ >= 0) {
-        close(processDescriptor_);
     }
 }
 
@@ -125,7 +124,7 @@ bool ChildProcess::Reap(int options) {
     return ended_;
 }
 
-void ChildProcess::ReadAvailable(Stream& stream) {
+void ChildProcess::Read(Stream& stream) {
     char bytes[4096];
     const ssize_t count = read(stream.descriptor, bytes, sizeof bytes);
     if (count > 0) {
@@ -136,22 +135,32 @@ void ChildProcess::ReadAvailable(Stream& stream) {
     }
 }
 
-bool ChildProcess::Pump(double seconds) {
-    pollfd watched[3] = {{streams_[0].descriptor, POLLIN, 0},
-                         {streams_[1].descriptor, POLLIN, 0},
-                         {ended_ ? -1 : processDescriptor_, POLLIN, 0}};
-    if (seconds < 0 || poll(watched, 3, static_cast<int>(seconds * 1000)) <= 0) {
+bool ChildProcess::ReadAvailable(double seconds) {
+    pollfd watched[2] = {{streams_[0].descriptor, POLLIN, 0}, {streams_[1].descriptor, POLLIN, 0}};
+    if (poll(watched, 2, static_cast<int>(seconds * 1000)) <= 0) {
         return false;
     }
     for (int i = 0; i < 2; ++i) {
         if (watched[i].revents != 0) {
-            ReadAvailable(streams_[i]);
+            Read(streams_[i]);
         }
     }
-    if (watched[2].revents != 0) {
-        Reap(WNOHANG);
-    }
     return true;
+}
+
+// The end of a process usually shows in its outputs. It is asked for in between as well: a
+// descendant may keep them open, and the process may close them long before.
+bool ChildProcess::Pump(double seconds) {
+    const auto deadline = Clock::now() + std::chrono::duration<double>(seconds);
+    while (seconds >= 0) {
+        const double step = IsDrained() ? 0.001 : 0.01;
+        if (ReadAvailable(std::min(seconds, step)) || (!ended_ && Reap(WNOHANG))) {
+            return true;
+        }
+        const std::chrono::duration<double> left = deadline - Clock::now();
+        seconds = left.count() > 0 ? left.count() : -1;
+    }
+    return false;
 }
 
 bool ChildProcess::WaitForOutput(std::string_view text, double seconds) {
@@ -162,9 +171,8 @@ bool ChildProcess::WaitForOutput(std::string_view text, double seconds) {
                 return true;
             }
         }
-        const bool drained = streams_[0].descriptor < 0 && streams_[1].descriptor < 0;
         const std::chrono::duration<double> left = deadline - Clock::now();
-        if ((ended_ && drained) || !Pump(left.count())) {
+        if ((ended_ && IsDrained()) || !Pump(left.count())) {
             return false;
         }
     }

@@ -1,5 +1,5 @@
-// A process started by a test. Its output is collected; waiting is for output or for its end, never
-// for time to pass.
+// A process started by a test, on Linux and on macOS. Its output is collected; waiting is for
+// output or for its end, never for time to pass.
 #pragma once
 
 #include <sys/types.h>
@@ -15,8 +15,8 @@ class ChildProcess {
   public:
     // Starts `path` with `arguments` (without the program's own name) and the test's environment,
     // changed by `environment`. Standard input is /dev/null.
-    ChildProcess(const std::string& path, const std::vector<std::string>& arguments,
-                 const std::map<std::string, std::string>& environment = {});
+    explicit ChildProcess(const std::string& path, const std::vector<std::string>& arguments = {},
+                          const std::map<std::string, std::string>& environment = {});
     // Kills the process if it still runs.
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
@@ -38,6 +38,7 @@ class ChildProcess {
     // What has been read so far; complete after WaitForExit.
     const std::string& StandardOutput() const { return streams_[0].text; }
     const std::string& StandardError() const { return streams_[1].text; }
+    std::string Output() const { return StandardOutput() + StandardError(); }
 
   private:
     struct Stream {
@@ -47,11 +48,12 @@ class ChildProcess {
 
     // Waits for output or the process's end; false when neither came in time.
     bool Pump(double seconds);
-    void ReadAvailable(Stream& stream);
+    bool ReadAvailable(double seconds);
+    void Read(Stream& stream);
+    bool IsDrained() const { return streams_[0].descriptor < 0 && streams_[1].descriptor < 0; }
     bool Reap(int options);
 
     pid_t pid_ = -1;
-    int processDescriptor_ = -1;
     bool ended_ = false;
     int status_ = 0;
     Stream streams_[2];
