@@ -4,7 +4,7 @@
 #include "accessibility/calls/ElementAttributes.h"
 
 CFStringRef CopyWindowTitle(CFTypeRef window) {
-    if (CFGetTypeID(window) != AXUIElementGetTypeID()) {
+    if (!IsElement(window)) {
         return nullptr;
     }
     return CopyStringAttribute(static_cast<AXUIElementRef>(window), kAXTitleAttribute).release();

@@ -80,6 +80,10 @@ CFIndex CountOf(CFArrayRef values) {
     return values != nullptr ? CFArrayGetCount(values) : 0;
 }
 
+bool IsElement(CFTypeRef object) {
+    return IsOfType(object, AXUIElementGetTypeID());
+}
+
 SInt32 SInt32Value(CFNumberRef number) {
     SInt32 value = 0;
     CFNumberGetValue(number, kCFNumberSInt32Type, &value);

@@ -32,6 +32,8 @@ AXUIElementRef ElementAt(CFArrayRef values, CFIndex index);
 
 CFIndex CountOf(CFArrayRef values);  // 0 for null
 
+bool IsElement(CFTypeRef object);  // false for null
+
 // The number as CFNumberGetValue converts it, truncated as it truncates what does not fit.
 SInt32 SInt32Value(CFNumberRef number);
 
