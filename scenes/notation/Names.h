@@ -37,8 +37,8 @@ inline constexpr char kDictionary[] = "dictionary";
 // Other keys of an element are not attributes.
 bool IsAttributeName(std::string_view name);
 
-// The order of an element's attributes: first what tells elements apart, last
-// what is long, in between by name.
+// The order of an element's attributes: first what tells elements apart, last what is long, in
+// between by name.
 bool AttributeComesBefore(std::string_view left, std::string_view right);
 
 // The tag that numbers in a plain array need not have as the value of this attribute: a position is

@@ -102,7 +102,7 @@ TEST_F(EventFailure, IsOverWithTheNextRequest) {
                 ElementsAre("2", "11/55", "11/56", "11/58", "11/59"));
 }
 
-// A process that is not trusted posts into the void; nothing of it is said anywhere.
+// The events of a process that is not trusted go nowhere, and it is not told.
 TEST_F(EventFailure, OfPostingWithoutPermissionIsNotNoticed) {
     desktop_.Run(R"({"command": "trust", "trusted": false})");
     for (const SInt32 code : {kJPMS, kJPMC, kJPME}) {

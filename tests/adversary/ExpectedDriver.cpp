@@ -343,7 +343,7 @@ std::optional<ElementReference> ExpectedDriver::ChildWithDescription(
 
 // --- Session -------------------------------------------------------------------------------------
 
-// The pointer is told from the bottom of the main screen, whose height is then asked for again.
+// The pointer's y counts from the bottom of the main screen, whose height is then read again.
 Outcome ExpectedDriver::PointerPosition(Replay& replay) {
     Point pointer;
     double heightAtPointer = 0;

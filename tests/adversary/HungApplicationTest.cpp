@@ -260,7 +260,7 @@ TEST_F(HungApplication, BetweenAControlAndItsValueGivesZero) {
     EXPECT_EQ(Waited(), CostOf(1));
 }
 
-// Only a call that was waited for to its end tells of the calls to come.
+// A call counts as a sign of a hung process only when it lasted the whole time-out.
 TEST_F(HungForTheTimeOut, ForOneCallIsNotAskedAgain) {
     EXPECT_EQ(ValueOf59AfterALapse(), std::nullopt);
     EXPECT_EQ(Waited(), kTimeOut);
@@ -380,7 +380,7 @@ TEST_F(HungApplication, BehindARemoteViewLeavesTheClipNameAndTheTimecodeThere) {
     EXPECT_EQ(Waited(kEditor), 0.0);
 }
 
-// The clip's name is not there to be found, so that task meets the hung view and nothing else.
+// No element has the clip's name, so the clip's task searches everything and meets the hung view.
 TEST_F(HungApplication, MetByTheClipTaskLeavesTheTimecodeTaskItsTurn) {
     driver_.LookForClipNameIn(1);
     Begin(kSceneWithRemoteView);

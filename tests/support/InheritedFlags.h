@@ -1,4 +1,5 @@
-// What a log of posted events says where keys of a private source change nothing for other events.
+// The log of posted events under the variant in which the keys of a private source do not change
+// the modifiers of other events.
 #pragma once
 
 #include <regex>
@@ -8,8 +9,8 @@
 
 namespace test_support {
 
-// The log as it is usually written, in which all keys are the driver's, whose source is private:
-// under the variant, events without flags of their own bear none.
+// Takes the log as it is without the variant. Its keys are the driver's, whose source is private,
+// so that under the variant an event without flags of its own has none.
 inline std::string WithInheritedFlags(const std::string& log) {
     if (!platform_testing::IsOn(platform_testing::Variant::privateModifiers)) {
         return log;

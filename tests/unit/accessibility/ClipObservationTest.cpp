@@ -372,7 +372,8 @@ class TimelineIndex : public ClipTable {
         editor_.Set(button, "AXValue", value);
         return button;
     }
-    // From the first static text to the table's tick and past it.
+    // The first looks for the first static text, the second for the other one, the third for the
+    // table.
     std::vector<SentMessage> ThreeTicks() {
         for (int tick = 0; tick < 3; ++tick) {
             driver_->ObserveFCPXClipSelectionTask();
@@ -416,7 +417,7 @@ TEST_F(TimelineIndex, IsNotVisibleWithoutTheToggleOrWithAValueThatIsNoNumber) {
     }
 }
 
-// The way of profile rows 0 and 1 begins no search then.
+// In profile rows 0 and 1 no search begins then that would set it back.
 TEST_F(TimelineIndex, AskedForSetsTheSearchLevelBackAlsoWithoutAFrontApplication) {
     VEK_C_AXUtils& utils = DriverInspector::AXUtils(*driver_);
     test_support::SetFrontApplication({nullptr, nullptr, 7});

@@ -8,8 +8,8 @@ class ObservationTest : public DriverBesideEditor {
   protected:
     ObservationTest() { ChooseFirstStaticText(); }
 
-    // Where the clip name is looked for is remembered by the process as a whole: three ticks with
-    // the first static text, and it alone, lead there from anywhere.
+    // The driver remembers where the clip's name was found, for the life of the process. Wherever
+    // that was, after three ticks with nothing but the first static text it is that text.
     void ChooseFirstStaticText() {
         Profile() = 5;
         ShowStaticText("_NS:100", Text("whatever"));
