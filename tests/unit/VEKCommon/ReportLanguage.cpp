@@ -2,6 +2,7 @@
 // prints the result, the kept tag and what a companion in this process received. With an argument
 // there is no companion.
 #include <cstdio>
+#include <exception>
 #include <optional>
 
 #include "VEKCommon/MessageCodes.h"
@@ -22,7 +23,7 @@ void Print(const test_support::Companion::Message& message) {
 
 }  // namespace
 
-int main(int argc, char**) {
+int main(int argc, char**) try {
     const platform_testing::AutoreleasePool pool;
     std::optional<test_support::Companion> companion;
     if (argc == 1) {
@@ -38,4 +39,7 @@ int main(int argc, char**) {
     }
     std::printf("\n");
     return 0;
+} catch (const std::exception& problem) {
+    std::fprintf(stderr, "%s\n", problem.what());
+    return 1;
 }
