@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -50,15 +51,13 @@ struct NoReply {
 
 // Bytes of the reply to a request that succeeds; 0 for one that never gets any.
 CFIndex ReplySize(SInt32 code) {
-    switch (code) {
-#define REQUEST(request, guard, body, operation, reply) \
-    case k##request:                                    \
-        return reply::kSmallestSize;
+    static const std::map<SInt32, CFIndex> sizes = {
+#define REQUEST(request, guard, body, operation, reply) {k##request, reply::kSmallestSize},
 #include "VEKCommon/Requests.def"
 #undef REQUEST
-        default:
-            return 0;
-    }
+    };
+    const auto found = sizes.find(code);
+    return found != sizes.end() ? found->second : 0;
 }
 
 // A driver as `main` makes it, its timer running. The process of a real one ends right after its
