@@ -17,6 +17,16 @@
 #include "tests/support/FrontApplicationState.h"
 #include "tests/unit/accessibility/EditorTree.h"
 
+// The size of a test that only says something when it is large; less of it where every allocation
+// is recorded with its stack. A search that called itself would not survive either.
+constexpr int Scaled(int size) {
+#if __has_feature(address_sanitizer)
+    return size / 20;
+#else
+    return size;
+#endif
+}
+
 class AccessibilityTest : public ::testing::Test {
   protected:
     AccessibilityTest() {

@@ -98,7 +98,7 @@ TEST_F(ChildSearch, ReadsEachChildInOneExchange) {
 
 TEST_F(ChildSearch, SurvivesDepthAndCycles) {
     ElementReference element = Control("at the bottom");
-    for (int depth = 0; depth < 10'000; ++depth) {
+    for (int depth = 0; depth < Scaled(10'000); ++depth) {
         element = Group({element});
     }
     EXPECT_EQ(Find({element}, "_NS:1"), "at the bottom");

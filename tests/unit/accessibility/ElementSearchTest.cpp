@@ -5,16 +5,6 @@
 
 namespace {
 
-// The size of a test that only says something when it is large; less of it where every allocation
-// is recorded with its stack. A search that called itself would not survive either.
-constexpr int Scaled(int size) {
-#if __has_feature(address_sanitizer)
-    return size / 20;
-#else
-    return size;
-#endif
-}
-
 using desktop_link::Operation;
 using desktop_link::Request;
 
@@ -402,7 +392,7 @@ TEST_F(ElementSearch, TheFrontApplicationMayChangeInTheMiddle) {
 
 TEST_F(ElementSearch, FindsAnElementNestedTenThousandDeep) {
     ElementReference element = Control("at the bottom");
-    for (int depth = 0; depth < 10'000; ++depth) {
+    for (int depth = 0; depth < Scaled(10'000); ++depth) {
         element = Group({element});
     }
     editor_.ShowWindow({element});
