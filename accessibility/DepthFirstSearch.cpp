@@ -71,7 +71,8 @@ class Walk {
     }
 
     bool IsSought(CFStringRef role, CFArrayRef values, CFIndex index) {
-        const bool taken = query_.TakesRole(role, StringAt(values, ElementQuery::kSubroleIndex));
+        const bool taken = query_.TakesRole(role) &&
+                           !query_.Skips(role, StringAt(values, ElementQuery::kSubroleIndex));
         Tell(&SearchTrace::RoleChecked, role, taken, values);
         if (!taken) {
             return false;

@@ -29,14 +29,16 @@ ElementQuery Query(CFStringRef identifier, CFStringRef role, CFArrayRef attribut
 
 }  // namespace
 
-bool ElementQuery::TakesRole(CFStringRef elementRole, CFStringRef elementSubrole) const {
-    const bool requested =
-        rolesMeantByAny.empty()
-            ? SameText(elementRole, role)
-            : std::any_of(rolesMeantByAny.begin(), rolesMeantByAny.end(),
-                          [&](CFStringRef meant) { return SameText(elementRole, meant); });
-    return requested && !(skipsSearchFields && SameText(elementRole, kAXTextFieldRole) &&
-                          SameText(elementSubrole, kAXSearchFieldSubrole));
+bool ElementQuery::TakesRole(CFStringRef elementRole) const {
+    return rolesMeantByAny.empty()
+               ? SameText(elementRole, role)
+               : std::any_of(rolesMeantByAny.begin(), rolesMeantByAny.end(),
+                             [&](CFStringRef meant) { return SameText(elementRole, meant); });
+}
+
+bool ElementQuery::Skips(CFStringRef elementRole, CFStringRef elementSubrole) const {
+    return skipsSearchFields && SameText(elementRole, kAXTextFieldRole) &&
+           SameText(elementSubrole, kAXSearchFieldSubrole);
 }
 
 bool IsSearchedFurther(CFStringRef role) {

@@ -26,9 +26,10 @@ struct ElementQuery {
     // Search fields have the role of text fields; with this they never match.
     bool skipsSearchFields;
 
-    // Whether an element of that role, which is not null, can be the one sought; the subrole may be
-    // null.
-    bool TakesRole(CFStringRef elementRole, CFStringRef elementSubrole) const;
+    // Whether an element of that role, which is not null, can be the one sought.
+    bool TakesRole(CFStringRef elementRole) const;
+    // Whether it cannot be all the same, because it is a search field. The subrole may be null.
+    bool Skips(CFStringRef elementRole, CFStringRef elementSubrole) const;
 };
 
 // Whether a search goes on to the children of an element of that role, which may be null, when it

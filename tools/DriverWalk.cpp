@@ -40,7 +40,7 @@ class WatchedSearch : public SearchTrace {
             role_ = Utf8Of(role).value_or("");
         } else if (!walk_.otherRole &&
                    SameText(StringAt(values, ElementQuery::kIdentifierIndex), query_.identifier)) {
-            const bool isSearchField = query_.TakesRole(role, nullptr);
+            const bool isSearchField = query_.TakesRole(role);
             walk_.otherRole = MetElement{Here(), Utf8Of(role).value_or(""), isSearchField};
         }
     }

@@ -14,12 +14,8 @@ namespace krt9ctl {
 namespace {
 
 // Null for an empty text: no role, no subrole.
-OwnedReference<CFStringRef> StringOf(const std::string& utf8) {
-    return OwnedReference<CFStringRef>(
-        utf8.empty() ? nullptr
-                     : CFStringCreateWithBytes(
-                           kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
-                           static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
+OwnedReference<CFStringRef> StringOrNull(const std::string& utf8) {
+    return utf8.empty() ? nullptr : StringOf(utf8);
 }
 
 // As a request's number becomes one: 059 and 0x3b do not stand for _NS:59 there.
@@ -70,7 +66,7 @@ void Judge::FindVisited() {
         pending.pop_back();
         for (const std::size_t child : children[searched]) {
             isVisited_[child] = true;
-            if (!isSearched_[child] && IsSearchedFurther(StringOf(list_[child].role).get())) {
+            if (!isSearched_[child] && IsSearchedFurther(StringOrNull(list_[child].role).get())) {
                 isSearched_[child] = true;
                 pending.push_back(child);
             }
@@ -87,11 +83,12 @@ Judgement Judge::RuleOn(std::size_t place) {
         return element.parent == 0 ? Judgement{Reach::window, 0}
                                    : Judgement{Reach::inside, ends_[place]};
     }
-    const auto role = StringOf(element.role);
-    const auto subrole = StringOf(element.subrole);
-    if (!role || !query_.TakesRole(role.get(), subrole.get())) {
-        const bool isSearchField = role && query_.TakesRole(role.get(), nullptr);
-        return {isSearchField ? Reach::searchField : Reach::role, 0};
+    const auto role = StringOrNull(element.role);
+    if (!role || !query_.TakesRole(role.get())) {
+        return {Reach::role, 0};
+    }
+    if (query_.Skips(role.get(), StringOrNull(element.subrole).get())) {
+        return {Reach::searchField, 0};
     }
     if (!IsNameOfRequests(*element.identifier)) {
         return {Reach::otherName, 0};

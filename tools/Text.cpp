@@ -5,8 +5,6 @@
 
 #include <algorithm>
 
-#include "VEKCommon/OwnedReference.h"
-
 namespace krt9ctl {
 
 namespace {
@@ -48,7 +46,11 @@ bool IsUpperControl(std::string_view rest) {
 }  // namespace
 
 bool IsUtf8(std::string_view text) {
-    return MakeString(AsBytes(text), kCFStringEncodingUTF8) != nullptr;
+    return StringOf(text) != nullptr;
+}
+
+OwnedReference<CFStringRef> StringOf(std::string_view utf8) {
+    return MakeString(AsBytes(utf8), kCFStringEncodingUTF8);
 }
 
 std::string Printable(std::string_view text) {

@@ -10,9 +10,14 @@
 #include <string_view>
 #include <vector>
 
+#include "VEKCommon/OwnedReference.h"
+
 namespace krt9ctl {
 
 bool IsUtf8(std::string_view text);
+
+// Null when the text is not UTF-8.
+OwnedReference<CFStringRef> StringOf(std::string_view utf8);
 
 // The text, safe to print on a terminal: control characters and bytes that are not UTF-8 as \xNN.
 std::string Printable(std::string_view text);

@@ -29,12 +29,6 @@ struct Diagnosis {
     Json details = Json::object();
 };
 
-OwnedReference<CFStringRef> StringOf(const std::string& utf8) {
-    return OwnedReference<CFStringRef>(
-        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
-                                static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
-}
-
 // "AXButton, AXCheckBox ...", as the driver's query has them.
 std::string RolesSought(CFStringRef role) {
     std::vector<std::string> names;
