@@ -14,17 +14,20 @@ std::optional<ChosenApplication> Choose(const Arguments& arguments) {
     const auto front = FrontApplication();
     if (arguments.Has("--pid")) {
         const auto pid = static_cast<pid_t>(arguments.Number("--pid"));
-        const bool isFront = front && front->pid == pid;
-        return ChosenApplication{isFront ? *front : ApplicationFacts{pid, {}, {}, {}}, isFront};
+        if (front && front->pid == pid) {
+            return ChosenApplication{*front, true};
+        }
+        // A process that the system does not list may have elements as well.
+        return ChosenApplication{FindApplication(pid).value_or(ApplicationFacts{pid, {}, {}, {}}),
+                                 false};
     }
     if (arguments.Has("--application")) {
         const std::string& bundleIdentifier = arguments.Text("--application");
         if (front && front->bundleIdentifier == bundleIdentifier) {
             return ChosenApplication{*front, true};
         }
-        const auto pid = FindApplication(bundleIdentifier);
-        return pid ? std::optional(ChosenApplication{{*pid, bundleIdentifier, {}, {}}, false})
-                   : std::nullopt;
+        const auto facts = FindApplication(bundleIdentifier);
+        return facts ? std::optional(ChosenApplication{*facts, false}) : std::nullopt;
     }
     return front ? std::optional(ChosenApplication{*front, true}) : std::nullopt;
 }

@@ -16,6 +16,9 @@ struct ApplicationFacts {
     std::optional<std::string> signature;     // of its bundle's information
 };
 
+// Adds what the bundle with this path says of itself; nothing for a path without bundle.
+void AddBundleFacts(const std::string& bundlePath, ApplicationFacts& facts);
+
 // Nothing when no application is in front.
 std::optional<ApplicationFacts> FrontApplication();
 

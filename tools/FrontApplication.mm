@@ -14,7 +14,23 @@ std::optional<std::string> TextOf(id object) {
     return text == nullptr ? std::nullopt : std::optional<std::string>(text);
 }
 
+void AddFacts(NSBundle* bundle, ApplicationFacts& facts) {
+    NSDictionary* info = [bundle infoDictionary];
+    facts.shortVersion = TextOf([info objectForKey:@"CFBundleShortVersionString"]);
+    facts.signature = TextOf([info objectForKey:@"CFBundleSignature"]);
+}
+
 }  // namespace
+
+void AddBundleFacts(const std::string& bundlePath, ApplicationFacts& facts) {
+    @autoreleasepool {
+        NSString* path = [NSString stringWithUTF8String:bundlePath.c_str()];
+        if ([path length] > 0) {
+            NSURL* url = [NSURL fileURLWithPath:path isDirectory:YES];
+            AddFacts([NSBundle bundleWithURL:url], facts);
+        }
+    }
+}
 
 std::optional<ApplicationFacts> FrontApplication() {
     @autoreleasepool {
@@ -26,9 +42,7 @@ std::optional<ApplicationFacts> FrontApplication() {
         facts.pid = [front processIdentifier];
         facts.bundleIdentifier = TextOf([front bundleIdentifier]);
         NSURL* url = [front bundleURL];
-        NSDictionary* info = url == nil ? nil : [[NSBundle bundleWithURL:url] infoDictionary];
-        facts.shortVersion = TextOf([info objectForKey:@"CFBundleShortVersionString"]);
-        facts.signature = TextOf([info objectForKey:@"CFBundleSignature"]);
+        AddFacts(url == nil ? nil : [NSBundle bundleWithURL:url], facts);
         return facts;
     }
 }

@@ -222,6 +222,23 @@ TEST(Dump, OfAnotherApplicationIsNotInFront) {
     EXPECT_THAT(DumpOf(scene, {"dump", "--pid", "5"}), HasSubstr("\"front\": \"a.b\""));
 }
 
+TEST(Dump, OfAnApplicationThatIsNotInFrontCarriesWhatIsKnownOfItAsWell) {
+    const std::string scene = R"({"front": "a.b", "applications": [
+        {"bundleID": "a.b", "pid": 5, "windows": []},
+        {"bundleID": "c.d", "pid": 6, "name": "Other", "windows": [],
+         "info": {"CFBundleShortVersionString": "10.4.6", "CFBundleSignature": "abcd"}},
+        {"pid": 7, "name": "Tool", "windows": []}]})";
+    const std::string dump = DumpOf(scene, {"dump", "--pid", "6"});
+    const Json application = Json::parse(dump)["applications"][0];
+    EXPECT_EQ(application["bundleID"], "c.d");
+    EXPECT_EQ(application["info"]["CFBundleShortVersionString"], "10.4.6");
+    EXPECT_EQ(application["info"]["CFBundleSignature"], "abcd");
+    EXPECT_EQ(DumpOf(scene, {"dump", "--application", "c.d"}), dump);
+    EXPECT_EQ(DumpOf(dump, {"dump", "--pid", "6"}), dump) << "it is a scene";
+    EXPECT_FALSE(
+        Json::parse(DumpOf(scene, {"dump", "--pid", "7"}))["applications"][0].contains("bundleID"));
+}
+
 TEST(Dump, SaysWhyItCannotRead) {
     const struct {
         const char* scene;
