@@ -11,6 +11,9 @@ CFStringRef ReplyMode() {
 }
 
 Answer Client::Send(const Request& request) {
+    if (port_ && !CFMessagePortIsValid(port_.get())) {
+        port_.reset();
+    }
     if (!port_) {
         CheckSession();
         port_.reset(CFMessagePortCreateRemote(kCFAllocatorDefault, CFSTR(kDriverPortName)));

@@ -18,8 +18,10 @@ class Client {
     // `timeout` in seconds, for sending and once more for the reply.
     explicit Client(double timeout) : timeout_(timeout) {}
 
+    void SetTimeout(double timeout) { timeout_ = timeout; }
+
     // Waits for the reply, which every request gets, even if it is empty. The port is looked
-    // up with the first request.
+    // up with the first request, and again with the first one after its end was noticed.
     Answer Send(const Request& request);
 
   private:

@@ -229,6 +229,7 @@ Invocation Parser::Chosen() const {
     invocation.json = common_.at("--json")->count() > 0;
     if (const CLI::Option* timeout = common_.at("--timeout"); timeout->count() > 0) {
         invocation.timeout = ParseSeconds("--timeout", Unmarked(timeout->results()).back());
+        invocation.hasTimeout = true;
     }
     for (const auto& [parameter, option] : bound->options) {
         if (option->count() > 0) {

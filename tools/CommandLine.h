@@ -18,6 +18,7 @@ struct Invocation {
     GivenTexts given;
     bool json = false;
     double timeout = kUsualTimeout;  // seconds
+    bool hasTimeout = false;         // the line has one of its own
 };
 
 // A command line that asks for the help or the version.

@@ -22,6 +22,53 @@ Plan PlanSet(const Arguments& arguments) {
     return {{kJSIS, TwoNumbersBody(arguments.Number("ELEMENT"), arguments.Number("NUMBER"))}};
 }
 
+constexpr double kUsualTimeToBeSo = 2;  // seconds
+
+Parameter Within() {
+    return {.name = "--within",
+            .kind = ValueKind::seconds,
+            .help = "with --expect: how long it may take (default 2)",
+            .placeholder = "SECONDS"};
+}
+
+Parameter Expect(std::string_view help) {
+    return {.name = "--expect", .kind = ValueKind::flag, .help = help};
+}
+
+// That a request of this code returns the number that the named parameter has; nothing without
+// --expect.
+template <MessageCode code>
+std::optional<Expectation> ExpectSame(const Arguments& arguments, std::string_view parameter) {
+    if (!arguments.Has("--expect")) {
+        if (arguments.Has("--within")) {
+            throw UsageError("--within needs --expect");
+        }
+        return std::nullopt;
+    }
+    const std::int64_t element = arguments.Number("ELEMENT");
+    return Expectation{{code, OneNumberBody(element)},
+                       element,
+                       arguments.Number(parameter),
+                       arguments.SecondsOr("--within", kUsualTimeToBeSo)};
+}
+
+// A press has no outcome of its own: only a value that is another one afterwards shows it.
+std::optional<Expectation> ExpectOfPress(const Arguments& arguments) {
+    auto expectation = ExpectSame<kJElV>(arguments, "--expect");
+    if (expectation) {
+        expectation->mustBeNews = true;
+    }
+    return expectation;
+}
+
+std::optional<Expectation> ExpectOfSelect(const Arguments& arguments) {
+    return ExpectSame<kJGRV>(arguments, "INDEX");
+}
+
+std::optional<Expectation> ExpectOfSet(const Arguments& arguments) {
+    return ExpectSame<kJESI>(arguments, "NUMBER");
+}
+
 template <MessageCode code>
 Plan Ask(const Arguments& arguments) {
     return {{code, OneNumberBody(arguments.Number("ELEMENT"))}};
@@ -66,10 +113,21 @@ std::vector<Verb> ElementVerbs() {
         {.name = "press",
          .requests = "JBtP",
          .summary = "press a control",
-         .detail = "The driver does not report whether the control exists.",
+         .detail =
+             "The driver does not report whether the control exists. With --expect, exit code "
+             "0 means that the press took effect: the control's value was another one before "
+             "and is N after it. When it is N before, nothing is pressed (exit code 14).",
          .example = "krt9ctl press 59",
-         .parameters = {Element()},
-         .work = Ask<kJBtP>},
+         .parameters = {Element(),
+                        {.name = "--expect",
+                         .kind = ValueKind::number,
+                         .help = "succeed only if the control's value becomes N",
+                         .placeholder = "N",
+                         .smallest = kSmallestSigned32,
+                         .largest = kLargestSigned32},
+                        Within()},
+         .work = Ask<kJBtP>,
+         .expects = ExpectOfPress},
         {.name = "selected",
          .requests = "JGRV",
          .summary = "which button of a radio group is selected",
@@ -80,25 +138,34 @@ std::vector<Verb> ElementVerbs() {
         {.name = "select",
          .requests = "JSRV",
          .summary = "press one button of a radio group",
-         .detail = "The driver logs whether it worked; it does not report it.",
+         .detail = "The driver logs whether it worked; it does not report it. With --expect, exit "
+                   "code 0 means that the button is selected now, 14 that it is not.",
          .example = "krt9ctl select 59 2",
          .parameters = {Element(),
                         {.name = "INDEX",
                          .kind = ValueKind::number,
-                         .help = "the button, 0 for the first one"}},
-         .work = PlanSelect},
+                         .help = "the button, 0 for the first one"},
+                        Expect("succeed only if the button is selected then"),
+                        Within()},
+         .work = PlanSelect,
+         .expects = ExpectOfSelect},
         {.name = "set",
          .requests = "JSIS",
          .summary = "type a whole number into a text field and confirm it",
-         .detail = "The driver does not report whether the field exists.",
+         .detail =
+             "The driver does not report whether the field exists. With --expect, exit code 0 "
+             "means that the field's text begins with the number now, 14 that it does not.",
          .example = "krt9ctl set 59 42",
          .parameters = {Element(),
                         {.name = "NUMBER",
                          .kind = ValueKind::number,
                          .help = "what to type",
                          .smallest = kSmallestSigned32,
-                         .largest = kLargestSigned32}},
-         .work = PlanSet},
+                         .largest = kLargestSigned32},
+                        Expect("succeed only if the field shows the number then"),
+                        Within()},
+         .work = PlanSet,
+         .expects = ExpectOfSet},
     };
 }
 

@@ -29,6 +29,8 @@ constexpr std::array kExitCodes{
     ExitCodeRow{ExitCode::outOfReach, "out-of-reach",
                 "the element is there, but the driver's search does not find it"},
     ExitCodeRow{ExitCode::notThere, "not-there", "the application has no such element"},
+    ExitCodeRow{ExitCode::unmet, "unmet",
+                "what --expect or wait asks for was not so in time, or was so before"},
     ExitCodeRow{ExitCode::hungUp, "hung-up", "stopped by SIGHUP before the end"},
     ExitCodeRow{ExitCode::interrupted, "interrupted", "stopped by SIGINT before the end"},
     ExitCodeRow{ExitCode::pipeClosed, "pipe-closed", "nobody reads the output any more"},

@@ -22,6 +22,7 @@ enum class ExitCode : int {
     accessibility = 11,
     outOfReach = 12,
     notThere = 13,
+    unmet = 14,
     // As shells report the end by SIGHUP, SIGINT, SIGPIPE and SIGTERM.
     hungUp = 129,
     interrupted = 130,

@@ -15,14 +15,18 @@ Grammar MakeGrammar() {
     Grammar grammar;
     grammar.groups = {
         {"mouse", "one step of a mouse gesture"},
+        {"wait", "wait until a control is as expected"},
         {"observe", "follow something in the editing application"},
         {"desktop", "control the simulated desktop"},
     };
     Append(grammar.verbs, ElementVerbs());
+    Append(grammar.verbs, WaitVerbs());
     Append(grammar.verbs, InputVerbs());
     Append(grammar.verbs, ObservationVerbs());
     Append(grammar.verbs, WindowVerbs());
     Append(grammar.verbs, RawVerbs());
+    Append(grammar.verbs, BatchVerbs());
+    Append(grammar.verbs, PanicVerbs());
     Append(grammar.verbs, WatchVerbs());
     Append(grammar.verbs, DumpVerbs());
     Append(grammar.verbs, TreeVerbs());

@@ -2,11 +2,13 @@
 // the help and the verb `grammar` read the same rows.
 #pragma once
 
+#include <optional>
 #include <string_view>
 #include <variant>
 #include <vector>
 
 #include "tools/ExitCode.h"
+#include "tools/Expectation.h"
 #include "tools/Request.h"
 #include "tools/terminal/Parameter.h"
 
@@ -24,6 +26,7 @@ using terminal::ValueKind;
 
 // A verb either plans requests, which are then sent one after the other, or acts on its own.
 using MakePlan = Plan (*)(const Arguments&);
+using MakeExpectation = std::optional<Expectation> (*)(const Arguments&);
 using Act = ExitCode (*)(const Arguments&, Context&);
 
 struct Verb {
@@ -36,6 +39,8 @@ struct Verb {
     std::variant<MakePlan, Act> work;
     // Of a plan: the option with which its times are printed in place of its replies.
     std::string_view measuredWith = {};
+    // Of a plan: what must become so after it; null for nothing.
+    MakeExpectation expects = nullptr;
 };
 
 // The first word of verbs of two words.
@@ -57,10 +62,13 @@ const Grammar& TheGrammar();
 
 // One function for each family of verbs.
 std::vector<Verb> ElementVerbs();
+std::vector<Verb> WaitVerbs();
 std::vector<Verb> InputVerbs();
 std::vector<Verb> ObservationVerbs();
 std::vector<Verb> WindowVerbs();
 std::vector<Verb> RawVerbs();
+std::vector<Verb> BatchVerbs();
+std::vector<Verb> PanicVerbs();
 std::vector<Verb> WatchVerbs();
 std::vector<Verb> DumpVerbs();
 std::vector<Verb> TreeVerbs();

@@ -1,5 +1,8 @@
 #include "tools/Interruption.h"
 
+#include <sys/select.h>
+
+#include <cmath>
 #include <csignal>
 
 namespace krt9ctl {
@@ -14,6 +17,29 @@ extern "C" void RaiseFlag(int signal) {
     raised = raised == 0 ? signal : raised;
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
+}
+
+// The signals are delivered while it waits and not just before, when they would go unnoticed.
+// Returns what pselect returns.
+int Wait(int descriptor, const timespec* longest) {
+    sigset_t held;
+    sigset_t before;
+    sigemptyset(&held);
+    for (const int signal : kSignals) {
+        sigaddset(&held, signal);
+    }
+    sigprocmask(SIG_BLOCK, &held, &before);
+    int result = -1;
+    if (raised == 0) {
+        fd_set readable;
+        FD_ZERO(&readable);
+        if (descriptor >= 0) {
+            FD_SET(descriptor, &readable);
+        }
+        result = pselect(descriptor + 1, &readable, nullptr, nullptr, longest, &before);
+    }
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+    return result;
 }
 
 bool StaysIgnored(int signal) {
@@ -41,6 +67,21 @@ Interruption::~Interruption() {
             std::signal(signal, SIG_DFL);
         }
     }
+}
+
+void Interruption::Pause(double seconds) {
+    const double whole = std::floor(seconds);
+    const timespec longest{static_cast<time_t>(whole), static_cast<long>((seconds - whole) * 1e9)};
+    Wait(-1, &longest);
+}
+
+bool Interruption::AwaitInput(int descriptor) {
+    while (raised == 0) {
+        if (Wait(descriptor, nullptr) > 0) {
+            return true;
+        }
+    }
+    return false;
 }
 
 ExitCode Interruption::Raised() {

@@ -19,6 +19,13 @@ class Interruption {
 
     // The exit code for the first signal that arrived; ok while there is none.
     static ExitCode Raised();
+
+    // Waits until one of the signals arrives or the time, in seconds, has passed.
+    static void Pause(double seconds);
+
+    // Waits until something can be read from the descriptor, or it has ended; false when one of the
+    // signals arrives before, or has arrived.
+    static bool AwaitInput(int descriptor);
 };
 
 }  // namespace krt9ctl

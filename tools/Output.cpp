@@ -54,7 +54,7 @@ void Output::Document(const std::string& text) {
     Write(text);
 }
 
-void Output::Problem(ExitCode code, const std::string& sentence, Json object) {
+void Output::Fail(ExitCode code, const std::string& sentence, Json object) {
     if (json_) {
         object["error"] = ExitCodeName(code);
         object["message"] = sentence;

@@ -19,11 +19,13 @@ struct Streams {
     std::ostream& err;
     int outDescriptor = -1;
     int errDescriptor = -1;
+    int inDescriptor = -1;  // of the standard input; -1 for none
 };
 
 class Output {
   public:
     Output(const Streams& streams, bool json);
+    virtual ~Output() = default;
 
     bool IsJson() const { return json_; }
 
@@ -32,13 +34,15 @@ class Output {
 
     // The object for programs, the sentence for people (none when it is empty). Each line is
     // flushed, so that a reader at the other end of a pipe sees it at once.
-    void Result(const Json& object, const std::string& sentence);
+    virtual void Result(const Json& object, const std::string& sentence);
 
     // A text that is the same for both, unchanged.
     void Document(const std::string& text);
 
     // The sentence on the error stream; for programs also the object with "error" and "message".
-    void Problem(ExitCode code, const std::string& sentence, Json object = Json::object());
+    void Problem(ExitCode code, const std::string& sentence, Json object = Json::object()) {
+        Fail(code, sentence, std::move(object));
+    }
 
     // A sentence on the error stream that is neither result nor failure.
     void Remark(const std::string& sentence);
@@ -53,6 +57,10 @@ class Output {
 
     // Checks whether the reader is still there, without writing anything.
     void NoticeClosedPipe();
+
+  protected:
+    // As Problem.
+    virtual void Fail(ExitCode code, const std::string& sentence, Json object);
 
   private:
     void Write(const std::string& text);

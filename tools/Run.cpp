@@ -6,9 +6,8 @@
 
 #include "tools/Client.h"
 #include "tools/CommandLine.h"
-#include "tools/Conversation.h"
 #include "tools/Interruption.h"
-#include "tools/ReplyTimes.h"
+#include "tools/RequestVerb.h"
 #include "tools/Version.h"
 #include "tools/terminal/Help.h"
 #include "tools/terminal/Terminal.h"
@@ -17,28 +16,27 @@ namespace krt9ctl {
 
 namespace {
 
-ExitCode SendPlan(const Plan& plan, bool isMeasured, Context& context) {
+ExitCode Send(const Errand& errand, Context& context) {
     // A single request leaves nothing to release: the signal may end the process at once.
     std::optional<Interruption> interruption;
-    if (plan.size() > 1) {
+    if (!errand.IsSingleRequest()) {
         interruption.emplace();
     }
     Client client(context.timeout);
-    const auto carry = isMeasured ? MeasureReplies : Converse;
-    return carry(
-        plan, [&client](const Request& request) { return client.Send(request); },
+    return RunErrand(
+        errand, [&client](const Request& request) { return client.Send(request); },
         [&interruption] { return interruption ? Interruption::Raised() : ExitCode::ok; },
         context.output);
 }
 
-ExitCode Carry(const Invocation& invocation, Output& output) {
-    Context context{output, invocation.timeout};
+ExitCode Carry(const Invocation& invocation, Context& context) {
+    Output& output = context.output;
+    context.timeout = invocation.timeout;
     const Verb& verb = *invocation.verb;
     try {
         const Arguments arguments(verb, invocation.given);
-        if (const auto* makePlan = std::get_if<MakePlan>(&verb.work)) {
-            const bool isMeasured = !verb.measuredWith.empty() && arguments.Has(verb.measuredWith);
-            return SendPlan((*makePlan)(arguments), isMeasured, context);
+        if (std::holds_alternative<MakePlan>(verb.work)) {
+            return Send(ErrandOf(verb, arguments), context);
         }
         return std::get<Act>(verb.work)(arguments, context);
     } catch (const UsageError& error) {
@@ -59,21 +57,15 @@ void Inform(const Information& information, std::size_t columns, Output& output)
     }
 }
 
-// The verb, what is wrong, and the command that shows more.
-std::string Explain(const UsageError& error) {
-    const std::string& command = error.Command();
-    return fmt::format("{}{}{} (see krt9ctl {}{}--help)", command, command.empty() ? "" : ": ",
-                       error.what(), command, command.empty() ? "" : " ");
-}
-
-ExitCode Obey(std::vector<std::string> words, std::size_t columns, Output& output) {
+ExitCode Obey(std::vector<std::string> words, std::size_t columns, Context& context) {
+    Output& output = context.output;
     try {
         const auto parsed = ParseCommandLine(TheGrammar(), std::move(words));
         if (const auto* information = std::get_if<Information>(&parsed)) {
             Inform(*information, columns, output);
             return ExitCode::ok;
         }
-        return Carry(std::get<Invocation>(parsed), output);
+        return Carry(std::get<Invocation>(parsed), context);
     } catch (const UsageError& error) {
         output.Problem(ExitCode::usage, Explain(error));
         return ExitCode::usage;
@@ -82,10 +74,17 @@ ExitCode Obey(std::vector<std::string> words, std::size_t columns, Output& outpu
 
 }  // namespace
 
+std::string Explain(const UsageError& error) {
+    const std::string& command = error.Command();
+    return fmt::format("{}{}{} (see krt9ctl {}{}--help)", command, command.empty() ? "" : ": ",
+                       error.what(), command, command.empty() ? "" : " ");
+}
+
 ExitCode RunCommandLine(std::vector<std::string> words, const Streams& streams) {
     Output output(streams, AsksForJson(words));
     const std::size_t columns = terminal::Columns(streams.outDescriptor);
-    const ExitCode code = Obey(std::move(words), columns, output);
+    Context context{output, kUsualTimeout, streams.inDescriptor};
+    const ExitCode code = Obey(std::move(words), columns, context);
     return code == ExitCode::ok ? output.Status() : code;
 }
 

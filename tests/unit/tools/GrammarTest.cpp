@@ -65,6 +65,9 @@ TEST(Grammar, EveryVerbSendsTheRequestsItsRowNames) {
         for (const Request& request : PlanOf(words)) {
             sent.insert(FormatCode(request.code));
         }
+        if (const auto expectation = ErrandFor(words).expectation) {
+            sent.insert(FormatCode(expectation->question.code));
+        }
         EXPECT_EQ(sent, CodesOf(verb.requests)) << verb.name;
     }
 }

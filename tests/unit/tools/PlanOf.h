@@ -9,13 +9,18 @@
 
 #include "tools/Arguments.h"
 #include "tools/CommandLine.h"
+#include "tools/RequestVerb.h"
 
 namespace krt9ctl {
 
-inline Plan PlanOf(std::vector<std::string> words) {
+inline Errand ErrandFor(std::vector<std::string> words) {
     const auto parsed = ParseCommandLine(TheGrammar(), std::move(words));
     const auto& invocation = std::get<Invocation>(parsed);
-    return std::get<MakePlan>(invocation.verb->work)(Arguments(*invocation.verb, invocation.given));
+    return ErrandOf(*invocation.verb, Arguments(*invocation.verb, invocation.given));
+}
+
+inline Plan PlanOf(std::vector<std::string> words) {
+    return ErrandFor(std::move(words)).plan;
 }
 
 // "CODE hex" for each request.

@@ -1,0 +1,210 @@
+// The verb that carries out the command lines of its input, over one connection.
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <iomanip>
+#include <sstream>
+
+#include "tools/Client.h"
+#include "tools/CommandLine.h"
+#include "tools/InputLines.h"
+#include "tools/Interruption.h"
+#include "tools/RequestVerb.h"
+#include "tools/Run.h"
+#include "tools/Text.h"
+
+namespace krt9ctl {
+
+namespace {
+
+// What one line of the input prints, kept to become one line of the output.
+class KeptOutput : public Output {
+  public:
+    KeptOutput() : Output({nowhere_, nowhere_}, true) {}
+
+    void Result(const Json& object, const std::string& sentence) override {
+        objects_.push_back(object);
+        if (!sentence.empty()) {
+            sentences_.push_back(sentence);
+        }
+    }
+
+    const Json& Objects() const { return objects_; }
+    const std::vector<std::string>& Sentences() const { return sentences_; }
+    const std::string& Failure() const { return failure_; }  // the first one
+
+  protected:
+    void Fail(ExitCode /*code*/, const std::string& sentence, Json object) override {
+        if (failure_.empty()) {
+            failure_ = sentence;
+        }
+        if (!object.empty()) {
+            objects_.push_back(std::move(object));
+        }
+    }
+
+  private:
+    std::ostringstream nowhere_;
+    Json objects_ = Json::array();
+    std::vector<std::string> sentences_;
+    std::string failure_;
+};
+
+std::vector<std::string> WordsOf(const std::string& line) {
+    if (line.find('\0') != std::string::npos) {
+        throw UsageError("the line has a zero byte");
+    }
+    std::istringstream rest(line);
+    std::vector<std::string> words;
+    while (!(rest >> std::ws).eof()) {
+        std::string word;
+        if (!(rest >> std::quoted(word))) {
+            throw UsageError("a quotation mark is not closed");
+        }
+        words.push_back(word);
+    }
+    return words;
+}
+
+bool IsSkipped(const std::vector<std::string>& words) {
+    return words.empty() || words.front().starts_with('#');
+}
+
+// Throws UsageError for what is not one verb that sends requests.
+Invocation InvocationOf(const std::vector<std::string>& words) {
+    const auto parsed = ParseCommandLine(TheGrammar(), words);
+    const auto* invocation = std::get_if<Invocation>(&parsed);
+    if (invocation == nullptr) {
+        throw UsageError("help and version are not for a batch");
+    }
+    if (!std::holds_alternative<MakePlan>(invocation->verb->work)) {
+        throw UsageError("only verbs that send requests can stand in a batch",
+                         invocation->verb->name);
+    }
+    if (invocation->json) {
+        throw UsageError("--json stands before or after the verb batch itself");
+    }
+    return *invocation;
+}
+
+class Batch {
+  public:
+    explicit Batch(Context& context) : output_(context.output), usualTimeout_(context.timeout) {}
+
+    ExitCode Run(InputLines& lines, bool stopsAtFailure);
+
+  private:
+    // Nothing for a line that has no verb.
+    std::optional<ExitCode> Obey(const InputLine& line);
+    ExitCode CarryOut(const InputLine& line, const std::vector<std::string>& words,
+                      KeptOutput& kept);
+    void Tell(ExitCode code, const KeptOutput& kept);
+
+    Output& output_;
+    double usualTimeout_;
+    Client client_{usualTimeout_};
+    std::size_t number_ = 0;  // of the line, from 1
+};
+
+ExitCode Batch::CarryOut(const InputLine& line, const std::vector<std::string>& words,
+                         KeptOutput& kept) {
+    if (line.isTooLong) {
+        throw UsageError(fmt::format("the line has more than {} bytes", kLongestLine));
+    }
+    const Invocation invocation = InvocationOf(words);
+    const Verb& verb = *invocation.verb;
+    client_.SetTimeout(invocation.hasTimeout ? invocation.timeout : usualTimeout_);
+    try {
+        const Errand errand = ErrandOf(verb, Arguments(verb, invocation.given));
+        return RunErrand(
+            errand, [this](const Request& request) { return client_.Send(request); },
+            Interruption::Raised, kept);
+    } catch (const UsageError& error) {
+        throw UsageError(error.what(), verb.name);
+    }
+}
+
+std::optional<ExitCode> Batch::Obey(const InputLine& line) {
+    KeptOutput kept;
+    ExitCode code = ExitCode::ok;
+    try {
+        const auto words = WordsOf(line.text);
+        if (!line.isTooLong && IsSkipped(words)) {
+            return std::nullopt;
+        }
+        output_.Progress(fmt::format("line {}", number_));
+        code = CarryOut(line, words, kept);
+    } catch (const UsageError& error) {
+        code = ExitCode::usage;
+        kept.Problem(code, Explain(error));
+    } catch (const std::exception& error) {
+        code = ExitCode::failure;
+        kept.Problem(code, error.what());
+    }
+    Tell(code, kept);
+    return code;
+}
+
+void Batch::Tell(ExitCode code, const KeptOutput& kept) {
+    Json object{{"line", number_}, {"replies", kept.Objects()}};
+    if (code == ExitCode::ok) {
+        const std::string said = fmt::format("{}", fmt::join(kept.Sentences(), ", "));
+        output_.Result(object, fmt::format("{}: {}", number_, said.empty() ? "ok" : said));
+        return;
+    }
+    object["error"] = ExitCodeName(code);
+    object["message"] = kept.Failure();
+    output_.Result(object, fmt::format("{}: {}: {}", number_, ExitCodeName(code), kept.Failure()));
+}
+
+ExitCode Batch::Run(InputLines& lines, bool stopsAtFailure) {
+    ExitCode first = ExitCode::ok;
+    while (output_.Status() == ExitCode::ok) {
+        output_.Progress("waiting for a line of the standard input");
+        const auto line = lines.Next();
+        if (!line) {
+            break;
+        }
+        ++number_;
+        const ExitCode code = Obey(*line).value_or(ExitCode::ok);
+        first = first == ExitCode::ok ? code : first;
+        if (Interruption::Raised() != ExitCode::ok || (stopsAtFailure && first != ExitCode::ok)) {
+            break;
+        }
+    }
+    if (const ExitCode signal = Interruption::Raised(); signal != ExitCode::ok) {
+        ReportSignal(signal, output_);
+        return signal;
+    }
+    return first;
+}
+
+ExitCode ActBatch(const Arguments& arguments, Context& context) {
+    const Interruption interruption;
+    InputLines lines(context.inDescriptor);
+    return Batch(context).Run(lines, arguments.Has("--stop"));
+}
+
+}  // namespace
+
+std::vector<Verb> BatchVerbs() {
+    return {
+        {.name = "batch",
+         .requests = "",
+         .summary = "carry out the command lines of the standard input over one connection",
+         .detail = "Each line is a verb that sends requests, with its arguments: value 59. Words "
+                   "are separated by blanks; a word with blanks stands in double quotes, in which "
+                   "\\\" and \\\\ are a quotation mark and a backslash. Empty lines and those that "
+                   "begin with # are skipped. Prints one line for each other one: its number and "
+                   "the reply, ok, or the name of an exit code and what is wrong. A line that "
+                   "fails does not end the batch, whose exit code is that of the first failure. "
+                   "A line may have its own --timeout.",
+         .example = "krt9ctl batch --stop",
+         .parameters = {{.name = "--stop",
+                         .kind = ValueKind::flag,
+                         .help = "end with the first line that fails"}},
+         .work = ActBatch},
+    };
+}
+
+}  // namespace krt9ctl
