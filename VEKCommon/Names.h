@@ -5,6 +5,10 @@
 #define kDriverPortName "KRT9Background"
 #define kCompanionPortName "VEK_KRT9"
 
+// The controller on the MIDI bus: its device, and the entity of that to which the driver connects.
+#define kControllerDevice "KRT-9 USB"
+#define kControllerEntity "Private"
+
 // The editing application. Compared exactly: an identifier that begins with it is not the editor's.
 #define kEditorBundleID "com.apple.FinalCut"
 

@@ -4,12 +4,13 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreMIDI/CoreMIDI.h>
 
+#include "VEKCommon/Names.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 
 namespace {
 
-constexpr char kControllerDeviceName[] = "KRT-9 USB";
-constexpr char kPrivateEntityName[] = "Private";
+constexpr char kControllerDeviceName[] = kControllerDevice;
+constexpr char kPrivateEntityName[] = kControllerEntity;
 constexpr char kEchoEntityName[] = "Echo";
 constexpr unsigned kLongestName = 128;  // bytes, terminator included
 constexpr CFIndex kNameCapacity = 256;  // bytes

@@ -23,6 +23,15 @@ enum class ExitCode : int {
     outOfReach = 12,
     notThere = 13,
     unmet = 14,
+    // Of doctor.
+    companion = 20,
+    permission = 21,
+    front = 22,
+    controls = 23,
+    controller = 24,
+    translations = 25,
+    versions = 26,
+    secondDriver = 27,
     // As shells report the end by SIGHUP, SIGINT, SIGPIPE and SIGTERM.
     hungUp = 129,
     interrupted = 130,

@@ -31,6 +31,7 @@ Grammar MakeGrammar() {
     Append(grammar.verbs, DumpVerbs());
     Append(grammar.verbs, TreeVerbs());
     Append(grammar.verbs, WhyVerbs());
+    Append(grammar.verbs, DoctorVerbs());
     Append(grammar.verbs, KeyVerbs());
     Append(grammar.verbs, GrammarVerbs());
     Append(grammar.verbs, DesktopVerbs());

@@ -73,6 +73,7 @@ std::vector<Verb> WatchVerbs();
 std::vector<Verb> DumpVerbs();
 std::vector<Verb> TreeVerbs();
 std::vector<Verb> WhyVerbs();
+std::vector<Verb> DoctorVerbs();
 std::vector<Verb> GrammarVerbs();
 std::vector<Verb> KeyVerbs();
 

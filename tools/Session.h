@@ -2,6 +2,9 @@
 // nothing in common here: there is one source for each.
 #pragma once
 
+#include <sys/types.h>
+
+#include <optional>
 #include <string>
 
 namespace krt9ctl {
@@ -15,5 +18,11 @@ std::string SessionName();
 
 // A command that starts the driver in it.
 std::string DriverStartCommand();
+
+// A command that ends the driver and starts it again; `pid` is that of its process, if it is known.
+std::string DriverRestartCommand(std::optional<pid_t> pid);
+
+// A command after which the user can grant the driver the accessibility permission.
+std::string PermissionCommand();
 
 }  // namespace krt9ctl

@@ -38,4 +38,12 @@ std::string DriverStartCommand() {
     return std::filesystem::exists(beside, problem) ? beside.string() : program;
 }
 
+std::string DriverRestartCommand(std::optional<pid_t> pid) {
+    return (pid ? "kill -INT " + std::to_string(*pid) + "; " : "") + DriverStartCommand();
+}
+
+std::string PermissionCommand() {
+    return "krt9ctl desktop trust";
+}
+
 }  // namespace krt9ctl

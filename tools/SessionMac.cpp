@@ -13,4 +13,13 @@ std::string DriverStartCommand() {
     return "open -a KRT9Background";
 }
 
+std::string DriverRestartCommand(std::optional<pid_t> /*pid*/) {
+    return "killall -INT KRT9Background; " + DriverStartCommand();
+}
+
+std::string PermissionCommand() {
+    return "open "
+           "'x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility'";
+}
+
 }  // namespace krt9ctl

@@ -13,9 +13,8 @@ namespace local_socket {
 namespace {
 
 // An empty variable counts as one that is not set.
-const char* Environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : nullptr;
+bool IsSet(const char* value) {
+    return value != nullptr && *value != '\0';
 }
 
 // Why the path could not be opened as a real folder. A link is named as such: the kernel's own
@@ -51,19 +50,23 @@ std::string OwnershipProblem(const std::string& path, int directory) {
 
 }  // namespace
 
-std::string SessionDirectoryPath() {
-    if (const char* own = Environment("KRT9_SESSION_DIR")) {
-        std::string path = own;
+std::string SessionDirectoryPath(const char* sessionVariable, const char* runtimeVariable) {
+    if (IsSet(sessionVariable)) {
+        std::string path = sessionVariable;
         // The kernel follows a link that is written with a slash behind it.
         while (path.size() > 1 && path.back() == '/') {
             path.pop_back();
         }
         return path;
     }
-    if (const char* runtime = Environment("XDG_RUNTIME_DIR")) {
-        return std::string(runtime) + "/krt9";
+    if (IsSet(runtimeVariable)) {
+        return std::string(runtimeVariable) + "/krt9";
     }
     return fmt::format("/tmp/krt9-{}", geteuid());
+}
+
+std::string SessionDirectoryPath() {
+    return SessionDirectoryPath(std::getenv("KRT9_SESSION_DIR"), std::getenv("XDG_RUNTIME_DIR"));
 }
 
 Descriptor OpenSessionDirectory(IfMissing ifMissing, std::string* problem) {

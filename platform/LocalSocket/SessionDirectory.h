@@ -21,4 +21,8 @@ Descriptor OpenSessionDirectory(IfMissing ifMissing, std::string* problem);
 // The same folder as a path, for messages.
 std::string SessionDirectoryPath();
 
+// That of a process of this user whose variables have these values; null or empty for those that
+// are not set.
+std::string SessionDirectoryPath(const char* sessionVariable, const char* runtimeVariable);
+
 }  // namespace local_socket
