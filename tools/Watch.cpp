@@ -1,5 +1,6 @@
 // The verb that replaces the companion: it owns its port and prints what the driver sends to it.
 #include <CoreFoundation/CoreFoundation.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <optional>
@@ -13,6 +14,7 @@
 #include "tools/Interruption.h"
 #include "tools/Run.h"
 #include "tools/Session.h"
+#include "tools/doctor/Ports.h"
 
 namespace krt9ctl {
 
@@ -84,6 +86,7 @@ void Watch::Listen(Clock::time_point end) {
 ExitCode Watch::Run(std::optional<double> seconds) {
     CheckSession();
     const Interruption interruption;
+    const doctor::PortFacts driver = doctor::LookAtPort(kDriverPortName);
     CFMessagePortContext context{0, this, nullptr, nullptr, nullptr};
     const OwnedReference<CFMessagePortRef> port(CFMessagePortCreateLocal(
         kCFAllocatorDefault, CFSTR(kCompanionPortName), ReceiveEntry, &context, nullptr));
@@ -96,6 +99,12 @@ ExitCode Watch::Run(std::optional<double> seconds) {
         CFMessagePortCreateRunLoopSource(kCFAllocatorDefault, port.get(), 0));
     CFRunLoopAddSource(CFRunLoopGetCurrent(), source.get(), kCFRunLoopDefaultMode);
     output_.Remark("watching the companion's port VEK_KRT9");
+    if (driver.isThere) {
+        output_.Remark(fmt::format(
+            "the driver was there first: it looks for this port only when it starts, so that it "
+            "sends no messages here until it is started again: {}",
+            DriverRestartCommand(driver.owner)));
+    }
     const auto forever = Clock::time_point::max();
     Listen(seconds ? Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                         std::chrono::duration<double>(*seconds))

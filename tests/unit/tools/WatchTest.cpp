@@ -119,6 +119,16 @@ TEST_F(Watched, EndsAfterTheTimeWithoutAnyMessage) {
     EXPECT_THAT(err.str(), HasSubstr("watching the companion's port"));
 }
 
+TEST_F(Watched, SaysWhenTheDriverWasThereFirst) {
+    EXPECT_EQ(Watch({"--for", "0.01"}), ExitCode::ok);
+    EXPECT_THAT(err.str(), testing::Not(HasSubstr("was there first")));
+    stage.StartDriver();
+    EXPECT_EQ(Watch({"--for", "0.01"}), ExitCode::ok);
+    EXPECT_THAT(err.str(), HasSubstr("the driver was there first"));
+    EXPECT_THAT(err.str(), HasSubstr("kill -INT " + std::to_string(stage.Driver().pid()) + "; " +
+                                     Stage::DriverPath()));
+}
+
 TEST_F(Watched, PortOfAnotherProcessIsAnExitCodeOfItsOwn) {
     stage.StartCompanion();
     EXPECT_EQ(Watch({"--for", "0.01"}), ExitCode::nameTaken);
