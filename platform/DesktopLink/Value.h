@@ -51,7 +51,7 @@ struct Bytes {
     friend bool operator==(const Bytes&, const Bytes&) = default;
 };
 
-// Arrays and dictionaries nest at most this deep.
+// Arrays and dictionaries nest at most this deep below the outermost one.
 inline constexpr std::size_t kDeepestValue = 64;
 
 struct Value;

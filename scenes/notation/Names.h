@@ -8,7 +8,7 @@
 
 namespace scene_notation {
 
-// Arrays and dictionaries of an attribute's value nest at most this deep: a scene can hold every
+// Arrays and dictionaries nest at most this deep below an attribute's value: a scene can hold every
 // value that a process can get from the desktop.
 inline constexpr std::size_t kDeepestValue = desktop_link::kDeepestValue;
 
