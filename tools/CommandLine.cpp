@@ -14,6 +14,9 @@ namespace krt9ctl {
 
 namespace {
 
+// The heading above the verbs in a help.
+constexpr char kVerbs[] = "Verbs";
+
 constexpr char kCommonOptions[] =
     "Every verb takes --json and --timeout SECONDS. Exit codes: krt9ctl --help.";
 
@@ -101,7 +104,6 @@ class Parser {
 
 Parser::Parser(const Grammar& grammar) : grammar_(grammar) {
     app_.get_formatter()->label("SUBCOMMAND", "VERB");
-    app_.get_formatter()->label("Subcommands", "Verbs");
     app_.get_formatter()->label("Positionals", "Arguments");
     app_.fallthrough();
     app_.require_subcommand(1);
@@ -130,6 +132,7 @@ CLI::App* Parser::ParentOf(const Verb& verb) {
     const auto group = std::find_if(grammar_.groups.begin(), grammar_.groups.end(),
                                     [&name](const VerbGroup& each) { return each.name == name; });
     CLI::App* command = app_.add_subcommand(name, std::string(group->summary));
+    command->group(kVerbs);
     command->require_subcommand(1);
     command->footer(kCommonOptions);
     groups_[name] = command;
@@ -139,6 +142,7 @@ CLI::App* Parser::ParentOf(const Verb& verb) {
 void Parser::AddVerb(const Verb& verb) {
     const std::string lastWord(verb.name.substr(verb.name.find(' ') + 1));
     CLI::App* command = ParentOf(verb)->add_subcommand(lastWord, std::string(verb.summary));
+    command->group(kVerbs);
     command->require_subcommand(0);
     command->footer(VerbFooter(verb));
     BoundVerb bound{&verb, command, {}};

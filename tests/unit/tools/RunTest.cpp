@@ -13,6 +13,7 @@ namespace krt9ctl {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 TEST(Help, ListsVerbsAndExitCodes) {
     std::ostringstream out, err;
@@ -25,6 +26,16 @@ TEST(Help, ListsVerbsAndExitCodes) {
         EXPECT_THAT(out.str(), HasSubstr(" " + std::string(row.name) + " ")) << row.name;
     }
     EXPECT_EQ(err.str(), "");
+}
+
+TEST(Help, HasItsVerbsUnderThatHeading) {
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"--help"}, {"mouse", "--help"}}) {
+        std::ostringstream out, err;
+        EXPECT_EQ(RunCommandLine(words, {out, err}), ExitCode::ok);
+        EXPECT_THAT(out.str(), HasSubstr("\nVerbs:\n"));
+        EXPECT_THAT(out.str(), Not(HasSubstr("ubcommand")));
+    }
 }
 
 TEST(Help, OfAVerbHasItsRequestAndExample) {
