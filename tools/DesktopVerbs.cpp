@@ -165,7 +165,7 @@ std::vector<Verb> DesktopVerbs() {
         {.name = "desktop select-clip",
          .summary = "select a clip in the editor",
          .detail = "",
-         .example = "krt9ctl desktop select-clip \"Clip 2\"",
+         .example = "krt9ctl desktop select-clip Gulls",
          .parameters = {Optional("CLIP", "the clip's name"),
                         {.name = "--row",
                          .kind = ValueKind::number,

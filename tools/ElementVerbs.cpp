@@ -83,7 +83,7 @@ std::vector<Verb> ElementVerbs() {
          .summary = "the numeric value of a control",
          .detail =
              "Prints a signed 32-bit number; 0 also for a control whose value is not a number.",
-         .example = "krt9ctl value 59",
+         .example = "krt9ctl value 171",
          .parameters = {Element()},
          .work = Ask<kJElV>},
         {.name = "number",
@@ -91,7 +91,7 @@ std::vector<Verb> ElementVerbs() {
          .summary = "the whole number that a control's text begins with",
          .detail = "Prints a signed 32-bit number, 0 for a text that does not begin with one; a "
                    "control without text gets no reply.",
-         .example = "krt9ctl number 42",
+         .example = "krt9ctl number 87",
          .parameters = {Element()},
          .work = Ask<kJESI>},
         {.name = "position",
@@ -107,7 +107,7 @@ std::vector<Verb> ElementVerbs() {
          .requests = "JEPp",
          .summary = "the top left corner of what a control lies in",
          .detail = "Prints X,Y in global display coordinates, points.",
-         .example = "krt9ctl parent-position 59",
+         .example = "krt9ctl parent-position 159",
          .parameters = {Element()},
          .work = Ask<kJEPp>},
         {.name = "press",
@@ -117,7 +117,7 @@ std::vector<Verb> ElementVerbs() {
              "The driver does not report whether the control exists. With --expect, exit code "
              "0 means that the press took effect: the control's value was another one before "
              "and is N after it. When it is N before, nothing is pressed (exit code 14).",
-         .example = "krt9ctl press 59",
+         .example = "krt9ctl press 171",
          .parameters = {Element(),
                         {.name = "--expect",
                          .kind = ValueKind::number,
@@ -132,7 +132,7 @@ std::vector<Verb> ElementVerbs() {
          .requests = "JGRV",
          .summary = "which button of a radio group is selected",
          .detail = "Prints the button's index, 0 for the first one.",
-         .example = "krt9ctl selected 59",
+         .example = "krt9ctl selected 119",
          .parameters = {Element()},
          .work = Ask<kJGRV>},
         {.name = "select",
@@ -140,7 +140,7 @@ std::vector<Verb> ElementVerbs() {
          .summary = "press one button of a radio group",
          .detail = "The driver logs whether it worked; it does not report it. With --expect, exit "
                    "code 0 means that the button is selected now, 14 that it is not.",
-         .example = "krt9ctl select 59 2",
+         .example = "krt9ctl select 119 2",
          .parameters = {Element(),
                         {.name = "INDEX",
                          .kind = ValueKind::number,
@@ -155,7 +155,7 @@ std::vector<Verb> ElementVerbs() {
          .detail =
              "The driver does not report whether the field exists. With --expect, exit code 0 "
              "means that the field's text begins with the number now, 14 that it does not.",
-         .example = "krt9ctl set 59 42",
+         .example = "krt9ctl set 87 120",
          .parameters = {Element(),
                         {.name = "NUMBER",
                          .kind = ValueKind::number,

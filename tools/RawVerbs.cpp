@@ -19,7 +19,7 @@ std::vector<Verb> RawVerbs() {
          .summary = "send any request, given its code and the bytes of its body",
          .detail = "A reply of a known code is decoded; any other one is printed as hex digits. An "
                    "unknown code may go unanswered.",
-         .example = "krt9ctl request JElV 3b000000",
+         .example = "krt9ctl request JElV ab000000",
          .parameters = {{.name = "CODE",
                          .kind = ValueKind::code,
                          .help = "four characters, upper and lower case count"},

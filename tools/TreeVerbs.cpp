@@ -155,7 +155,7 @@ std::vector<Verb> TreeVerbs() {
                    "earlier element with the same identifier. With a filter, "
                    "the elements around those found are shown as well, but not with --json. Reads "
                    "the elements itself, without the driver; --timeout is that of each call.",
-         .example = "krt9ctl tree --text timecode",
+         .example = "krt9ctl tree --text index",
          .parameters = WithSource(
              {{.name = "--role",
                .kind = ValueKind::text,

@@ -104,7 +104,7 @@ std::vector<Verb> WindowVerbs() {
          .detail = "Prints which candidate it was (0 for the first one), position and size in "
                    "points. The driver translates each key by its table of window titles and looks "
                    "for a window whose title contains the translation.",
-         .example = "krt9ctl target Viewer Browser/Timeline",
+         .example = "krt9ctl target Viewer Editor/BackgroundTasks",
          .parameters = {{.name = "KEY",
                          .kind = ValueKind::text,
                          .help = "key of a title; KEY/SUBKEY asks for the frame of SUBKEY's window "

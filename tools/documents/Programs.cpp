@@ -28,7 +28,7 @@ const terminal::Program& CompanionProgram() {
         .files = {},
         .signals = {{"SIGINT, SIGTERM, SIGHUP",
                      "end a gesture by releasing what it holds down, and watch cleanly"}},
-        .example = "krt9ctl value 59",
+        .example = "krt9ctl value 171",
         .seeAlso = {"krt9-desktop(1)", "KRT9Background(8)"},
     };
     return program;

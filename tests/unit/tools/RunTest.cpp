@@ -81,7 +81,7 @@ TEST(Json, OfVersionAndHelpIsOneObjectInOneLine) {
     EXPECT_EQ(RunCommandLine({"--version", "--json"}, {version, err}), ExitCode::ok);
     EXPECT_EQ(version.str(), "{\"name\":\"krt9ctl\",\"version\":\"1.0.0\"}\n");
     EXPECT_EQ(RunCommandLine({"--json", "press", "--help"}, {help, err}), ExitCode::ok);
-    EXPECT_THAT(Json::parse(help.str())["help"], HasSubstr("Example: krt9ctl press 59"));
+    EXPECT_THAT(Json::parse(help.str())["help"], HasSubstr("Example: krt9ctl press 171"));
     const std::string line = help.str();
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
 }
