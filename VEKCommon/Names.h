@@ -5,6 +5,10 @@
 #define kDriverPortName "KRT9Background"
 #define kCompanionPortName "VEK_KRT9"
 
+// Under which the driver's signposts are found: its bundle's identifier, and a category.
+#define kDriverBundleID "com.solvanto.KRT9Background"
+#define kSignpostCategory "driver"
+
 // The controller on the MIDI bus: its device, and the entity of that to which the driver connects.
 #define kControllerDevice "KRT-9 USB"
 #define kControllerEntity "Private"

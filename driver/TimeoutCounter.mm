@@ -3,6 +3,7 @@
 #import <AppKit/AppKit.h>
 
 #include "VEKCommon/Names.h"
+#include "VEKCommon/Signposts.h"
 #include "accessibility/calls/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "frontapplication/FrontApplication.h"
@@ -14,6 +15,30 @@ constexpr CFTimeInterval kTickInterval = 0.1;
 bool IsEditor(NSString* bundleID) {
     return [bundleID compare:@kEditorBundleID options:NSLiteralSearch] == NSOrderedSame;
 }
+
+// A step of the tick, from here to the end of the scope.
+class StepSignpost {
+  public:
+    explicit StepSignpost(TickStep step) : step_(step) { SignpostStepBegins(step_); }
+    ~StepSignpost() { SignpostStepEnds(step_, CallsMade() - callsBefore_); }
+    StepSignpost(const StepSignpost&) = delete;
+    StepSignpost& operator=(const StepSignpost&) = delete;
+
+  private:
+    TickStep step_;
+    unsigned long callsBefore_ = CallsMade();
+};
+
+class TickSignpost {
+  public:
+    TickSignpost() { SignpostTickBegins(); }
+    ~TickSignpost() { SignpostTickEnds(CallsMade() - callsBefore_); }
+    TickSignpost(const TickSignpost&) = delete;
+    TickSignpost& operator=(const TickSignpost&) = delete;
+
+  private:
+    unsigned long callsBefore_ = CallsMade();
+};
 
 }  // namespace
 
@@ -43,7 +68,9 @@ void CVEK_UserSpaceDriver::TimeoutCounterEntry(CFRunLoopTimerRef, void*) {
 }
 
 void CVEK_UserSpaceDriver::TimeoutCounter() {
+    const TickSignpost tick;
     if (!localeSent) {
+        const StepSignpost step(TickStep::language);
         localeSent = GetLocale();
     }
 
@@ -55,14 +82,17 @@ void CVEK_UserSpaceDriver::TimeoutCounter() {
         // application normally selects the default row.
         CFStringRef shortVersion = nullptr;
         if (CFWorkspace_FrontApplicationShortVersion(&shortVersion)) {
+            const StepSignpost step(TickStep::profile);
             fcpxProfile = ProfileForVersion(shortVersion);
         }
         if (IsEditor(bundleID) && (observeClipSelection || observeTimelineTimecode)) {
             const OneWait wait;
             if (observeClipSelection) {
+                const StepSignpost step(TickStep::clip);
                 ObserveFCPXClipSelectionTask();
             }
             if (observeTimelineTimecode) {
+                const StepSignpost step(TickStep::timecode);
                 ObserveFCPXTimelineTimecodeTask();
             }
             timelineIndexChanged = false;
@@ -70,6 +100,7 @@ void CVEK_UserSpaceDriver::TimeoutCounter() {
     }
 
     if (connected && !statusValid) {
+        const StepSignpost step(TickStep::status);
         RequestKRTStatus();
     }
 }

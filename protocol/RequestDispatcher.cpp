@@ -10,6 +10,7 @@
 #include <string>
 
 #include "VEKCommon/MessageCodes.h"
+#include "VEKCommon/Signposts.h"
 #include "accessibility/calls/ApplicationCall.h"
 #include "driver/CVEK_UserSpaceDriver.h"
 #include "protocol/BoundedBytes.h"
@@ -30,6 +31,7 @@ enum class Guard {
 struct Request {
     SInt32 code;
     Guard guard;
+    bool hasReply;
     bool (*holdsCompleteRecord)(BoundedBytes& body);
     CFDataRef (*serve)(CVEK_UserSpaceDriver& driver, const unsigned char* completeBody);
 };
@@ -56,11 +58,11 @@ using Do = RequestOperations;
 using NoReply = void;
 
 template <SInt32 code, Guard guard, class Body, auto operation, class Reply>
-constexpr Request Row = {code, guard, &Body::SkipOver, &Serve<Body, operation, Reply>};
+constexpr Request Row = {code, guard, true, &Body::SkipOver, &Serve<Body, operation, Reply>};
 
 template <SInt32 code, Guard guard, class Body, auto operation>
 constexpr Request Row<code, guard, Body, operation, NoReply> = {
-    code, guard, &Body::SkipOver, &ServeWithoutReply<Body, operation>};
+    code, guard, false, &Body::SkipOver, &ServeWithoutReply<Body, operation>};
 
 constexpr Request kRequests[] = {
 #define REQUEST(code, guard, Body, operation, Reply) \
@@ -110,29 +112,44 @@ void LogRefusedBody(const Request& request, std::size_t length, const BodyFault&
            character(16), character(8), character(0), length, Description(fault).c_str());
 }
 
+// What became of a request: the reply, if there is one, and a word for the signposts.
+struct Outcome {
+    CFDataRef reply;
+    const char* result;
+};
+
+Outcome Handle(CVEK_UserSpaceDriver& driver, SInt32 code, const BodyCopy& body) {
+    const auto* const request =
+        std::find_if(std::begin(kRequests), std::end(kRequests),
+                     [code](const Request& candidate) { return candidate.code == code; });
+    if (request == std::end(kRequests)) {
+        syslog(LOG_EMERG, "%s - message not handled\n",
+               "CFDataRef CVEK_UserSpaceDriver::MessageCallback(CFMessagePortRef, SInt32, "
+               "CFDataRef, void *)");
+        return {nullptr, "unknown"};
+    }
+    if (request->guard != Guard::kNone && body.Length() == 0) {
+        return {nullptr, "ignored"};
+    }
+    BoundedBytes bytes(body.Bytes(), body.Length());
+    if (!request->holdsCompleteRecord(bytes)) {
+        LogRefusedBody(*request, body.Length(), bytes.Fault());
+        return {nullptr, "refused"};
+    }
+    const OneWait wait;
+    const CFDataRef reply = request->serve(driver, body.Bytes());
+    return {reply, reply != nullptr ? "replied" : request->hasReply ? "failed" : "done"};
+}
+
 }  // namespace
 
 CFDataRef CVEK_UserSpaceDriver::MessageCallback(CFMessagePortRef, SInt32 msgid, CFDataRef data,
                                                 void*) {
     [[maybe_unused]] const SServerSpec envelope;  // the family's envelope; requests come without it
     const BodyCopy body(data);
-    const auto* const request =
-        std::find_if(std::begin(kRequests), std::end(kRequests),
-                     [msgid](const Request& candidate) { return candidate.code == msgid; });
-    if (request == std::end(kRequests)) {
-        syslog(LOG_EMERG, "%s - message not handled\n",
-               "CFDataRef CVEK_UserSpaceDriver::MessageCallback(CFMessagePortRef, SInt32, "
-               "CFDataRef, void *)");
-        return nullptr;
-    }
-    if (request->guard != Guard::kNone && body.Length() == 0) {
-        return nullptr;
-    }
-    BoundedBytes bytes(body.Bytes(), body.Length());
-    if (!request->holdsCompleteRecord(bytes)) {
-        LogRefusedBody(*request, body.Length(), bytes.Fault());
-        return nullptr;
-    }
-    const OneWait wait;
-    return request->serve(*this, body.Bytes());
+    SignpostRequestBegins(msgid, body.Bytes(), body.Length());
+    const unsigned long callsBefore = CallsMade();
+    const Outcome outcome = Handle(*this, msgid, body);
+    SignpostRequestEnds(msgid, outcome.result, outcome.reply, CallsMade() - callsBefore);
+    return outcome.reply;
 }
