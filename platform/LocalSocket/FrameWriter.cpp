@@ -59,6 +59,10 @@ FrameWriter::Status FrameWriter::Write(int descriptor, std::span<const std::uint
             return Status::done;
         }
     }
+    if (sent_ > Queued()) {
+        buffer_.erase(buffer_.begin(), buffer_.begin() + static_cast<std::ptrdiff_t>(sent_));
+        sent_ = 0;
+    }
     for (const auto& part : parts) {
         const std::size_t skipped = std::min(sent, part.size());
         sent -= skipped;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/LocalSocket/Socket.h"
+#include "tests/adversary/AllocationMeter.h"
 #include "tests/unit/LocalSocket/SocketPair.h"
 
 namespace local_socket {
@@ -66,6 +67,33 @@ TEST_F(FrameWriterTest, QueuesWhatAPeerDoesNotReadAndGoesOnLater) {
     }
     EXPECT_EQ(writer_.Flush(near_.get()), FrameWriter::Status::done);
     EXPECT_EQ(writer_.Queued(), 0U);
+}
+
+TEST_F(FrameWriterTest, MemoryOfALongQueueIsFreedWhenAllIsSent) {
+    const adversary::AllocationMeter meter;
+    EXPECT_EQ(writer_.Write(near_.get(), std::vector<std::uint8_t>(8'000'000)),
+              FrameWriter::Status::pending);
+    EXPECT_GT(meter.SoFar().live, 4'000'000);
+    while (!Received()) {
+        ASSERT_NE(writer_.Flush(near_.get()), FrameWriter::Status::closed);
+    }
+    EXPECT_EQ(writer_.Queued(), 0U);
+    reader_ = FrameReader(1);
+    EXPECT_LT(meter.SoFar().live, 1'000'000);
+}
+
+TEST_F(FrameWriterTest, WhatWasSentIsNotKeptWhileTheQueueIsNeverEmpty) {
+    const std::vector<std::uint8_t> payload(50'000);
+    while (writer_.Queued() < 1'000'000) {
+        ASSERT_NE(writer_.Write(near_.get(), payload), FrameWriter::Status::closed);
+    }
+    const adversary::AllocationMeter meter;
+    for (int i = 0; i < 400; ++i) {
+        ASSERT_EQ(writer_.Write(near_.get(), payload), FrameWriter::Status::pending);
+        ASSERT_TRUE(Received());
+        ASSERT_EQ(writer_.Flush(near_.get()), FrameWriter::Status::pending);
+    }
+    EXPECT_LT(meter.SoFar().live, 5'000'000);
 }
 
 TEST_F(FrameWriterTest, FrameLargerThanTheKernelHoldsArrivesWhole) {
