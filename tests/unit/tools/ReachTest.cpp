@@ -34,6 +34,9 @@ std::optional<std::size_t> FoundByTheDriver(const AccessibilityTree& tree,
     return found ? tree.Find(found.get()) : std::nullopt;
 }
 
+// A search that finds nothing walks the whole tree: so many of them for each role.
+constexpr int kSearchesInVain = 20;
+
 // The number of identifiers that were compared.
 std::size_t CompareWithTheDriver(const std::string& scene, CFStringRef role) {
     const ScriptedDesktop session(scene);
@@ -52,10 +55,15 @@ std::size_t CompareWithTheDriver(const std::string& scene, CFStringRef role) {
             expected = place;
         }
     }
+    std::size_t compared = 0;
+    int inVain = 0;
     for (const auto& [identifier, place] : reached) {
-        EXPECT_EQ(FoundByTheDriver(tree, identifier, role), place) << identifier;
+        if (place || inVain++ < kSearchesInVain) {
+            EXPECT_EQ(FoundByTheDriver(tree, identifier, role), place) << identifier;
+            ++compared;
+        }
     }
-    return reached.size();
+    return compared;
 }
 
 TEST(Reach, InEverySceneOfAnEditorIsThatOfTheDriversSearch) {
