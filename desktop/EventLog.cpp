@@ -54,7 +54,7 @@ void EventLog::Add(ordered_json entry) {
     for (auto& [key, value] : entry.items()) {
         numbered[key] = std::move(value);
     }
-    if (lines_.size() == kMostEntries) {
+    if (lines_.size() == mostEntries_) {
         DropOlderHalf(lines_);
     }
     lines_.push_back(OneLine(numbered));
@@ -64,7 +64,7 @@ void EventLog::Add(ordered_json entry) {
 }
 
 void EventLog::AddEvent(const desktop_link::Event& event) {
-    if (events_.size() == kMostEntries) {
+    if (events_.size() == mostEntries_) {
         DropOlderHalf(events_);
     }
     events_.push_back(event);

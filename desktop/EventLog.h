@@ -19,6 +19,8 @@ class EventLog {
     // Beyond this many entries the older half is dropped.
     static constexpr std::size_t kMostEntries = 1000000;
 
+    explicit EventLog(std::size_t mostEntries = kMostEntries) : mostEntries_(mostEntries) {}
+
     void Add(nlohmann::ordered_json entry);
     void AddEvent(const desktop_link::Event& event);
 
@@ -36,6 +38,7 @@ class EventLog {
     void Clear();
 
   private:
+    std::size_t mostEntries_;
     std::vector<std::string> lines_;
     std::vector<desktop_link::Event> events_;
     std::uint64_t lastNumber_ = 0;

@@ -116,7 +116,6 @@ std::optional<Listener> Listener::Create(std::string_view name, bool* taken, std
     taken = taken != nullptr ? taken : &unusedTaken;
     problem = problem != nullptr ? problem : &unusedProblem;
     *taken = false;
-    problem->clear();
 
     Listener listener;
     listener.fileName_ = SocketFileName(name);

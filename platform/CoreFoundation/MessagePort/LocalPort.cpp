@@ -260,8 +260,8 @@ void LocalPort::Watch(Peer& peer, std::uint32_t events) {
 
 void LocalPort::Drop(const PeerPointer& peer) {
     Watch(*peer, 0);
-    peers_.erase(peer->descriptor.get());
-    peer->descriptor.reset();
+    const local_socket::Descriptor ended = std::move(peer->descriptor);
+    peers_.erase(ended.get());
 }
 
 }  // namespace message_port
