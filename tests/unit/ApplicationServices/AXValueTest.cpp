@@ -84,6 +84,18 @@ TEST(AXValue, IsATypeOfItsOwn) {
     EXPECT_NE(AXValueGetTypeID(), AXUIElementGetTypeID());
 }
 
+TEST(TypeIDs, OfApplicationServicesBearTheNamesOfTheirTypes) {
+    const std::pair<CFTypeID, CFStringRef> kNames[] = {
+        {AXValueGetTypeID(), CFSTR("AXValue")},
+        {AXUIElementGetTypeID(), CFSTR("AXUIElement")},
+        {CGEventGetTypeID(), CFSTR("CGEvent")},
+        {CGEventSourceGetTypeID(), CFSTR("CGEventSource")}};
+    for (const auto& [type, expected] : kNames) {
+        const test_support::OwnedObject<CFStringRef> name = CFCopyTypeIDDescription(type);
+        EXPECT_TRUE(CFEqual(name.get(), expected)) << type;
+    }
+}
+
 TEST(AXValue, ValuesAreEqualWhenTypeAndContentAre) {
     const CGPoint point{1, 2};
     const CGPoint other{1, 3};

@@ -4,7 +4,9 @@
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,6 +21,14 @@
 #include "platform/LocalSocket/Socket.h"
 #include "platform/LocalSocket/SocketAddress.h"
 #include "tests/support/SessionFixture.h"
+
+// Calls of accept4 in this program. The definition takes the place of the system library's.
+static int acceptCalls = 0;
+
+extern "C" int accept4(int descriptor, sockaddr* address, socklen_t* length, int flags) {
+    ++acceptCalls;
+    return static_cast<int>(syscall(SYS_accept4, descriptor, address, length, flags));
+}
 
 namespace local_socket {
 namespace {
@@ -202,6 +212,21 @@ TEST_F(ListenerTest, ListenerWhoseFileIsGoneLeavesTheOthersAlone) {
         std::filesystem::remove(session_.Path() / "port");
     }
     EXPECT_THAT(session_.Files(), ElementsAre("other"));
+}
+
+TEST_F(ListenerTest, AcceptsNobodyInOneSystemCall) {
+    auto listener = Serve("port");
+    const int before = acceptCalls;
+    EXPECT_FALSE(listener->Accept());
+    EXPECT_EQ(acceptCalls - before, 1);
+}
+
+TEST_F(ListenerTest, NewOneHasNoProblemWhateverWasReportedBefore) {
+    std::string problem = "of another listener";
+    bool taken = true;
+    EXPECT_TRUE(Listener::Create("port", &taken, &problem));
+    EXPECT_EQ(problem, "");
+    EXPECT_FALSE(taken);
 }
 
 TEST_F(ListenerTest, NameServedInThisProcessIsTaken) {

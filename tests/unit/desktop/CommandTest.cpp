@@ -245,6 +245,24 @@ TEST(EventLog, TellsItsSinkEachLine) {
     EXPECT_THAT(lines, ElementsAre(R"({"n":1,"activated":"a"})"));
 }
 
+TEST(EventLog, DropsTheOlderHalfOfWhatIsTooMuchAndGoesOnCounting) {
+    EventLog log(4);
+    for (std::uint16_t key = 1; key <= 5; ++key) {
+        Event event;
+        event.type = 10;
+        event.keyCode = key;
+        log.AddEvent(event);
+    }
+    ASSERT_EQ(log.Events().size(), 3U);
+    EXPECT_EQ(log.Events()[0].keyCode, 3);
+    EXPECT_EQ(log.Events()[2].keyCode, 5);
+    EXPECT_EQ(log.LastNumber(), 5U);
+    const auto lines = log.LinesSince(0);
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(json::parse(lines[0])["n"], 3);
+    EXPECT_EQ(json::parse(log.LinesSince(4).at(0))["keyCode"], 5);
+}
+
 TEST(InProcess, NotificationsWithoutAHandlerAreDropped) {
     Desktop desktop(R"({"applications": [{"bundleID": "a"}]})");
     InProcessTransport transport(desktop);

@@ -340,6 +340,21 @@ TEST(Elements, SelectedRowsAreReadAsElementsInTheirOrder) {
     EXPECT_EQ(client.Read("/0/2", "AXSelectedRows"), Failing(-25205));
 }
 
+TEST(Elements, SelectedRowsOfACommandTakeThePlaceOfAnotherValue) {
+    Desktop desktop(WindowWith(json::array({Table()})));
+    const Client client{desktop};
+    const auto set = [&](const json& value) {
+        client.Do({{"command", "set"},
+                   {"element", "/0/0"},
+                   {"attribute", "AXSelectedRows"},
+                   {"value", value}});
+    };
+    set("no rows");
+    EXPECT_EQ(client.Read("/0/0", "AXSelectedRows"), Value{std::string("no rows")});
+    set({2});
+    EXPECT_EQ(client.Read("/0/0", "AXSelectedRows"), References({client.At("/0/0/2")}));
+}
+
 TEST(Elements, SelectedRowsCanBeSetToRowsOfTheTableOnly) {
     Desktop desktop(WindowWith(json::array({Table()})));
     const Client client{desktop};

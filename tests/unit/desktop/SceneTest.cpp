@@ -45,6 +45,13 @@ TEST(Scene, NullFrontIsASessionWithNothingInFront) {
     EXPECT_FALSE(Client{desktop}.Ask(Operation::hello)->session->frontApplication);
 }
 
+TEST(Scene, ApplicationWithoutNameIsNamedByTheLastPartOfItsBundleIdentifier) {
+    Desktop desktop(R"({"front": "com.example.editor",
+        "applications": [{"bundleID": "com.example.editor", "pid": 77}]})");
+    EXPECT_EQ(Client{desktop}.Ask(Operation::hello)->session->frontApplication,
+              (desktop_link::Application{77, "com.example.editor", std::nullopt, "editor"}));
+}
+
 TEST(Scene, ApplicationWithoutBundleIdentifierIsNamedByItsProcessId) {
     Desktop desktop(R"({"front": "pid:33", "applications": [{"pid": 33, "name": "tool"}]})");
     const auto front = Client{desktop}.Ask(Operation::hello)->session->frontApplication;
@@ -204,6 +211,13 @@ TEST(HostileScenes, ValuesNestAsDeepAsTheyCanTravel) {
     EXPECT_THAT(ProblemOfScene(R"({"applications": [{"windows": [{"AXValue": )" +
                                Repeated("[", 66) + Repeated("]", 66) + "}]}]}"),
                 HasSubstr("nested too deep"));
+}
+
+TEST(HostileScenes, ValuesThatNameElementsNestNoDeeper) {
+    EXPECT_THAT(
+        ProblemOfScene(R"({"applications": [{"windows": [{"AXOwner": )" + Repeated("[", 66) +
+                       R"({"element": "/0"})" + Repeated("]", 66) + "}]}]}"),
+        HasSubstr("nested too deep"));
 }
 
 TEST(HostileScenes, EveryTruncationOfASceneIsRefused) {

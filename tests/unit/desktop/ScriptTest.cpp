@@ -175,6 +175,7 @@ TEST(Commands, BadOnesAnswerOneLineAndChangeNothing) {
     Desktop desktop(kThree);
     const Client client{desktop};
     const std::string before = desktop.Dump();
+    const json elements = client.Do({{"command", "state"}})["elements"];
     const std::pair<const char*, const char*> kBad[] = {
         {"", "command: parse error"},
         {"[]", "command: expected an object"},
@@ -217,6 +218,7 @@ TEST(Commands, BadOnesAnswerOneLineAndChangeNothing) {
         EXPECT_EQ(desktop.Dump(), before) << command;
     }
     EXPECT_THAT(client.Log(), IsEmpty());
+    EXPECT_EQ(client.Do({{"command", "state"}})["elements"], elements) << "nothing is left behind";
 }
 
 TEST(Commands, NamesWithControlCharactersLeaveTheProblemOneLine) {
@@ -393,7 +395,9 @@ json TimedScene() {
 TEST(ScriptPlaying, StepsThroughTheScript) {
     Desktop desktop(TimedScene());
     const Client client{desktop};
+    EXPECT_EQ(client.Do({{"command", "state"}})["nextStep"], 0);
     client.Do({{"command", "step"}});
+    EXPECT_EQ(client.Do({{"command", "state"}})["nextStep"], 1);
     EXPECT_EQ(client.Do({{"command", "state"}})["front"], "com.example.two");
     client.Do({{"command", "step"}});
     EXPECT_EQ(client.Do({{"command", "state"}})["front"], "pid:503");

@@ -135,9 +135,15 @@ TEST_F(Serving, GarbageEndsOnlyTheConnectionItCameFrom) {
 }
 
 TEST_F(Serving, AnnouncedGigabytesEndTheConnection) {
-    SocketClient bad;
-    EXPECT_TRUE(bad.SendBytes(std::vector<std::uint8_t>{0xFF, 0xFF, 0xFF, 0x7F, 1}));
-    EXPECT_TRUE(bad.Ends());
+    testing::internal::CaptureStderr();
+    for (int client = 0; client < 2; ++client) {
+        SocketClient bad;
+        EXPECT_TRUE(bad.SendBytes(std::vector<std::uint8_t>{0xFF, 0xFF, 0xFF, 0x7F, 1}));
+        EXPECT_TRUE(bad.Ends());
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "krt9-desktop: client 1 announced a message that is too long\n"
+              "krt9-desktop: client 2 announced a message that is too long\n");
     EXPECT_TRUE(SocketClient().Ask(Read("AXTitle")));
 }
 

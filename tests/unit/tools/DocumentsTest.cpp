@@ -91,6 +91,9 @@ TEST(ManualPage, OfTheDesktopHasEveryOption) {
     for (const terminal::Parameter& parameter : desktop::DesktopProgram().parameters) {
         EXPECT_THAT(page, HasSubstr(std::string(parameter.help)));
     }
+    EXPECT_THAT(page, HasSubstr("  KRT9_SESSION_DIR\n"));
+    EXPECT_THAT(page, HasSubstr("  NO_COLOR\n"));
+    EXPECT_THAT(page, HasSubstr("EXAMPLE\n       krt9-desktop scenes/editor-10.4.6.json --play\n"));
 }
 
 TEST(ManualPage, OfTheDriverIsInSectionEight) {

@@ -76,6 +76,7 @@ TEST_F(BundleOnDisk, ApplicationBundleAnswersFromContentsInfoPlist) {
     EXPECT_EQ(Utf8([bundle bundleIdentifier]), "com.example.x");
     EXPECT_EQ(Utf8([bundle bundlePath]), (folder_.Path() / "X.app").string());
     EXPECT_EQ(Utf8([[bundle bundleURL] path]), (folder_.Path() / "X.app").string());
+    EXPECT_TRUE([[[bundle bundleURL] absoluteString] hasSuffix:@"/X.app/"]);
     EXPECT_EQ(Utf8([[bundle infoDictionary] objectForKey:@"CFBundleShortVersionString"]), "10.4.6");
     EXPECT_EQ(Utf8([bundle objectForInfoDictionaryKey:@"CFBundleSignature"]), "KRT9");
     EXPECT_EQ([bundle objectForInfoDictionaryKey:@"Absent"], nil);

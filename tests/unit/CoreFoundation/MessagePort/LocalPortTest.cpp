@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "VEKCommon/OwnedReference.h"
 #include "platform/Testing/LogCapture.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/unit/CoreFoundation/MessagePort/Ports.h"
@@ -27,6 +28,19 @@ class LocalPortTest : public testing::Test {
 
     test_support::SessionFixture session_;
 };
+
+TEST_F(LocalPortTest, PortWithoutRequestsWakesNobody) {
+    const Server server("port", Echo);
+    static int waits = 0;
+    waits = 0;
+    const OwnedReference<CFRunLoopObserverRef> observer(CFRunLoopObserverCreate(
+        kCFAllocatorDefault, kCFRunLoopBeforeWaiting, true, 0,
+        [](CFRunLoopObserverRef, CFRunLoopActivity, void*) { ++waits; }, nullptr));
+    CFRunLoopAddObserver(CFRunLoopGetCurrent(), observer.get(), kCFRunLoopDefaultMode);
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, false);
+    CFRunLoopObserverInvalidate(observer.get());
+    EXPECT_EQ(waits, 1);
+}
 
 TEST_F(LocalPortTest, NewPortIsValidAndHasItsName) {
     Boolean shouldFreeInfo = true;

@@ -27,6 +27,19 @@ class Membership : public testing::Test {
     const CFRunLoopRef loop_ = scene_.Loop();
 };
 
+TEST_F(Membership, TypesOfWhatBelongsToALoopBearTheirNames) {
+    const std::pair<CFTypeID, CFStringRef> kNames[] = {
+        {CFRunLoopGetTypeID(), CFSTR("CFRunLoop")},
+        {CFRunLoopSourceGetTypeID(), CFSTR("CFRunLoopSource")},
+        {CFRunLoopObserverGetTypeID(), CFSTR("CFRunLoopObserver")},
+        {CFRunLoopTimerGetTypeID(), CFSTR("CFRunLoopTimer")},
+        {CFMessagePortGetTypeID(), CFSTR("CFMessagePort")}};
+    for (const auto& [type, expected] : kNames) {
+        const OwnedReference<CFStringRef> name(CFCopyTypeIDDescription(type));
+        EXPECT_TRUE(CFEqual(name.get(), expected)) << type;
+    }
+}
+
 TEST_F(Membership, CommonModesAreNamedByTheirTextAlone) {
     const OwnedReference<CFMutableStringRef> same(CFStringCreateMutable(nullptr, 0));
     CFStringReplaceAll(same.get(), kCFRunLoopCommonModes);

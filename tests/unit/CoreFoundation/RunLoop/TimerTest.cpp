@@ -36,6 +36,19 @@ TEST(TimerContext, InfoIsRetainedForTheTimerAndAroundItsCallback) {
     CFRelease(timer);
 }
 
+TEST(TimerContext, InfoIsReleasedOnceHoweverOftenTheTimerIsInvalidated) {
+    events.clear();
+    CFRunLoopTimerContext context{};
+    context.release = [](const void*) { events.push_back("release"); };
+    const auto timer = CFRunLoopTimerCreate(
+        nullptr, CFAbsoluteTimeGetCurrent() + 10, 0, 0, 0, [](CFRunLoopTimerRef, void*) {},
+        &context);
+    CFRunLoopTimerInvalidate(timer);
+    CFRunLoopTimerInvalidate(timer);
+    CFRelease(timer);
+    EXPECT_THAT(events, ElementsAre("release"));
+}
+
 TEST(TimerDate, OfAnInvalidTimerIsZero) {
     Scene scene;
     scene.Spend(5);

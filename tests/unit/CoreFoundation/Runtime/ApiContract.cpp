@@ -181,6 +181,7 @@ TEST(ApiContract, TheDefaultAllocatorIsNullAndCallbacksHaveVersionZero) {
     EXPECT_EQ(kCFAllocatorDefault, nullptr);
     EXPECT_EQ(kCFTypeArrayCallBacks.version, 0);
     EXPECT_EQ(kCFTypeDictionaryKeyCallBacks.version, 0);
+    EXPECT_EQ(kCFCopyStringDictionaryKeyCallBacks.version, 0);
     EXPECT_EQ(kCFTypeDictionaryValueCallBacks.version, 0);
 }
 

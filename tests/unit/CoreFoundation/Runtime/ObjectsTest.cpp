@@ -60,6 +60,20 @@ TEST(TypeIDs, AreGivenOutOnceEach) {
     EXPECT_EQ(CFCopyTypeIDDescription(second + 1000), nullptr);
 }
 
+TEST(TypeIDs, BearTheNamesOfTheirTypes) {
+    const std::pair<CFTypeID, const char*> kNames[] = {{CFNullGetTypeID(), "CFNull"},
+                                                       {CFBooleanGetTypeID(), "CFBoolean"},
+                                                       {CFNumberGetTypeID(), "CFNumber"},
+                                                       {CFStringGetTypeID(), "CFString"},
+                                                       {CFDataGetTypeID(), "CFData"},
+                                                       {CFArrayGetTypeID(), "CFArray"},
+                                                       {CFDictionaryGetTypeID(), "CFDictionary"}};
+    for (const auto& [type, expected] : kNames) {
+        const OwnedReference<CFStringRef> name(CFCopyTypeIDDescription(type));
+        EXPECT_EQ(vectors::Shown(name.get()), '"' + std::string(expected) + '"');
+    }
+}
+
 TEST(TypeIDs, AreTheSameForMutableAndImmutableObjects) {
     const OwnedReference<CFMutableStringRef> text(CFStringCreateMutable(kCFAllocatorDefault, 0));
     EXPECT_EQ(CFGetTypeID(text.get()), CFStringGetTypeID());

@@ -149,6 +149,10 @@ TEST(FileSystemRepresentation, LeavesSymbolsAndCompatibilityIdeographsAlone) {
     ASSERT_TRUE(CFStringGetFileSystemRepresentation(FromUTF8("\u212b\uf900\U0002f800\u00e9").get(),
                                                     buffer, sizeof buffer));
     EXPECT_STREQ(buffer, "\u212b\uf900\U0002f800e\u0301");
+    ASSERT_TRUE(
+        CFStringGetFileSystemRepresentation(FromUTF8("\ufb1f\u1f71").get(), buffer, sizeof buffer))
+        << "the characters behind and before these are not left alone";
+    EXPECT_STREQ(buffer, "\u05f2\u05b7\u03b1\u0301");
 }
 
 TEST(FileSystemRepresentation, AnswersFalseWhenItDoesNotFitOrIsNoText) {
