@@ -1,8 +1,5 @@
 #include "desktop/Address.h"
 
-#include <algorithm>
-#include <charconv>
-
 #include "scenes/notation/Addresses.h"
 #include "scenes/notation/Json.h"
 #include "scenes/notation/SceneError.h"
@@ -17,43 +14,22 @@ namespace {
     throw SceneError(place, "no element " + OneLine(nlohmann::json(address)));
 }
 
-bool IsNumber(std::string_view text, std::size_t& number) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size();
-}
-
-Element* ChildWithRole(Element& parent, std::string_view role, std::size_t number) {
+// Null when there is none.
+Element* Child(Element& parent, const AddressStep& step) {
+    std::size_t left = step.number;
     for (Element* child : parent.children) {
-        if (child->Role() == role && number-- == 0) {
+        if ((!step.role || child->Role() == *step.role) && left-- == 0) {
             return child;
         }
     }
     return nullptr;
 }
 
-// "3", "AXGroup" or "AXGroup[2]".
-Element* Child(Element& parent, std::string_view step) {
-    std::size_t number = 0;
-    if (IsNumber(step, number)) {
-        return number < parent.children.size() ? parent.children[number] : nullptr;
-    }
-    const std::size_t bracket = step.find('[');
-    if (bracket == std::string_view::npos) {
-        return ChildWithRole(parent, step, 0);
-    }
-    if (step.back() != ']' ||
-        !IsNumber(step.substr(bracket + 1, step.size() - bracket - 2), number)) {
-        return nullptr;
-    }
-    return ChildWithRole(parent, step.substr(0, bracket), number);
-}
-
-Element* FollowPath(Element& root, std::string_view path) {
-    Element* element = path.ends_with('/') ? nullptr : &root;
-    while (element != nullptr && !path.empty()) {
-        const std::size_t end = path.find('/');
-        element = Child(*element, path.substr(0, end));
-        path = end == std::string_view::npos ? std::string_view() : path.substr(end + 1);
+Element* FollowPath(Element& root, std::string_view address) {
+    const auto path = ParsePath(address);
+    Element* element = path ? &root : nullptr;
+    for (std::size_t i = 0; element != nullptr && i < path->size(); ++i) {
+        element = Child(*element, (*path)[i]);
     }
     return element;
 }
@@ -74,7 +50,7 @@ Element& ResolveAddress(Application& application, std::string_view address,
                         const std::string& place) {
     Element* element = nullptr;
     if (address.starts_with('/')) {
-        element = FollowPath(application.root, address.substr(1));
+        element = FollowPath(application.root, address);
     } else if (!address.empty()) {
         element = WithIdentifier(application.root, address);
     }

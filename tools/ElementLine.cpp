@@ -16,19 +16,6 @@ constexpr std::size_t kMostCharacters = 40;  // of a text
 // Levels that are indented. Deeper ones have their depth in front, so that a line stays a line.
 constexpr std::size_t kMostIndented = 32;
 
-std::string Shortened(const std::string& text) {
-    std::size_t end = 0;
-    std::size_t characters = 0;
-    for (; end < text.size(); ++end) {
-        const bool begins = (static_cast<unsigned char>(text[end]) & 0xC0) != 0x80;
-        characters += begins ? 1 : 0;
-        if (characters > kMostCharacters) {
-            return Printable(text.substr(0, end)) + "...";
-        }
-    }
-    return Printable(text);
-}
-
 class Line {
   public:
     explicit Line(bool inColour) : inColour_(inColour) {}
@@ -59,17 +46,30 @@ void AddPlace(const ElementList& list, std::size_t place, const LineStyle& style
 
 void AddTexts(const ListedElement& element, Line& line) {
     if (element.title && !element.title->empty()) {
-        line.Add(fmt::format("\"{}\"", Shortened(*element.title)));
+        line.Add(fmt::format("\"{}\"", ShortText(*element.title)));
     }
     if (element.description && !element.description->empty()) {
-        line.Add(fmt::format("({})", Shortened(*element.description)));
+        line.Add(fmt::format("({})", ShortText(*element.description)));
     }
     if (const auto value = ValueText(element)) {
-        line.Add("= " + (value->empty() ? "\"\"" : Shortened(*value)));
+        line.Add("= " + (value->empty() ? "\"\"" : ShortText(*value)));
     }
 }
 
 }  // namespace
+
+std::string ShortText(const std::string& text) {
+    std::size_t end = 0;
+    std::size_t characters = 0;
+    for (; end < text.size(); ++end) {
+        const bool begins = (static_cast<unsigned char>(text[end]) & 0xC0) != 0x80;
+        characters += begins ? 1 : 0;
+        if (characters > kMostCharacters) {
+            return Printable(text.substr(0, end)) + "...";
+        }
+    }
+    return Printable(text);
+}
 
 std::string ElementLine(const ElementList& list, std::size_t place, const Judgement& judgement,
                         const LineStyle& style) {
@@ -84,9 +84,9 @@ std::string ElementLine(const ElementList& list, std::size_t place, const Judgem
         line.AddBlanks(1);
     }
     AddPlace(list, place, style, line);
-    line.Add(element.role.empty() ? "(no role)" : Shortened(element.role));
+    line.Add(element.role.empty() ? "(no role)" : ShortText(element.role));
     if (element.identifier) {
-        line.Add(Shortened(*element.identifier), mark);
+        line.Add(ShortText(*element.identifier), mark);
     }
     AddTexts(element, line);
     if (const std::string reason = ReasonOf(judgement, list); !reason.empty()) {

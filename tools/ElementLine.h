@@ -19,6 +19,9 @@ struct LineStyle {
 std::string ElementLine(const ElementList& list, std::size_t place, const Judgement& judgement,
                         const LineStyle& style);
 
+// The first 40 characters, without anything that a terminal would obey.
+std::string ShortText(const std::string& text);
+
 Json ElementObject(const ElementList& list, std::size_t place, const Judgement& judgement);
 
 }  // namespace krt9ctl

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <utility>
 
 #include "scenes/notation/ValueWriting.h"
@@ -24,6 +25,22 @@ std::optional<Json> ValueOf(const TreeElement& element) {
     }
     const auto answer = AnswerOf(found->second.get(), [](CFTypeRef) { return std::uint64_t{0}; });
     return answer ? ListedValue(*answer) : std::nullopt;
+}
+
+template <typename Content>
+std::optional<Content> AttributeOf(const TreeElement& element, const char* attribute) {
+    const auto found = element.attributes.find(attribute);
+    if (found == element.attributes.end()) {
+        return std::nullopt;
+    }
+    const auto answer = AnswerOf(found->second.get(), [](CFTypeRef) { return std::uint64_t{0}; });
+    return answer ? ContentOf<Content>(*answer) : std::nullopt;
+}
+
+std::optional<desktop_link::Rect> FrameOf(const TreeElement& element) {
+    return MakeFrame(AttributeOf<desktop_link::Point>(element, "AXPosition"),
+                     AttributeOf<desktop_link::Size>(element, "AXSize"),
+                     AttributeOf<desktop_link::Rect>(element, "AXFrame"));
 }
 
 constexpr std::size_t kMostSteps = 100;  // of an address that is whole
@@ -71,12 +88,25 @@ ElementList ListElements(const AccessibilityTree& tree) {
         listed.title = TextOf(element, "AXTitle");
         listed.description = TextOf(element, "AXDescription");
         listed.value = ValueOf(element);
+        listed.frame = FrameOf(element);
         listed.parent = element.parent;
         listed.position = element.position;
         listed.alsoIn = element.alsoIn;
         AddElement(list, std::move(listed));
     }
     return list;
+}
+
+std::optional<desktop_link::Rect> MakeFrame(const std::optional<desktop_link::Point>& position,
+                                            const std::optional<desktop_link::Size>& size,
+                                            const std::optional<desktop_link::Rect>& frame) {
+    std::optional<desktop_link::Rect> made = frame;
+    if (position && size) {
+        made = desktop_link::Rect{*position, *size};
+    }
+    const bool isFinite = made && std::isfinite(made->origin.x) && std::isfinite(made->origin.y) &&
+                          std::isfinite(made->size.width) && std::isfinite(made->size.height);
+    return isFinite ? made : std::nullopt;
 }
 
 std::optional<Json> ListedValue(const scene_notation::Answer& answer) {

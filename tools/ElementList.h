@@ -17,10 +17,11 @@ namespace krt9ctl {
 struct ListedElement {
     std::string role, subrole;  // empty when there is none
     std::optional<std::string> identifier, title, description;
-    std::optional<Json> value;        // as a scene writes it
-    std::size_t parent = 0;           // index in the list; the application's own for itself
-    std::size_t position = 0;         // among its parent's children
-    std::size_t depth = 0;            // 0 for the application, 1 for a window
+    std::optional<Json> value;                // as a scene writes it
+    std::optional<desktop_link::Rect> frame;  // global display coordinates, finite numbers
+    std::size_t parent = 0;                   // index in the list; the application's own for itself
+    std::size_t position = 0;                 // among its parent's children
+    std::size_t depth = 0;                    // 0 for the application, 1 for a window
     std::size_t head = 0;             // for AddressOf: the element above it, or itself, where the
                                       // beginning of a long address ends
     std::vector<std::size_t> alsoIn;  // other elements that list it among their children
@@ -34,6 +35,18 @@ ElementList ListElements(const AccessibilityTree& tree);
 
 // Adds the element, whose parent and position are set, after all others.
 void AddElement(ElementList& list, ListedElement element);
+
+// The value that a scene's answer holds, if it is of this type.
+template <typename Content>
+std::optional<Content> ContentOf(const scene_notation::Answer& answer) {
+    const auto* content = std::get_if<Content>(&answer.value.content);
+    return answer.HasValue() && content != nullptr ? std::optional(*content) : std::nullopt;
+}
+
+// The frame that position and size make, or else AXFrame; nothing without numbers that are finite.
+std::optional<desktop_link::Rect> MakeFrame(const std::optional<desktop_link::Point>& position,
+                                            const std::optional<desktop_link::Size>& size,
+                                            const std::optional<desktop_link::Rect>& frame);
 
 // The value that a scene's answer holds; nothing for an error in its place.
 std::optional<Json> ListedValue(const scene_notation::Answer& answer);

@@ -32,6 +32,8 @@ Grammar MakeGrammar() {
     Append(grammar.verbs, TreeVerbs());
     Append(grammar.verbs, WhyVerbs());
     Append(grammar.verbs, DoctorVerbs());
+    Append(grammar.verbs, ProfileVerbs());
+    Append(grammar.verbs, DiffVerbs());
     Append(grammar.verbs, KeyVerbs());
     Append(grammar.verbs, GrammarVerbs());
     Append(grammar.verbs, DesktopVerbs());

@@ -74,6 +74,8 @@ std::vector<Verb> DumpVerbs();
 std::vector<Verb> TreeVerbs();
 std::vector<Verb> WhyVerbs();
 std::vector<Verb> DoctorVerbs();
+std::vector<Verb> ProfileVerbs();
+std::vector<Verb> DiffVerbs();
 std::vector<Verb> GrammarVerbs();
 std::vector<Verb> KeyVerbs();
 

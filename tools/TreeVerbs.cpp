@@ -3,10 +3,9 @@
 
 #include <algorithm>
 
-#include "tools/ChosenApplication.h"
 #include "tools/ElementLine.h"
 #include "tools/Grammar.h"
-#include "tools/SceneFile.h"
+#include "tools/Listing.h"
 #include "tools/TextSearch.h"
 
 namespace krt9ctl {
@@ -61,42 +60,12 @@ std::vector<bool> WithAncestors(const ElementList& list, std::vector<bool> shown
     return shown;
 }
 
-ExitCode Fail(Context& context, const std::string& sentence) {
-    context.output.Problem(ExitCode::accessibility, sentence);
-    return ExitCode::accessibility;
-}
-
-// The elements, or the exit code of the reported problem.
-std::variant<ElementList, ExitCode> Elements(const Arguments& arguments, Context& context) {
-    if (arguments.Has("--scene")) {
-        return ReadSceneFile(arguments.Text("--scene"), arguments);
-    }
-    const auto choice = ChooseApplication(arguments, context);
-    if (!choice) {
-        return ExitCode::accessibility;
-    }
-    const auto read = ReadTree(choice->facts.pid, false, context);
-    if (const AXError* error = std::get_if<AXError>(&read)) {
-        return Fail(context, ExplainAccessibility(*error));
-    }
-    const auto& tree = std::get<AccessibilityTree>(read);
-    if (tree.WindowsError()) {
-        return Fail(context, fmt::format("its windows cannot be read (accessibility error {})",
-                                         static_cast<int>(*tree.WindowsError())));
-    }
-    if (tree.LeftOut() > 0) {
-        context.output.Remark(fmt::format(
-            "{} elements disappeared while they were read, or exceeded the limit", tree.LeftOut()));
-    }
-    return ListElements(tree);
-}
-
 ExitCode Show(const Arguments& arguments, const Filter& filter, bool asTree, Context& context) {
-    const auto elements = Elements(arguments, context);
-    if (const ExitCode* code = std::get_if<ExitCode>(&elements)) {
+    const auto read = ReadListing(arguments, SceneFileOf(arguments), context);
+    if (const ExitCode* code = std::get_if<ExitCode>(&read)) {
         return *code;
     }
-    const auto& list = std::get<ElementList>(elements);
+    const ElementList& list = std::get<Listing>(read).elements;
     Output& output = context.output;
     const auto judgements = JudgeReach(list);
     auto shown = Matches(list, filter);
@@ -129,15 +98,6 @@ ExitCode ActTree(const Arguments& arguments, Context& context) {
 
 ExitCode ActFind(const Arguments& arguments, Context& context) {
     return Show(arguments, {std::nullopt, std::nullopt, arguments.Text("TEXT")}, false, context);
-}
-
-std::vector<Parameter> WithSource(std::vector<Parameter> parameters) {
-    parameters = WithApplication(std::move(parameters));
-    parameters.push_back({.name = "--scene",
-                          .kind = ValueKind::file,
-                          .help = "the elements of a scene or dump, instead of those on the screen",
-                          .placeholder = "FILE"});
-    return parameters;
 }
 
 }  // namespace

@@ -10,7 +10,9 @@
 #include "tools/DriverWalk.h"
 #include "tools/ElementLine.h"
 #include "tools/Grammar.h"
+#include "tools/Listing.h"
 #include "tools/Reach.h"
+#include "tools/SceneFile.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {
@@ -39,12 +41,11 @@ std::string RolesSought(CFStringRef role) {
                          : fmt::format("{}", fmt::join(names, ", "));
 }
 
-Diagnosis FoundAt(const MetElement& met) {
-    const std::string address = AddressText(met.positions);
+Diagnosis FoundAt(const std::string& address, const std::string& role) {
     return {ExitCode::ok,
             "found",
-            fmt::format("found at {}: {}", address, Printable(met.role)),
-            {{"path", address}, {"role", met.role}}};
+            fmt::format("found at {}: {}", address, Printable(role)),
+            {{"path", address}, {"role", role}}};
 }
 
 Diagnosis OfOtherRole(const std::string& address, const std::string& role, bool isSearchField,
@@ -83,13 +84,35 @@ Diagnosis Unreadable(const CallFailure& failure) {
     }
 }
 
-// What the whole tree says of an element that the walk did not meet.
+// The first element with the identifier.
+std::optional<std::size_t> FirstNamed(const ElementList& list, const std::string& identifier) {
+    for (std::size_t place = 1; place < list.size(); ++place) {
+        if (list[place].identifier == identifier) {
+            return place;
+        }
+    }
+    return std::nullopt;
+}
+
+Diagnosis Appeared(const ElementList& list, std::size_t place) {
+    const std::string address = AddressOf(list, place);
+    return {ExitCode::outOfReach,
+            "changing",
+            fmt::format("it is at {} now, but the search did not meet it: the application changed "
+                        "meanwhile",
+                        address),
+            {{"path", address}, {"role", list[place].role}}};
+}
+
+// What the whole tree says of an element.
 Diagnosis Elsewhere(const ElementList& list, std::size_t place, const Judgement& judgement,
                     CFStringRef role) {
     const std::string address = AddressOf(list, place);
     const ListedElement& element = list[place];
     Json details = ElementObject(list, place, judgement);
     switch (judgement.reach) {
+        case Reach::reached:
+            return FoundAt(address, element.role);
         case Reach::inside: {
             const ListedElement& end = list[judgement.cause];
             return {ExitCode::outOfReach, "inside",
@@ -107,11 +130,7 @@ Diagnosis Elsewhere(const ElementList& list, std::size_t place, const Judgement&
         case Reach::searchField:
             return OfOtherRole(address, element.role, judgement.reach == Reach::searchField, role);
         default:
-            return {ExitCode::outOfReach, "changing",
-                    fmt::format("it is at {} now, but the search did not meet it: the application "
-                                "changed meanwhile",
-                                address),
-                    details};
+            return Appeared(list, place);
     }
 }
 
@@ -137,7 +156,7 @@ Diagnosis Absent(const DriverWalk& walk, std::size_t leftOut) {
 Diagnosis Diagnose(const DriverWalk& walk, const Sought& sought, CFStringRef role, pid_t pid,
                    Context& context) {
     if (walk.found) {
-        return FoundAt(*walk.found);
+        return FoundAt(AddressText(walk.found->positions), walk.found->role);
     }
     if (walk.windowsFailure) {
         return Unreadable(*walk.windowsFailure);
@@ -152,12 +171,39 @@ Diagnosis Diagnose(const DriverWalk& walk, const Sought& sought, CFStringRef rol
     const auto& tree = std::get<AccessibilityTree>(read);
     const ElementList list = ListElements(tree);
     const auto judgements = JudgeReach(list, role);
-    for (std::size_t place = 1; place < list.size(); ++place) {
-        if (list[place].identifier == sought.identifier) {
-            return Elsewhere(list, place, judgements[place], role);
-        }
+    const auto place = FirstNamed(list, sought.identifier);
+    if (!place) {
+        return Absent(walk, tree.LeftOut());
     }
-    return Absent(walk, tree.LeftOut());
+    // What is within reach now was not there when the search passed.
+    return judgements[*place].reach == Reach::reached
+               ? Appeared(list, *place)
+               : Elsewhere(list, *place, judgements[*place], role);
+}
+
+// The same search in the list alone. It ends with the element that is reached; if none is, the
+// reason of one that the search meets says more than that of one that it does not.
+Diagnosis DiagnoseInList(const ElementList& list, const Sought& sought, CFStringRef role) {
+    const auto judgements = JudgeReach(list, role);
+    const auto isMet = [&judgements](std::size_t place) {
+        const Reach reach = judgements[place].reach;
+        return reach == Reach::role || reach == Reach::searchField;
+    };
+    auto best = FirstNamed(list, sought.identifier);
+    if (!best) {
+        return {ExitCode::notThere, "not-there", "the scene's application has no such element"};
+    }
+    for (std::size_t place = *best; place < list.size(); ++place) {
+        if (list[place].identifier != sought.identifier) {
+            continue;
+        }
+        if (judgements[place].reach == Reach::reached) {
+            best = place;
+            break;
+        }
+        best = isMet(place) && !isMet(*best) ? place : *best;
+    }
+    return Elsewhere(list, *best, judgements[*best], role);
 }
 
 // The answer itself, whatever it is: it goes to the standard output.
@@ -210,12 +256,30 @@ ExitCode SearchAndTell(const Sought& sought, const ApplicationFacts& facts, Json
     return Tell(sought, diagnosis, object, context.output);
 }
 
+// No application is asked: there are no exchanges, and the time would be that of a file.
+ExitCode SearchFileAndTell(const Sought& sought, const Listing& listing, Json object,
+                           Context& context) {
+    if (!listing.facts.bundleIdentifier) {
+        return Tell(sought,
+                    {ExitCode::outOfReach, "no-bundle-identifier",
+                     "the driver does not search an application without a bundle identifier"},
+                    object, context.output);
+    }
+    object["application"] = *listing.facts.bundleIdentifier;
+    const auto role = StringOf(sought.role);
+    return Tell(sought, DiagnoseInList(listing.elements, sought, role.get()), object,
+                context.output);
+}
+
 ExitCode ActWhy(const Arguments& arguments, Context& context) {
     const Sought sought{fmt::format("_NS:{}", arguments.Number("ELEMENT")),
                         arguments.Has("--role") ? arguments.Text("--role")
                                                 : Utf8Of(kVEK_AXRole_AllValidRoles).value_or("")};
-    const auto choice = FindChosenApplication(arguments);
     Json object{{"element", sought.identifier}};
+    if (const auto file = SceneFileOf(arguments)) {
+        return SearchFileAndTell(sought, ReadSceneFile(*file, arguments), object, context);
+    }
+    const auto choice = FindChosenApplication(arguments);
     if (choice && choice->facts.bundleIdentifier) {
         object["application"] = *choice->facts.bundleIdentifier;
     }
@@ -229,7 +293,7 @@ ExitCode ActWhy(const Arguments& arguments, Context& context) {
 }
 
 std::vector<Parameter> WhyParameters() {
-    return WithApplication(
+    return WithSource(
         {{.name = "ELEMENT",
           .kind = ValueKind::element,
           .help = "the control: 59 for the accessibility identifier _NS:59, or _NS:59"},
@@ -254,7 +318,8 @@ std::vector<Verb> WhyVerbs() {
              "windows cannot be read; 12: the element is there, but has another role, is a search "
              "field or a window, or lies inside something that the driver does not search; 13: it "
              "is not there. --timeout is that of each call; the driver's is 6 seconds. A driver "
-             "goes on with the application that was in front last when nothing is.",
+             "goes on with the application that was in front last when nothing is. With --scene "
+             "the search is made in the file, without exchanges.",
          .example = "krt9ctl why 171",
          .parameters = WhyParameters(),
          .work = ActWhy},

@@ -215,14 +215,67 @@ TEST(Tree, HasAddressesThatAreWholeUpToAHundredSteps) {
 }
 
 TEST(Tree, ThatListsItselfIsShownOnce) {
-    const ScriptedDesktop session(SceneWith(
+    const std::string scene = SceneWith(
         R"({"AXRole": "AXGroup", "AXChildren": {"array": [{"element": "/0"}, {"element": "/0/0"},
-            {"element": "/"}]}}, {"AXRole": "AXButton", "AXIdentifier": "_NS:5"})"));
-    EXPECT_EQ(Carried({"tree"}).out, R"(  AXApplication "Final Cut Pro"
+            {"element": "/"}]}}, {"AXRole": "AXButton", "AXIdentifier": "_NS:5"})");
+    EXPECT_EQ(OnBoth(scene, {"tree"}).out, R"(  AXApplication "Final Cut Pro"
 -   AXWindow _NS:1 "Viewer" [its role]
       AXGroup
 +     AXButton _NS:5
 )");
+}
+
+// By position, by role and by identifier; before and after the place where they are written.
+TEST(Tree, HasChildrenThatAreListedByTheirAddress) {
+    const std::string scene = SceneWith(R"(
+        {"AXRole": "AXGroup", "AXTitle": "first", "AXChildren": {"array": [
+          {"element": "/0/2"}, {"element": "_NS:7"}, {"element": "/AXWindow/AXGroup[1]"}]}},
+        {"AXRole": "AXGroup", "AXTitle": "second", "AXChildren": [
+          {"AXRole": "AXButton", "AXIdentifier": "_NS:7"},
+          {"AXRole": "AXGroup", "AXTitle": "deep"}]},
+        {"AXRole": "AXButton", "AXIdentifier": "_NS:6"},
+        {"AXRole": "AXTable", "AXChildren": {"array": [{"element": null}, {"element": "/0/1/1"}]}},
+        {"AXRole": "AXGroup", "AXChildren": {"array": [1, {"element": "/0/1/1"}]}})");
+    EXPECT_EQ(OnBoth(scene, {"tree"}).out, R"(  AXApplication "Final Cut Pro"
+-   AXWindow _NS:1 "Viewer" [a window]
+      AXGroup "first"
++       AXButton _NS:6
++       AXButton _NS:7
+        AXGroup "second"
+          AXGroup "deep"
+      AXTable
+      AXGroup
+)");
+    EXPECT_EQ(OnBoth(scene, {"find", "_NS:"}, true).code, ExitCode::ok);
+}
+
+TEST(Tree, HasChildrenOfAnotherApplication) {
+    const std::string scene = R"({"front": "a.b", "applications": [
+        {"bundleID": "a.b", "name": "Host", "windows": [{"AXRole": "AXWindow", "AXChildren": {"array": [
+          {"element": "/0", "application": "c.d"}, {"element": "/0/0", "application": "pid:9"}]}}]},
+        {"bundleID": "c.d", "pid": 9, "windows": [{"AXRole": "AXGroup", "AXChildren": [
+          {"AXRole": "AXButton", "AXIdentifier": "_NS:5"}]}]}]})";
+    EXPECT_EQ(OnBoth(scene, {"tree"}).out, R"(  AXApplication "Host"
+    AXWindow
+      AXGroup
++       AXButton _NS:5
+)");
+}
+
+TEST(SceneFile, LeavesOutChildrenThatItDoesNotHave) {
+    const test_support::TemporaryFolder folder;
+    for (const char* child :
+         {R"({"element": "/0/7"})", R"({"element": "_NS:9"})", R"({"element": "/0/AXRow[1]"})",
+          R"({"element": "/0/"})", R"({"element": "//"})", R"({"element": ""})",
+          R"({"element": "/0/AXRow[x]"})", R"({"element": "/0", "application": "x.y"})",
+          R"({"element": 5})"}) {
+        const std::string file = folder.Write(
+            "scene.json", std::string(R"({"applications": [{"windows": [{"AXRole": "AXWindow",
+                "AXChildren": {"array": [)") +
+                              child + R"(, {"element": "/"}]}}]}]})");
+        EXPECT_EQ(Carried({"tree", "--scene", file}).out, "  AXApplication\n    AXWindow\n")
+            << child;
+    }
 }
 
 std::string Failure(const std::string& file, std::vector<std::string> more = {}) {
