@@ -3,7 +3,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "VEKCommon/OwnedReference.h"
+#include "companion/KRT9Companion.h"
 #include "tools/Delivery.h"
 #include "tools/Request.h"
 
@@ -16,17 +16,16 @@ CFStringRef ReplyMode();
 class Client {
   public:
     // `timeout` in seconds, for sending and once more for the reply.
-    explicit Client(double timeout) : timeout_(timeout) {}
+    explicit Client(double timeout) : driver_(timeout, ReplyMode()) {}
 
-    void SetTimeout(double timeout) { timeout_ = timeout; }
+    void SetTimeout(double timeout) { driver_.SetTimeout(timeout); }
 
     // Waits for the reply, which every request gets, even if it is empty. The port is looked
     // up with the first request, and again with the first one after its end was noticed.
     Answer Send(const Request& request);
 
   private:
-    double timeout_;
-    OwnedReference<CFMessagePortRef> port_;
+    krt9::Driver driver_;
 };
 
 }  // namespace krt9ctl

@@ -8,7 +8,6 @@
 #include <ctime>
 #include <optional>
 
-#include "VEKCommon/ByteBuffers.h"
 #include "VEKCommon/MessageCodes.h"
 #include "tools/Text.h"
 
@@ -41,12 +40,12 @@ const MessageRow* FindMessage(MessageCode code) {
     return nullptr;
 }
 
-// Nothing unless the body is one text with its terminator and no more.
-std::optional<std::string> TextOf(const Bytes& body) {
-    if (body.empty() || std::find(body.begin(), body.end(), 0) != body.end() - 1) {
-        return std::nullopt;
-    }
-    return FromSystemEncoding(std::span(body).first(body.size() - 1));
+// Nothing unless the message has one, and it is well formed.
+std::optional<std::string> TextOf(const CompanionMessage& message) {
+    const krt9::Message decoded = krt9::DecodeMessage(message.code, message.body);
+    const bool hasText =
+        decoded.kind != krt9::MessageKind::other && decoded.kind != krt9::MessageKind::statusQuery;
+    return hasText ? std::optional(decoded.text) : std::nullopt;
 }
 
 std::string ShownBytes(const Bytes& body) {
@@ -63,15 +62,6 @@ long Milliseconds(std::chrono::system_clock::time_point time) {
 
 }  // namespace
 
-Bytes StatusReply(const ControllerStatus& status) {
-    const std::array<std::uint32_t, 7> words{status.units, status.channels};
-    Bytes reply(words.size() * 4);
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        UToBuffer::StoreLong(words[i], reply.data() + i * 4);
-    }
-    return reply;
-}
-
 Json MessageObject(const CompanionMessage& message) {
     const std::time_t time = std::chrono::system_clock::to_time_t(message.time);
     std::tm utc = {};
@@ -80,7 +70,7 @@ Json MessageObject(const CompanionMessage& message) {
         {"time", fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", utc, Milliseconds(message.time))},
         {"code", FormatCode(message.code)}};
     const MessageRow* row = FindMessage(message.code);
-    const auto text = row != nullptr && row->hasText ? TextOf(message.body) : std::nullopt;
+    const auto text = TextOf(message);
     if (text) {
         object["text"] = *text;
     } else if (row != nullptr && (row->hasText || !message.body.empty())) {
@@ -98,7 +88,7 @@ Json MessageObject(const CompanionMessage& message) {
 
 std::string DescribeMessage(const CompanionMessage& message) {
     const MessageRow* row = FindMessage(message.code);
-    const auto text = row != nullptr && row->hasText ? TextOf(message.body) : std::nullopt;
+    const auto text = TextOf(message);
     std::string what;
     if (row == nullptr) {
         what = "unknown message, " + ShownBytes(message.body);

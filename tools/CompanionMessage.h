@@ -7,19 +7,13 @@
 #include <span>
 #include <string>
 
+#include "companion/KRT9Companion.h"
 #include "tools/Bytes.h"
 #include "tools/Output.h"
 
 namespace krt9ctl {
 
-// What the companion replies to a status query.
-struct ControllerStatus {
-    std::uint32_t units = 1;
-    std::uint32_t channels = 8;
-};
-
-// Seven 32-bit words, most significant byte first: units, channels and five zeros.
-Bytes StatusReply(const ControllerStatus& status);
+using krt9::ControllerStatus;
 
 struct CompanionMessage {
     MessageCode code = 0;

@@ -4,13 +4,12 @@
 #include <cstdint>
 #include <string_view>
 
-#include "tools/Bytes.h"
+#include "companion/KRT9Companion.h"
 #include "tools/ExitCode.h"
 
 namespace krt9ctl {
 
-// Distinct from the results of CFMessagePortSendRequest, none of which is positive.
-inline constexpr std::int32_t kPortMissing = 1;
+using krt9::kPortMissing;
 
 struct DeliveryRow {
     std::int32_t status;
@@ -22,9 +21,7 @@ struct DeliveryRow {
 // transport error.
 const DeliveryRow& DeliveryOf(std::int32_t status);
 
-struct Answer {
-    std::int32_t status = 0;  // as for DeliveryOf
-    Bytes reply;              // empty: the driver sent an empty reply
-};
+// An empty reply is one that the driver sent empty.
+using Answer = krt9::Delivery;
 
 }  // namespace krt9ctl

@@ -2,7 +2,6 @@
 #include <cmath>
 
 #include "VEKCommon/MessageCodes.h"
-#include "protocol/InputRecords.h"
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
 #include "tools/Keys.h"
@@ -46,12 +45,12 @@ Parameter NoClick() {
 }
 
 Bytes MouseBody(Coordinates where, const Arguments& arguments) {
-    SSendMouseSpec record;
-    record.x = Pattern(where.x);
-    record.y = Pattern(where.y);
-    record.button = ModifierWord(arguments);
-    record.flag = arguments.Has("--no-click") ? 0 : 1;
-    return BodyOf(std::move(record));
+    // All steps have the same body.
+    return krt9::requests::StartGesture({.x = Pattern(where.x),
+                                         .y = Pattern(where.y),
+                                         .modifiers = ModifierWord(arguments),
+                                         .click = !arguments.Has("--no-click")})
+        .body;
 }
 
 template <MessageCode code, bool releases>
@@ -79,12 +78,10 @@ Plan PlanDrag(const Arguments& arguments) {
 }
 
 Bytes KeystrokeBody(const Arguments& arguments, bool press) {
-    SSendKeystrokeSpec record;
     const KeyChoice key = arguments.Key("KEY");
-    record.keyCode = key.code;
-    record.modifiers = key.modifiers | ModifierWord(arguments);
-    record.flag = press ? 1 : 0;
-    return BodyOf(std::move(record));
+    return krt9::requests::PostKey(
+               {.code = key.code, .modifiers = key.modifiers | ModifierWord(arguments)}, press)
+        .body;
 }
 
 Plan PlanKeystroke(const Arguments& arguments) {

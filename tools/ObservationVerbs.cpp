@@ -26,7 +26,9 @@ Plan PlanRefresh(const Arguments& arguments) {
     if (!profile && !timecode && !clip) {
         throw UsageError("say what to refresh: --profile, --timecode or --clip");
     }
-    return {{kJAcF, ThreeFlagsBody(profile, timecode, clip)}};
+    const auto request = krt9::requests::RefreshAndObserve(
+        {.frontApplication = profile, .timecode = timecode, .clip = clip});
+    return {{request.code, request.body}};
 }
 
 }  // namespace

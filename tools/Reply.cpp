@@ -3,7 +3,7 @@
 #include <fmt/args.h>
 #include <fmt/format.h>
 
-#include "protocol/MessageSpec.h"
+#include "companion/KRT9Companion.h"
 
 namespace krt9ctl {
 
@@ -12,13 +12,12 @@ std::optional<std::vector<std::int64_t>> DecodeReply(const RequestRow& row,
     if (bytes.size() != row.reply.size() * 4) {
         return std::nullopt;
     }
+    const auto fields = krt9::IntegersOf(bytes);
     std::vector<std::int64_t> values;
-    const std::uint8_t* next = bytes.data();
-    for (const ReplyField& field : row.reply) {
-        unsigned int value = 0;
-        next += SMessageSpec::DeserializeField(next, &value);
-        values.push_back(field.isSigned ? static_cast<std::int64_t>(static_cast<int>(value))
-                                        : static_cast<std::int64_t>(value));
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        values.push_back(row.reply[i].isSigned
+                             ? static_cast<std::int64_t>(static_cast<std::int32_t>(fields[i]))
+                             : static_cast<std::int64_t>(fields[i]));
     }
     return values;
 }

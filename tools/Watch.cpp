@@ -7,7 +7,7 @@
 
 #include "VEKCommon/MessageCodes.h"
 #include "VEKCommon/Names.h"
-#include "VEKCommon/OwnedReference.h"
+#include "companion/KRT9Companion.h"
 #include "tools/Arguments.h"
 #include "tools/CompanionMessage.h"
 #include "tools/Grammar.h"
@@ -34,10 +34,7 @@ class Watch {
     ExitCode Run(std::optional<double> seconds);
 
   private:
-    static CFDataRef ReceiveEntry(CFMessagePortRef, SInt32 code, CFDataRef data, void* watch) {
-        return static_cast<Watch*>(watch)->Receive(code, data);
-    }
-    CFDataRef Receive(SInt32 code, CFDataRef data);
+    void Receive(const krt9::Message& message);
     void Listen(Clock::time_point end);
 
     bool IsDone() const {
@@ -51,14 +48,11 @@ class Watch {
 };
 
 // Messages after the last one to be printed still get their reply.
-CFDataRef Watch::Receive(SInt32 code, CFDataRef data) {
+void Watch::Receive(const krt9::Message& received) {
     if (!remaining_ || *remaining_ > 0) {
-        CompanionMessage message{code, {}, std::chrono::system_clock::now(), {}};
-        if (data != nullptr && CFDataGetLength(data) > 0) {
-            const UInt8* bytes = CFDataGetBytePtr(data);
-            message.body.assign(bytes, bytes + CFDataGetLength(data));
-        }
-        if (code == kStus) {
+        CompanionMessage message{
+            received.code, received.body, std::chrono::system_clock::now(), {}};
+        if (received.code == kStus) {
             message.answer = status_;
         }
         output_.Result(MessageObject(message), DescribeMessage(message));
@@ -67,11 +61,6 @@ CFDataRef Watch::Receive(SInt32 code, CFDataRef data) {
     if (IsDone()) {
         CFRunLoopStop(CFRunLoopGetCurrent());
     }
-    if (code != kStus) {
-        return nullptr;
-    }
-    const Bytes reply = StatusReply(status_);
-    return CFDataCreate(kCFAllocatorDefault, reply.data(), static_cast<CFIndex>(reply.size()));
 }
 
 void Watch::Listen(Clock::time_point end) {
@@ -87,17 +76,13 @@ ExitCode Watch::Run(std::optional<double> seconds) {
     CheckSession();
     const Interruption interruption;
     const doctor::PortFacts driver = doctor::LookAtPort(kDriverPortName);
-    CFMessagePortContext context{0, this, nullptr, nullptr, nullptr};
-    const OwnedReference<CFMessagePortRef> port(CFMessagePortCreateLocal(
-        kCFAllocatorDefault, CFSTR(kCompanionPortName), ReceiveEntry, &context, nullptr));
+    const auto port = krt9::CompanionPort::Open(
+        status_, [this](const krt9::Message& message) { Receive(message); });
     if (!port) {
         output_.Problem(ExitCode::nameTaken,
                         "the port VEK_KRT9 is taken: the companion or another watch runs");
         return ExitCode::nameTaken;
     }
-    const OwnedReference<CFRunLoopSourceRef> source(
-        CFMessagePortCreateRunLoopSource(kCFAllocatorDefault, port.get(), 0));
-    CFRunLoopAddSource(CFRunLoopGetCurrent(), source.get(), kCFRunLoopDefaultMode);
     output_.Remark("watching the companion's port VEK_KRT9");
     if (driver.isThere) {
         output_.Remark(fmt::format(
@@ -109,8 +94,6 @@ ExitCode Watch::Run(std::optional<double> seconds) {
     Listen(seconds ? Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                         std::chrono::duration<double>(*seconds))
                    : forever);
-    CFRunLoopRemoveSource(CFRunLoopGetCurrent(), source.get(), kCFRunLoopDefaultMode);
-    CFMessagePortInvalidate(port.get());
     return ExitCode::ok;
 }
 

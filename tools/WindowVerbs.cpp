@@ -2,14 +2,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstring>
+#include <iterator>
 
 #include "VEKCommon/MessageCodes.h"
-#include "protocol/TargetWindowRequestSpec.h"
-#include "protocol/WindowRequestSpec.h"
+#include "companion/KRT9Companion.h"
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
-#include "tools/RequestBody.h"
 #include "tools/Text.h"
 
 namespace krt9ctl {
@@ -19,57 +17,34 @@ namespace {
 // Bodies grow with the square of their number.
 constexpr std::size_t kMostCandidates = 64;
 
+constexpr std::size_t kLongestKey = 255;  // bytes
+
 Plan PlanWindow(const Arguments& arguments) {
-    return {
-        {kJWiP, BodyOf(SWindowRequestSpec(arguments.Text("TITLE"), arguments.Has("--partial")))}};
+    return {{kJWiP,
+             krt9::requests::FindWindow(arguments.Text("TITLE"), arguments.Has("--partial")).body}};
 }
 
-// Checks a key and stores it in the two forms that a candidate contains.
-template <std::size_t size, std::size_t unitCount>
-void StoreKey(const std::string& key, char (&name)[size], UniChar (&units)[unitCount],
-              unsigned long long& length) {
-    const auto encoded = ToSystemEncoding(key);
+void CheckKey(const std::string& key) {
+    const auto encoded = krt9::ToSystemEncoding(key);
     if (!encoded) {
         throw UsageError(
             fmt::format("KEY: '{}' has characters outside the system encoding", Printable(key)));
     }
-    const auto utf16 = ToUtf16(key);
-    if (encoded->empty() || encoded->size() >= size || utf16.size() > unitCount) {
+    if (encoded->empty() || encoded->size() > kLongestKey) {
         throw UsageError(
-            fmt::format("KEY: '{}' must have 1 to {} bytes", Printable(key), size - 1));
+            fmt::format("KEY: '{}' must have 1 to {} bytes", Printable(key), kLongestKey));
     }
-    std::copy(encoded->begin(), encoded->end(), name);
-    std::copy(utf16.begin(), utf16.end(), units);
-    length = utf16.size();
 }
 
-void StoreCandidate(const std::string& keys, VEK_Driver_TargetWindowInfo& candidate) {
+krt9::Candidate CandidateOf(const std::string& keys) {
     const std::size_t slash = keys.find('/');
-    StoreKey(keys.substr(0, slash), candidate.windowName, candidate.windowNameUnicode,
-             candidate.windowNameLength);
-    candidate.hasSubWindow = slash != std::string::npos;
-    if (candidate.hasSubWindow) {
-        StoreKey(keys.substr(slash + 1), candidate.subWindowName, candidate.subWindowNameUnicode,
-                 candidate.subWindowNameLength);
+    krt9::Candidate candidate{keys.substr(0, slash), {}};
+    CheckKey(candidate.name);
+    if (slash != std::string::npos) {
+        candidate.subWindowName = keys.substr(slash + 1);
+        CheckKey(*candidate.subWindowName);
     }
-}
-
-std::size_t SizeOfFields(const std::vector<VEK_Driver_TargetWindowInfo>& candidates) {
-    std::size_t size = STargetWindowRequestSpec::kSmallestSize;
-    for (const auto& candidate : candidates) {
-        size += STargetWindowRequestSpec::CalcInfoFieldSize(candidate);
-        size += candidate.hasSubWindow ? std::strlen(candidate.subWindowName) + 1 : 0;
-    }
-    return size;
-}
-
-// The record's own size can omit the end of a lone second name; its bytes do not.
-Bytes TargetBody(const std::vector<VEK_Driver_TargetWindowInfo>& candidates) {
-    STargetWindowRequestSpec record(candidates.data(),
-                                    static_cast<unsigned int>(candidates.size()));
-    const unsigned char* bytes = record.Serialize();
-    return {bytes,
-            bytes + std::max<std::size_t>(record.SerialBufferSize(), SizeOfFields(candidates))};
+    return candidate;
 }
 
 Plan PlanTarget(const Arguments& arguments) {
@@ -77,11 +52,9 @@ Plan PlanTarget(const Arguments& arguments) {
     if (texts.size() > kMostCandidates) {
         throw UsageError(fmt::format("KEY: at most {} candidates", kMostCandidates));
     }
-    std::vector<VEK_Driver_TargetWindowInfo> candidates(texts.size());
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        StoreCandidate(texts[i], candidates[i]);
-    }
-    return {{kJTWP, TargetBody(candidates)}};
+    std::vector<krt9::Candidate> candidates;
+    std::transform(texts.begin(), texts.end(), std::back_inserter(candidates), CandidateOf);
+    return {{kJTWP, krt9::requests::FindTarget(candidates).value().body}};
 }
 
 }  // namespace

@@ -25,13 +25,6 @@ std::string Line(MessageCode code, Bytes body) {
     return OneLine(MessageObject(Message(code, std::move(body))));
 }
 
-TEST(StatusReply, IsSevenBigEndianWordsUnitsAndChannelsFirst) {
-    EXPECT_EQ(FormatHex(StatusReply({2, 0x010203})),
-              "00000002"
-              "00010203"
-              "0000000000000000000000000000000000000000");
-}
-
 TEST(CompanionMessage, TextsAreDecodedWithoutTheirTerminator) {
     EXPECT_EQ(Line(kJFSC, Text(std::string_view("Clip 1\0", 7))),
               R"({"time":"2017-07-14T02:40:00.042Z","code":"JFSC","text":"Clip 1"})");

@@ -204,8 +204,6 @@ TEST(Text, IsPrintedWithoutWhatATerminalWouldObey) {
 }
 
 TEST(Text, ThatIsNotUtf8HasNoOtherForm) {
-    EXPECT_EQ(ToSystemEncoding("\xFF"), std::nullopt);
-    EXPECT_TRUE(ToUtf16("\xFF").empty());
     EXPECT_EQ(Utf8Of(kCFBooleanTrue), std::nullopt);
 }
 
