@@ -34,6 +34,7 @@ Grammar MakeGrammar() {
     Append(grammar.verbs, DoctorVerbs());
     Append(grammar.verbs, ProfileVerbs());
     Append(grammar.verbs, DiffVerbs());
+    Append(grammar.verbs, TraceVerbs());
     Append(grammar.verbs, KeyVerbs());
     Append(grammar.verbs, GrammarVerbs());
     Append(grammar.verbs, DesktopVerbs());

@@ -76,6 +76,7 @@ std::vector<Verb> WhyVerbs();
 std::vector<Verb> DoctorVerbs();
 std::vector<Verb> ProfileVerbs();
 std::vector<Verb> DiffVerbs();
+std::vector<Verb> TraceVerbs();
 std::vector<Verb> GrammarVerbs();
 std::vector<Verb> KeyVerbs();
 

@@ -6,6 +6,7 @@
 #include "platform/DesktopLink/Framing.h"
 #include "platform/LocalSocket/SessionDirectory.h"
 #include "platform/LocalSocket/Socket.h"
+#include "platform/UnifiedLogging/TracerName.h"
 #include "tools/Session.h"
 
 namespace krt9ctl {
@@ -15,7 +16,7 @@ void CheckSession() {
     local_socket::OpenSessionDirectory(local_socket::IfMissing::leave, &problem);
     for (const std::string_view name :
          {std::string_view(kDriverPortName), std::string_view(kCompanionPortName),
-          desktop_link::kSocketName}) {
+          desktop_link::kSocketName, unified_logging::kTracerName}) {
         if (problem.empty()) {
             problem = local_socket::NameProblem(name);
         }
