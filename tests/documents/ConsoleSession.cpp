@@ -140,7 +140,8 @@ ChildProcess& ConsoleSession::RunInBackground(const std::string& command) {
     }
     processes_.push_back(std::make_unique<ChildProcess>("/bin/sh", ShellWords("exec " + command)));
     ChildProcess& process = *processes_.back();
-    if (!process.WaitForOutput(program->ready, kPatience)) {
+    const bool traces = command.starts_with("krt9ctl trace");
+    if (!process.WaitForOutput(traces ? "tracing the driver" : program->ready, kPatience)) {
         throw std::runtime_error(command + " did not start: " + process.Output());
     }
     if (name == "KRT9Background") {
