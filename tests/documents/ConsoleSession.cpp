@@ -109,9 +109,12 @@ void ConsoleSession::MakePrograms() {
         for (const auto& [name, value] : Stage::DriverEnvironment()) {
             script += fmt::format("export {}='{}'\n", name, value);
         }
-        const bool isControl = std::string_view(program.name) == "krt9ctl";
-        script +=
-            fmt::format("exec '{}' {} \"$@\"\n", program.path, isControl ? "--timeout 20" : "");
+        if (std::string_view(program.name) == "krt9ctl") {
+            script += fmt::format(
+                "case \" $* \" in *' --timeout '*) ;; *) set -- --timeout {} \"$@\" ;; esac\n",
+                kPatience);
+        }
+        script += fmt::format("exec '{}' \"$@\"\n", program.path);
         const auto file = folder_.Write(std::filesystem::path("bin") / program.name, script);
         std::filesystem::permissions(file, std::filesystem::perms::owner_all);
     }

@@ -101,20 +101,24 @@ class Reader {
     Document document_;
     int number_ = 0;
     bool isFenced_ = false;
+    std::size_t fenceIndent_ = 0;
     bool isIndented_ = false;
     std::string above_;  // the line above
     std::size_t printsColumn_ = std::string::npos;
 };
 
 void Reader::Take(const std::string& line) {
-    if (line.starts_with(kFence)) {
+    // The block of an item of a list is indented with the item.
+    const std::size_t indent = std::min(line.find_first_not_of(' '), line.size());
+    if (indent < kIndent.size() && std::string_view(line).substr(indent).starts_with(kFence)) {
         if (!isFenced_) {
-            Open(std::string_view(line).substr(kFence.size()));
+            Open(std::string_view(line).substr(indent + kFence.size()));
+            fenceIndent_ = indent;
         }
         isFenced_ = !isFenced_;
         isIndented_ = false;
     } else if (isFenced_) {
-        document_.blocks.back().code.push_back(line);
+        document_.blocks.back().code.push_back(line.substr(std::min(indent, fenceIndent_)));
     } else if (line.starts_with(kIndent) && (isIndented_ || above_.empty())) {
         if (!isIndented_) {
             document_.blocks.push_back({number_, "", {}, {}, {}});

@@ -81,6 +81,13 @@ TEST(Recognition, AConsoleBlockThatIsNotUnderstoodIsUnrecognised) {
     }
 }
 
+TEST(Recognition, ABlockInAListIsIndentedWithItsItem) {
+    const Findings found = In("1. Do:\n\n   ```console\n   $ krt9ctl tree\n     more\n   ```\n");
+    EXPECT_THAT(found.unrecognised, IsEmpty());
+    ASSERT_THAT(found.examples, SizeIs(1));
+    EXPECT_THAT(found.examples[0].code, ElementsAre("$ krt9ctl tree", "  more"));
+}
+
 TEST(Recognition, ABlockWithoutEndIsUnrecognised) {
     EXPECT_THAT(In("```console\n$ krt9ctl ping\n").unrecognised, SizeIs(1));
 }
