@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <string_view>
+#include <utility>
 
 #include "VEKCommon/OwnedReference.h"
 #include "scenes/notation/Hex.h"
@@ -28,13 +30,28 @@ constexpr double kPatience = 30;  // seconds; passes only when an example fails
 struct Program {
     const char* name;
     std::string path;
-    const char* ready;  // what it prints once it serves
 };
 
 std::vector<Program> Programs() {
-    return {{"krt9ctl", Stage::ControlPath(), "watching the companion's port"},
-            {"krt9-desktop", Stage::DesktopPath(), "ready"},
-            {"KRT9Background", Stage::DriverPath(), "accessibilityEnabled"}};
+    return {{"krt9ctl", Stage::ControlPath()},
+            {"krt9-desktop", Stage::DesktopPath()},
+            {"KRT9Background", Stage::DriverPath()}};
+}
+
+// What a command that runs until it is interrupted prints once it serves; null for others.
+const char* ReadyText(std::string_view command) {
+    static constexpr std::pair<std::string_view, const char*> kTexts[] = {
+        {"krt9ctl watch", "watching the companion's port"},
+        {"krt9ctl trace", "tracing the driver"},
+        {"krt9-desktop", "ready"},
+        {"KRT9Background", "accessibilityEnabled"},
+    };
+    for (const auto& [beginning, text] : kTexts) {
+        if (command.starts_with(beginning)) {
+            return text;
+        }
+    }
+    return nullptr;
 }
 
 std::string Hex(const Bytes& bytes) {
@@ -134,20 +151,16 @@ CommandResult ConsoleSession::Run(const std::string& command) {
 }
 
 ChildProcess& ConsoleSession::RunInBackground(const std::string& command) {
-    const std::string name = command.substr(0, command.find(' '));
-    const auto programs = Programs();
-    const auto program = std::find_if(programs.begin(), programs.end(),
-                                      [&name](const Program& each) { return each.name == name; });
-    if (program == programs.end()) {
-        throw std::runtime_error(name + " is no program of ours");
+    const char* const ready = ReadyText(command);
+    if (ready == nullptr) {
+        throw std::runtime_error(command + " is not known to run until it is interrupted");
     }
     processes_.push_back(std::make_unique<ChildProcess>("/bin/sh", ShellWords("exec " + command)));
     ChildProcess& process = *processes_.back();
-    const bool traces = command.starts_with("krt9ctl trace");
-    if (!process.WaitForOutput(traces ? "tracing the driver" : program->ready, kPatience)) {
+    if (!process.WaitForOutput(ready, kPatience)) {
         throw std::runtime_error(command + " did not start: " + process.Output());
     }
-    if (name == "KRT9Background") {
+    if (command.starts_with("KRT9Background")) {
         driver_ = &process;
     }
     return process;

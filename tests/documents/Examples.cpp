@@ -116,6 +116,9 @@ void Finder::TakeConsole(const CodeBlock& block) {
 }
 
 void Finder::TakeOtherBlock(const CodeBlock& block) {
+    if (block.isFenced && block.language != "sh" && block.language != "xml") {
+        Complain(block.line - 1, "a block of no language that is known");
+    }
     int number = block.line;
     for (const std::string& line : block.code) {
         const std::string text = line.substr(std::min(line.find_first_not_of(' '), line.size()));

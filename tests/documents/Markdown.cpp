@@ -121,7 +121,7 @@ void Reader::Take(const std::string& line) {
         document_.blocks.back().code.push_back(line.substr(std::min(indent, fenceIndent_)));
     } else if (line.starts_with(kIndent) && (isIndented_ || above_.empty())) {
         if (!isIndented_) {
-            document_.blocks.push_back({number_, "", {}, {}, {}});
+            document_.blocks.push_back({number_, false, "", {}, {}, {}});
         }
         isIndented_ = true;
         document_.blocks.back().code.push_back(line.substr(kIndent.size()));
@@ -132,7 +132,7 @@ void Reader::Take(const std::string& line) {
 }
 
 void Reader::Open(std::string_view fence) {
-    CodeBlock block{number_ + 1, "", {}, {}, MarkOf(above_)};
+    CodeBlock block{number_ + 1, true, "", {}, {}, MarkOf(above_)};
     std::istringstream words{std::string(fence)};
     words >> block.language;
     for (std::string word; words >> word;) {

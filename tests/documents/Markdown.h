@@ -14,8 +14,9 @@ struct Mark {
 };
 
 struct CodeBlock {
-    int line = 0;          // of its first line of code
-    std::string language;  // the first word after the fence; empty for an indented block
+    int line = 0;           // of its first line of code
+    bool isFenced = false;  // or indented
+    std::string language;   // the first word after the fence; empty for an indented block
     std::vector<std::string> options;  // the other words
     std::vector<std::string> code;
     Mark mark;  // on the line above it

@@ -36,15 +36,22 @@ TEST(Recognition, AMarkWithAReasonExcusesALineOrABlock) {
 
 TEST(Recognition, AMarkWithoutAReasonExcusesNothing) {
     EXPECT_THAT(In("`krt9ctl ping` <!-- not run: -->\n").examples, SizeIs(1));
-    EXPECT_THAT(In("<!-- not run -->\n```\nkrt9ctl ping\n```\n").unrecognised,
+    EXPECT_THAT(In("<!-- not run -->\n```sh\nkrt9ctl ping\n```\n").unrecognised,
                 ElementsAre("docs/page.md:3: krt9ctl ping"));
 }
 
 TEST(Recognition, ACommandAnObjectOrBytesInABlockOfAnotherKindAreUnrecognised) {
-    EXPECT_THAT(In("```\nkrt9ctl ping\n  {\"a\": 1}\nab 00\nmake\n```\n").unrecognised,
+    EXPECT_THAT(In("```sh\nkrt9ctl ping\n  {\"a\": 1}\nab 00\nmake\n```\n").unrecognised,
                 ElementsAre("docs/page.md:2: krt9ctl ping", "docs/page.md:3: {\"a\": 1}",
                             "docs/page.md:4: ab 00"));
     EXPECT_THAT(In("Text:\n\n    krt9ctl ping\n").unrecognised, SizeIs(1));
+}
+
+TEST(Recognition, ABlockOfNoKnownLanguageIsUnrecognised) {
+    for (const char* language : {"", "text", "bash"}) {
+        EXPECT_THAT(In(std::string("```") + language + "\nwhatever\n```\n").unrecognised,
+                    ElementsAre("docs/page.md:1: a block of no language that is known"));
+    }
 }
 
 TEST(Recognition, AnObjectIsWhatTheCommandBeforeItPrints) {
