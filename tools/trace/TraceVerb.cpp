@@ -2,7 +2,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 
 #include "tools/Arguments.h"
@@ -21,15 +20,15 @@ using Clock = std::chrono::steady_clock;
 constexpr double kLongestNap = 0.2;  // seconds: a closed pipe is noticed so often
 
 // "20ms", "1.5s"; a number alone is milliseconds.
-double ParseMilliseconds(const std::string& text) {
-    double number = 0;
-    const char* const end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, number);
-    const std::string unit(read.ptr, end);
-    if (read.ec != std::errc() || number < 0 || (unit != "" && unit != "ms" && unit != "s")) {
-        throw UsageError(fmt::format("--slow: '{}' is no time such as 20ms or 1.5s", text));
+double ParseMilliseconds(std::string text) {
+    double scale = 1;
+    if (text.ends_with("ms")) {
+        text.resize(text.size() - 2);
+    } else if (text.ends_with("s")) {
+        text.pop_back();
+        scale = 1000;
     }
-    return unit == "s" ? number * 1000 : number;
+    return ParseSeconds("--slow", text) * scale;
 }
 
 struct Wanted {
