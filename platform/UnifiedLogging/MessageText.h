@@ -7,8 +7,7 @@
 namespace unified_logging {
 
 // The first 1,024 bytes at most. Conversions are those of printf, with annotations in braces after
-// the '%'. A text is "<private>" unless one of its annotations is "public"; its bytes are not read
-// then.
+// the '%'. A text is "<private>" unless one of its annotations is "public".
 std::string MessageText(const char* format, va_list arguments);
 
 }  // namespace unified_logging
