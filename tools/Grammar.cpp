@@ -32,6 +32,7 @@ Grammar MakeGrammar() {
     Append(grammar.verbs, TreeVerbs());
     Append(grammar.verbs, WhyVerbs());
     Append(grammar.verbs, DoctorVerbs());
+    Append(grammar.verbs, ViewVerbs());
     Append(grammar.verbs, ProfileVerbs());
     Append(grammar.verbs, DiffVerbs());
     Append(grammar.verbs, TraceVerbs());

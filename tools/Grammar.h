@@ -74,6 +74,7 @@ std::vector<Verb> DumpVerbs();
 std::vector<Verb> TreeVerbs();
 std::vector<Verb> WhyVerbs();
 std::vector<Verb> DoctorVerbs();
+std::vector<Verb> ViewVerbs();
 std::vector<Verb> ProfileVerbs();
 std::vector<Verb> DiffVerbs();
 std::vector<Verb> TraceVerbs();

@@ -52,7 +52,13 @@ std::vector<Parameter> WithSource(std::vector<Parameter> parameters) {
     return parameters;
 }
 
-std::optional<std::string> SceneFileOf(const Arguments& arguments) {
+std::optional<std::string> SceneFileOf(const Arguments& arguments, std::string_view parameter) {
+    if (!parameter.empty() && arguments.Has(parameter)) {
+        if (arguments.Has("--scene")) {
+            throw UsageError(fmt::format("{} and --scene exclude each other", parameter));
+        }
+        return arguments.Text(parameter);
+    }
     return arguments.Has("--scene") ? std::optional(arguments.Text("--scene")) : std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -29,8 +30,9 @@ std::variant<Listing, ExitCode> ReadListing(const Arguments& arguments,
 // The parameters, and after them --application, --pid and --scene.
 std::vector<Parameter> WithSource(std::vector<Parameter> parameters);
 
-// The file given with --scene.
-std::optional<std::string> SceneFileOf(const Arguments& arguments);
+// The file given with --scene, or by its place as the parameter of that name. Throws UsageError
+// when both are given.
+std::optional<std::string> SceneFileOf(const Arguments& arguments, std::string_view parameter = {});
 
 // The bundle identifier, else the name, else the process id, else "the application".
 std::string NameOf(const Listing& listing);

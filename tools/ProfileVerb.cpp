@@ -80,8 +80,7 @@ std::string Heading(const Listing& listing, const Comparison& comparison) {
 }
 
 ExitCode ActProfile(const Arguments& arguments, Context& context) {
-    const auto file = arguments.Has("DUMP") ? std::optional(arguments.Text("DUMP")) : std::nullopt;
-    const auto read = ReadListing(arguments, file, context);
+    const auto read = ReadListing(arguments, SceneFileOf(arguments, "DUMP"), context);
     if (const ExitCode* code = std::get_if<ExitCode>(&read)) {
         return *code;
     }
@@ -119,11 +118,10 @@ std::vector<Verb> ProfileVerbs() {
              "only while the timeline index is visible, the clip's texts only with a clip. "
              "Exit code 13: no row has any control in common with the application.",
          .example = "krt9ctl profile --application com.apple.FinalCut",
-         .parameters =
-             WithApplication({{.name = "DUMP",
-                               .kind = ValueKind::file,
-                               .help = "a dump or scene; without it, what is on the screen",
-                               .presence = Presence::optional}}),
+         .parameters = WithSource({{.name = "DUMP",
+                                    .kind = ValueKind::file,
+                                    .help = "a dump or scene; without it, what is on the screen",
+                                    .presence = Presence::optional}}),
          .work = ActProfile},
     };
 }
