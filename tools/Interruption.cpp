@@ -28,7 +28,7 @@ int Wait(int descriptor, const timespec* longest) {
     for (const int signal : kSignals) {
         sigaddset(&held, signal);
     }
-    sigprocmask(SIG_BLOCK, &held, &before);
+    pthread_sigmask(SIG_BLOCK, &held, &before);
     int result = -1;
     if (raised == 0) {
         fd_set readable;
@@ -38,7 +38,7 @@ int Wait(int descriptor, const timespec* longest) {
         }
         result = pselect(descriptor + 1, &readable, nullptr, nullptr, longest, &before);
     }
-    sigprocmask(SIG_SETMASK, &before, nullptr);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return result;
 }
 
