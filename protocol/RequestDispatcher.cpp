@@ -118,7 +118,7 @@ struct Outcome {
     const char* result;
 };
 
-Outcome Handle(CVEK_UserSpaceDriver& driver, SInt32 code, const BodyCopy& body) {
+Outcome HandleMessage(CVEK_UserSpaceDriver& driver, SInt32 code, const BodyCopy& body) {
     const auto* const request =
         std::find_if(std::begin(kRequests), std::end(kRequests),
                      [code](const Request& candidate) { return candidate.code == code; });
@@ -149,7 +149,7 @@ CFDataRef CVEK_UserSpaceDriver::MessageCallback(CFMessagePortRef, SInt32 msgid, 
     const BodyCopy body(data);
     SignpostRequestBegins(msgid, body.Bytes(), body.Length());
     const unsigned long callsBefore = CallsMade();
-    const Outcome outcome = Handle(*this, msgid, body);
+    const Outcome outcome = HandleMessage(*this, msgid, body);
     SignpostRequestEnds(msgid, outcome.result, outcome.reply, CallsMade() - callsBefore);
     return outcome.reply;
 }

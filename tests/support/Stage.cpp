@@ -108,7 +108,8 @@ std::string Stage::ImpatientDriverPath() {
 }
 
 std::map<std::string, std::string> Stage::DriverEnvironment() {
-    return {{"ASAN_OPTIONS", "malloc_context_size=60"},  // the whole way to an element of a reply
+    // Exact stacks, the whole way to an element of a reply: what the driver keeps is told by them.
+    return {{"ASAN_OPTIONS", "fast_unwind_on_malloc=0:malloc_context_size=60"},
             {"LSAN_OPTIONS", "print_suppressions=0:suppressions=" KRT9_KEPT_OBJECTS}};
 }
 

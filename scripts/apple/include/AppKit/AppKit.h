@@ -23,6 +23,7 @@ extern NSString* const NSAccessibilityValueIndicatorRole;
 
 @interface NSRunningApplication (LookUp)
 + (NSArray*)runningApplicationsWithBundleIdentifier:(NSString*)bundleIdentifier;
++ (instancetype)runningApplicationWithProcessIdentifier:(pid_t)pid;
 @end
 
 @interface NSObject (KRTAccessibility)
