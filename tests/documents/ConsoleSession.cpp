@@ -142,10 +142,22 @@ std::vector<std::string> ConsoleSession::ShellWords(const std::string& command) 
                               folder_.Path().string(), command)};
 }
 
+// A companion that did not take messages meanwhile would lose those that the driver cannot hand
+// over within its hundredth of a second.
 CommandResult ConsoleSession::Run(const std::string& command) {
-    const auto result = test_support::RunProcess("/bin/sh", ShellWords(command), {}, kPatience);
-    CommandResult read{result.status, test_support::LinesOf(result.standardOutput)};
-    const auto errors = test_support::LinesOf(result.standardError);
+    constexpr double kStep = 0.005;  // seconds
+    ChildProcess process("/bin/sh", ShellWords(command));
+    int status = -1;
+    const auto hasEnded = [&] {
+        if (companion_) {
+            CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
+        }
+        status = process.WaitForExit(kStep);
+        return status != -1;
+    };
+    test_support::WaitUntil(hasEnded, kPatience);
+    CommandResult read{status, test_support::LinesOf(process.StandardOutput())};
+    const auto errors = test_support::LinesOf(process.StandardError());
     read.lines.insert(read.lines.end(), errors.begin(), errors.end());
     return read;
 }

@@ -161,8 +161,9 @@ std::string WithoutTimes(const std::string& line) {
 
 // Clip and timecode are reported in either order, so each line counts for itself.
 void CompareWithDemonstration(const Example& example) {
-    const auto result = test_support::RunProcess((Checkout() / "scripts" / "demo").string(),
-                                                 {KRT9_BINARIES}, {}, 60);
+    const auto result =
+        test_support::RunProcess((Checkout() / "scripts" / "demo").string(), {KRT9_BINARIES},
+                                 test_support::Stage::DriverEnvironment(), 60);
     EXPECT_EQ(result.status, 0) << result.standardOutput << result.standardError;
     std::vector<std::string> printed;
     for (const std::string& line : LinesOf(result.standardOutput)) {
