@@ -21,6 +21,8 @@ if(KRT9_FUZZ)
 endif()
 if(BUILD_SHARED_LIBS)
     set(CMAKE_POSITION_INDEPENDENT_CODE ON)  # for archives that go into a shared library
+    # Such a build is for measurements: what a test installs of it uses the libraries where they are.
+    set(CMAKE_INSTALL_RPATH ${CMAKE_BINARY_DIR}/lib)
 endif()
 if(KRT9_COVERAGE)
     # Counters that can lie in a file from the start: see krt9_add_test.

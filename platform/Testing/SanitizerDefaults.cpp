@@ -1,8 +1,8 @@
 // Options for AddressSanitizer and LeakSanitizer, compiled in so that every run of a program has
 // them.
 //
-// The stack of an allocation is found by frame pointers, which takes a fraction of the time: it ends
-// where it enters a library without them. That is enough to tell what the Objective-C runtime
+// The stack of an allocation is found by frame pointers, which takes a fraction of the time: it
+// ends where it enters a library without them. That is enough to tell what the Objective-C runtime
 // allocates for its own tables, and keeps, from what is ours: objects are allocated by other
 // functions. A whole stack is shown with ASAN_OPTIONS=fast_unwind_on_malloc=0.
 
