@@ -236,8 +236,9 @@ TEST(Why, LeavesNoControlCharacterInItsSentence) {
     EXPECT_EQ(answer.object["role"], "AX\x1b[2J");
 }
 
-// Without the exchanges, which are those with an application that runs.
-void ExpectSameInFile(const std::string& scene, const std::string& role) {
+// Without the exchanges, which are those with an application that runs. Of the identifiers, in
+// their order, every nth is asked for: each reads the file once more.
+void ExpectSameInFile(const std::string& scene, const std::string& role, int nth = 1) {
     const ScriptedDesktop session(scene);
     const test_support::TemporaryFolder folder;
     const std::string file = folder.Write("scene.json", scene).string();
@@ -246,8 +247,9 @@ void ExpectSameInFile(const std::string& scene, const std::string& role) {
     for (std::string line; std::getline(lines, line);) {
         identifiers.insert(Json::parse(line).value("identifier", "_NS:4711"));
     }
+    int turn = 0;
     for (const std::string& identifier : identifiers) {
-        if (!ParseElement(identifier)) {
+        if (turn++ % nth != 0 || !ParseElement(identifier)) {
             continue;
         }
         Json live = Json::parse(Carried({"why", identifier, "--role", role}, true).out);
@@ -264,7 +266,8 @@ TEST(Why, OfASceneFileIsThatOfTheApplicationWhichTheSceneDescribes) {
     for (const char* role : {"VEKAXAllRoles", "AXTextField", "AXCheckBox"}) {
         ExpectSameInFile(SceneWith(kWindows), role);
     }
-    ExpectSameInFile(test_support::ContentOf(KRT9_SCENES "/editor-10.4.6.json"), "VEKAXAllRoles");
+    ExpectSameInFile(test_support::ContentOf(KRT9_SCENES "/editor-10.4.6.json"), "VEKAXAllRoles",
+                     7);
 }
 
 TEST(Why, OfASceneFileNeedsNoSession) {
