@@ -196,10 +196,11 @@ TEST(Drawing, OfNothingIsEmpty) {
 }
 
 TEST(View, InABrowserShowsWhatIsPointedAtFindsAndFetchesNothing) {
+    const std::string program = KRT9_BINARIES "/krt9ctl";
     const auto seen = test_support::RunProcess(
         "/usr/bin/python3",
-        {(kRoot / "tests/unit/tools/view_in_browser.py").string(), KRT9_BINARIES "/krt9ctl",
-         SceneOf("10.2.3"), SceneOf("10.4.6"), (kData / "view/hostile.json").string()},
+        {(kRoot / "tests/unit/tools/view_in_browser.py").string(), program, SceneOf("10.2.3"),
+         SceneOf("10.4.6"), (kData / "view/hostile.json").string()},
         {}, 120);
     EXPECT_EQ(seen.standardOutput, "");
     EXPECT_EQ(seen.status, 0) << seen.standardError;
