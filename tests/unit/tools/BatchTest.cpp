@@ -11,6 +11,7 @@
 #include "VEKCommon/MessageCodes.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/Stage.h"
+#include "tests/unit/tools/Carried.h"
 #include "tests/unit/tools/FakeDriver.h"
 #include "tools/InputLines.h"
 #include "tools/Run.h"
@@ -46,15 +47,6 @@ class BatchVerb : public testing::Test {
         return RunCommandLine(options, {out_, err_, -1, -1, input.Descriptor()});
     }
 
-    std::vector<Json> Objects() const {
-        std::vector<Json> objects;
-        std::istringstream lines(out_.str());
-        for (std::string line; std::getline(lines, line);) {
-            objects.push_back(Json::parse(line));
-        }
-        return objects;
-    }
-
     test_support::SessionFixture session_;
     std::ostringstream out_, err_;
 };
@@ -83,7 +75,7 @@ TEST_F(BatchVerb, PrintsOneObjectALineForPrograms) {
         return request.code == kJElV ? Always({7, 0, 0, 0})(request) : CFDataRef{nullptr};
     });
     EXPECT_EQ(Run("value 59\nkeystroke b\nnumber 5\njuggle\n", {"--json"}), ExitCode::noReply);
-    const auto objects = Objects();
+    const auto objects = ObjectsOf(out_.str());
     ASSERT_THAT(objects, SizeIs(4));
     EXPECT_EQ(objects[0], Json::parse(R"({"line": 1, "replies": [{"code": "JElV", "value": 7}]})"));
     EXPECT_EQ(objects[1]["replies"].size(), 2U);

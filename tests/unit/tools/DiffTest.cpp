@@ -3,9 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <sstream>
 
-#include "tests/support/Paths.h"
+#include "tests/support/EditorReleases.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/unit/tools/Carried.h"
 #include "tools/ElementMatching.h"
@@ -14,32 +13,12 @@
 namespace krt9ctl {
 namespace {
 
+using test_support::kEditorReleases;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-
-const char* const kVersions[] = {
-#define EDITOR_RELEASE(row, prefix, scene, ...) scene,
-#define EDITOR_RELEASE_ALIKE(row, prefix)
-#include "accessibility/EditorReleases.def"
-#undef EDITOR_RELEASE
-#undef EDITOR_RELEASE_ALIKE
-};
-
-std::string SceneOf(const std::string& version) {
-    return std::string(KRT9_SCENES) + "/editor-" + version + ".json";
-}
-
-std::vector<Json> Objects(const Outcome& outcome) {
-    std::vector<Json> objects;
-    std::istringstream lines(outcome.out);
-    for (std::string line; std::getline(lines, line);) {
-        objects.push_back(Json::parse(line));
-    }
-    return objects;
-}
 
 // One text is both the first and the second with the clip's name.
 bool HasOneName(const EditorProfile& row) {
@@ -51,11 +30,13 @@ TEST(Diff, FindsTheControlsOfEveryReleaseInEveryOther) {
     const auto rows = EditorProfiles();
     for (std::size_t old = 0; old < rows.size(); ++old) {
         for (std::size_t now = 0; now < rows.size(); ++now) {
-            const auto objects =
-                Objects(Carried({"diff", SceneOf(kVersions[old]), SceneOf(kVersions[now])}, true));
+            const auto objects = ObjectsOf(Carried({"diff", SceneFileOf(kEditorReleases[old].scene),
+                                                    SceneFileOf(kEditorReleases[now].scene)},
+                                                   true)
+                                               .out);
             for (std::size_t i = 0; i < kProfileControlCount; ++i) {
                 const Json& control = objects[i];
-                SCOPED_TRACE(control.dump() + kVersions[now]);
+                SCOPED_TRACE(control.dump() + kEditorReleases[now].scene);
                 EXPECT_EQ(control["old"], rows[old].controls[i].identifier);
                 if (i == 0 && rows[old].controls[0].role != rows[now].controls[0].role) {
                     // A group of two radio buttons became one check box with a button's title.
@@ -73,13 +54,13 @@ TEST(Diff, FindsTheControlsOfEveryReleaseInEveryOther) {
 }
 
 TEST(Diff, OfAReleaseAndItselfHasNoChange) {
-    const std::string scene = SceneOf("10.4.6");
+    const std::string scene = SceneFileOf("10.4.6");
     EXPECT_THAT(Carried({"diff", scene, scene}).out,
                 HasSubstr("0 identifiers changed, 197 stayed, 0 are gone, 0 are new:\n"));
 }
 
 TEST(Diff, NamesTheControlsThatAChangeTouches) {
-    const Outcome outcome = Carried({"diff", SceneOf("10.4"), SceneOf("10.4.6")});
+    const Outcome outcome = Carried({"diff", SceneFileOf("10.4"), SceneFileOf("10.4.6")});
     EXPECT_THAT(outcome.out, HasSubstr("The controls of the row 10.4:\n"));
     EXPECT_THAT(outcome.out, HasSubstr("  timecode area          _NS:352  -> _NS:393 (100 %)\n"));
     EXPECT_THAT(
@@ -87,9 +68,9 @@ TEST(Diff, NamesTheControlsThatAChangeTouches) {
         HasSubstr("  _NS:352  -> _NS:393  100 %  /0/4/2/1/2/0/0 AXLayoutArea \"Timeline\" "
                   "-> /0/4/2/1/2/0/0; role 100, text 100, place 100, path 100 [timecode area]\n"));
     EXPECT_THAT(outcome.out, Not(HasSubstr("_NS:159  -> _NS:159  100 %"))) << "it stayed";
-    EXPECT_THAT(Carried({"diff", SceneOf("10.4"), SceneOf("10.4.6"), "--all"}).out,
+    EXPECT_THAT(Carried({"diff", SceneFileOf("10.4"), SceneFileOf("10.4.6"), "--all"}).out,
                 HasSubstr("_NS:159  -> _NS:159  100 %"));
-    EXPECT_THAT(Carried({"diff", SceneOf("10.2.3"), SceneOf("10.3.2")}).out,
+    EXPECT_THAT(Carried({"diff", SceneFileOf("10.2.3"), SceneFileOf("10.3.2")}).out,
                 HasSubstr("_NS:63   -> gone; at its address /0/4/2/0/0 is AXCheckBox _NS:159 now"));
 }
 
@@ -115,7 +96,7 @@ std::string Button(const std::string& identifier, int x, const std::string& titl
 
 std::map<std::string, std::string> Moves(const std::string& old, const std::string& now) {
     std::map<std::string, std::string> moves;
-    for (const Json& object : Objects(Diff(old, now, true))) {
+    for (const Json& object : ObjectsOf(Diff(old, now, true).out)) {
         moves[object["old"].is_null() ? "" : object["old"].get<std::string>()] =
             object["new"].is_null() ? "" : object["new"].get<std::string>();
     }
@@ -150,7 +131,7 @@ TEST(Diff, TellsWhatIsGoneAndWhatIsNew) {
 
 TEST(Diff, IsLessConfidentWhenAnotherElementIsNearlyAsAlike) {
     const auto confidence = [](const std::string& now) {
-        return Objects(Diff(Button("a", 10), now, true))[0]["confidence"].get<double>();
+        return ObjectsOf(Diff(Button("a", 10), now, true).out)[0]["confidence"].get<double>();
     };
     const double alone = confidence(Button("c", 10));
     const double withTwin = confidence(Button("c", 10) + "," + Button("d", 11));

@@ -2,8 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "tests/support/Paths.h"
 #include "tests/support/ScriptedDesktop.h"
 #include "tests/support/TemporaryFolder.h"
@@ -28,22 +26,13 @@ const Release kReleases[] = {
 #undef EDITOR_RELEASE_ALIKE
 };
 
-std::vector<Json> Objects(const Outcome& outcome) {
-    std::vector<Json> objects;
-    std::istringstream lines(outcome.out);
-    for (std::string line; std::getline(lines, line);) {
-        objects.push_back(Json::parse(line));
-    }
-    return objects;
-}
-
 TEST(Profile, OfEachReleaseFitsTheRowThatTheDriverUsesForIt) {
     for (const Release& release : kReleases) {
-        const std::string file = std::string(KRT9_SCENES) + "/editor-" + release.version + ".json";
+        const std::string file = SceneFileOf(release.version);
         const Outcome outcome = Carried({"profile", file}, true);
         EXPECT_EQ(outcome.code, ExitCode::ok);
         std::size_t fitting = 0;
-        for (const Json& row : Objects(outcome)) {
+        for (const Json& row : ObjectsOf(outcome.out)) {
             EXPECT_EQ(row["used"], row["row"] == release.row) << release.version;
             EXPECT_EQ(row["best"], row["row"] == release.row) << release.version;
             EXPECT_EQ(row["found"] == 6, row["row"] == release.row) << release.version;
@@ -92,7 +81,7 @@ TEST(Profile, SaysOfEachControlWhyItIsNotFound) {
                           "_NS:433 is AXSlider "
                           "/0/2\n"));
     EXPECT_EQ(Carried({"profile"}).out, outcome.out) << "the running editor is as its scene";
-    const Json row = Objects(Carried({"profile", file}, true))[0];
+    const Json row = ObjectsOf(Carried({"profile", file}, true).out)[0];
     const char* const fits[] = {"found",   "out-of-reach", "missing",
                                 "missing", "found",        "other-role"};
     for (std::size_t i = 0; i < std::size(fits); ++i) {

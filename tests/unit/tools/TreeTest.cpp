@@ -90,11 +90,7 @@ TEST(Tree, WithAFilterShowsWhatSurroundsTheElementsFound) {
 
 TEST(Tree, IsOneObjectALineForPrograms) {
     const Outcome outcome = OnBoth(SceneWith(kEditor), {"tree"}, true);
-    std::istringstream lines(outcome.out);
-    std::vector<Json> objects;
-    for (std::string line; std::getline(lines, line);) {
-        objects.push_back(Json::parse(line));
-    }
+    const auto objects = ObjectsOf(outcome.out);
     ASSERT_EQ(objects.size(), 12U);
     EXPECT_EQ(objects[0], Json::parse(R"({"path": "/", "depth": 0, "role": "AXApplication",
         "title": "Final Cut Pro", "reach": "nameless"})"));

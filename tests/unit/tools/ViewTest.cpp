@@ -27,27 +27,24 @@ using testing::SizeIs;
 const std::filesystem::path kData = KRT9_TEST_DATA;
 const std::filesystem::path kRoot = kData.parent_path().parent_path();
 
-std::string SceneOf(const std::string& version) {
-    return std::string(KRT9_SCENES) + "/editor-" + version + ".json";
-}
-
 TEST(View, OfThePictureInTheReadmeIsWhatTheCommandPrints) {
-    EXPECT_EQ(Carried({"view", SceneOf("10.4.6"), "--svg"}).out,
+    EXPECT_EQ(Carried({"view", SceneFileOf("10.4.6"), "--svg"}).out,
               ContentOf((kRoot / "docs/pictures/editor-10.4.6.svg").string()));
     EXPECT_THAT(ContentOf((kRoot / "README.md").string()),
                 HasSubstr("(docs/pictures/editor-10.4.6.svg)"));
 }
 
 TEST(View, ShowsARunningApplicationAsItsDump) {
-    const ScriptedDesktop session(ContentOf(SceneOf("10.4.6")));
-    const std::string page = Carried({"view", SceneOf("10.4.6")}).out;
+    const ScriptedDesktop session(ContentOf(SceneFileOf("10.4.6")));
+    const std::string page = Carried({"view", SceneFileOf("10.4.6")}).out;
     EXPECT_EQ(Carried({"view"}).out, page);
-    EXPECT_EQ(Carried({"view", "--scene", SceneOf("10.4.6")}).out, page);
-    EXPECT_THROW(Carried({"view", SceneOf("10.4"), "--scene", SceneOf("10.4")}), UsageError);
+    EXPECT_EQ(Carried({"view", "--scene", SceneFileOf("10.4.6")}).out, page);
+    EXPECT_THROW(Carried({"view", SceneFileOf("10.4"), "--scene", SceneFileOf("10.4")}),
+                 UsageError);
 }
 
 TEST(View, ColoursReachAsTreeJudgesIt) {
-    const std::string picture = Carried({"view", SceneOf("10.4.6"), "--svg"}).out;
+    const std::string picture = Carried({"view", SceneFileOf("10.4.6"), "--svg"}).out;
     EXPECT_THAT(picture, HasSubstr(R"(<rect class="reached" x="10" y="476" width="28" height="22")"
                                    R"( data-line="+ /0/4/2/0/0 AXCheckBox _NS:159)"));
     EXPECT_THAT(picture, HasSubstr(R"(>159</text>)"));
@@ -56,14 +53,14 @@ TEST(View, ColoursReachAsTreeJudgesIt) {
 }
 
 TEST(View, IsOneObjectForPrograms) {
-    const Json page = Json::parse(Carried({"view", SceneOf("10.4")}, true).out);
-    EXPECT_EQ(page["html"], Carried({"view", SceneOf("10.4")}).out);
-    const Json picture = Json::parse(Carried({"view", SceneOf("10.4"), "--svg"}, true).out);
-    EXPECT_EQ(picture["svg"], Carried({"view", SceneOf("10.4"), "--svg"}).out);
+    const Json page = Json::parse(Carried({"view", SceneFileOf("10.4")}, true).out);
+    EXPECT_EQ(page["html"], Carried({"view", SceneFileOf("10.4")}).out);
+    const Json picture = Json::parse(Carried({"view", SceneFileOf("10.4"), "--svg"}, true).out);
+    EXPECT_EQ(picture["svg"], Carried({"view", SceneFileOf("10.4"), "--svg"}).out);
 }
 
 TEST(View, NamesNothingOutsideTheFile) {
-    std::string page = Carried({"view", SceneOf("10.4"), SceneOf("10.4.6")}).out;
+    std::string page = Carried({"view", SceneFileOf("10.4"), SceneFileOf("10.4.6")}).out;
     const std::string nameSpace = "http://www.w3.org/2000/svg";
     for (std::size_t at = page.find(nameSpace); at != std::string::npos;
          at = page.find(nameSpace)) {
@@ -199,8 +196,8 @@ TEST(View, InABrowserShowsWhatIsPointedAtFindsAndFetchesNothing) {
     const std::string program = KRT9_BINARIES "/krt9ctl";
     const auto seen = test_support::RunProcess(
         "/usr/bin/python3",
-        {(kRoot / "tests/unit/tools/view_in_browser.py").string(), program, SceneOf("10.2.3"),
-         SceneOf("10.4.6"), (kData / "view/hostile.json").string()},
+        {(kRoot / "tests/unit/tools/view_in_browser.py").string(), program, SceneFileOf("10.2.3"),
+         SceneFileOf("10.4.6"), (kData / "view/hostile.json").string()},
         {}, 120);
     EXPECT_EQ(seen.standardOutput, "");
     EXPECT_EQ(seen.status, 0) << seen.standardError;
