@@ -20,8 +20,6 @@ using test_support::ChildProcess;
 using test_support::Role;
 using test_support::Stage;
 
-constexpr double kPatience = 20;  // seconds; passes only when a test fails
-
 constexpr krt9::Element kSnapping = 171;
 constexpr krt9::Element kScale = 87;          // a text field with 100
 constexpr krt9::Element kIndexButtons = 119;  // a radio group of four
@@ -46,16 +44,14 @@ class CompanionLibrary : public testing::Test {
                                        return message.kind == kind && message.text == text;
                                    });
             },
-            kPatience);
+            test_support::kPatience);
     }
 
-    bool DesktopSees(const std::string& text) {
-        return stage.Desktop().WaitForOutput(text, kPatience);
-    }
+    bool DesktopSees(const std::string& text) { return stage.Desktop().WaitForOutput(text); }
 
     test_support::HomeFolder home;
     Stage stage;
-    krt9::Driver driver{kPatience};
+    krt9::Driver driver{test_support::kPatience};
     std::unique_ptr<krt9::CompanionPort> port;
     std::vector<krt9::Message> messages;
 };
@@ -145,8 +141,7 @@ TEST_F(CompanionLibrary, FindsADriverThatWasStartedAnew) {
     EXPECT_EQ(driver.Ping(), Outcome::delivered);
     EXPECT_EQ(stage.Interrupt(Role::driver), 0);
     stage.Restart(Role::driver);
-    EXPECT_TRUE(
-        test_support::WaitUntil([this] { return driver.Ping() == Outcome::delivered; }, kPatience));
+    EXPECT_TRUE(test_support::WaitUntil([this] { return driver.Ping() == Outcome::delivered; }));
     EXPECT_TRUE(driver.IsConnected());
 }
 
@@ -160,11 +155,11 @@ TEST_F(CompanionLibrary, SampleFollowsTheEditor) {
     ChildProcess sample(KRT9_BINARIES "/krt9-follow-editor");
     ASSERT_TRUE(sample.WaitForOutput("start the driver now"));
     stage.StartDriver();
-    EXPECT_TRUE(sample.WaitForOutput("language: en\nsnapping is switched on: 1\n", kPatience));
-    EXPECT_TRUE(sample.WaitForOutput("clip: no clip selected\n", kPatience));
-    EXPECT_TRUE(sample.WaitForOutput("timecode: 01:00:00:00\n", kPatience));
+    EXPECT_TRUE(sample.WaitForOutput("language: en\nsnapping is switched on: 1\n"));
+    EXPECT_TRUE(sample.WaitForOutput("clip: no clip selected\n"));
+    EXPECT_TRUE(sample.WaitForOutput("timecode: 01:00:00:00\n"));
     ASSERT_EQ(Stage::Control({"desktop", "select-clip", "Gulls"}).status, 0);
-    EXPECT_TRUE(sample.WaitForOutput("clip: Gulls\n", kPatience));
+    EXPECT_TRUE(sample.WaitForOutput("clip: Gulls\n"));
 }
 
 }  // namespace

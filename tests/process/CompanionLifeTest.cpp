@@ -18,8 +18,6 @@ using test_support::Stage;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr double kPatience = 60;  // seconds; passes only when a test fails
-
 class CompanionLife : public testing::Test {
   protected:
     CompanionLife() { stage_.StartDesktop("editor-10.4.6.json"); }
@@ -57,8 +55,7 @@ class CompanionLife : public testing::Test {
                   "AXValueDescription": {"after": 5, "times": 1, "then": [
                   {"command": "plug", "device": {"name": ")" +
                   seen + R"("}}]}}}})"});
-        EXPECT_TRUE(stage_.Desktop().WaitForOutput(seen, kPatience))
-            << "the driver does not observe";
+        EXPECT_TRUE(stage_.Desktop().WaitForOutput(seen)) << "the driver does not observe";
     }
 
     // What the companion printed, all of it.

@@ -24,7 +24,7 @@ class WireClient : public SocketPeer {
         Bytes data;  // empty: no reply data
     };
     // The next reply; nothing when the driver closed the connection or `seconds` passed.
-    std::optional<Reply> ReceiveReply(double seconds = 10);
+    std::optional<Reply> ReceiveReply(double seconds = kPatience);
 };
 
 }  // namespace test_support

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/Patience.h"
+
 namespace test_support {
 
 class ChildProcess {
@@ -24,10 +26,10 @@ class ChildProcess {
 
     // Waits until the text is somewhere in what was printed on either stream; false when the
     // process ended or `seconds` passed without it.
-    bool WaitForOutput(std::string_view text, double seconds = 10);
+    bool WaitForOutput(std::string_view text, double seconds = kPatience);
 
     // Waits for the end: the exit status, or 128 + signal number, or -1 when `seconds` passed.
-    int WaitForExit(double seconds = 10);
+    int WaitForExit(double seconds = kPatience);
 
     // Reads what was printed so far and discards it, so that the process never blocks on output.
     void ForgetOutput();
@@ -67,6 +69,6 @@ struct ProcessResult {
 };
 ProcessResult RunProcess(const std::string& path, const std::vector<std::string>& arguments,
                          const std::map<std::string, std::string>& environment = {},
-                         double seconds = 20);
+                         double seconds = kPatience);
 
 }  // namespace test_support

@@ -13,6 +13,7 @@
 
 #include "platform/CoreFoundation/MessagePort/MessageFrame.h"
 #include "platform/LocalSocket/Socket.h"
+#include "tests/support/Patience.h"
 
 namespace test_support {
 
@@ -41,15 +42,15 @@ class SocketPeer {
     std::size_t SendSome(std::span<const std::uint8_t> bytes);
     // Waits until everything is taken; false after `seconds` without progress, or when the other
     // side has closed the connection.
-    bool SendBytes(std::span<const std::uint8_t> bytes, double seconds = 10);
+    bool SendBytes(std::span<const std::uint8_t> bytes, double seconds = kPatience);
     bool SendPayload(std::span<const std::uint8_t> payload) { return SendBytes(Framed(payload)); }
 
     // The payload of the next frame; nothing when the connection has ended or `seconds` passed.
-    std::optional<Bytes> ReceivePayload(double seconds = 10);
+    std::optional<Bytes> ReceivePayload(double seconds = kPatience);
 
     // Whether the other side closes the connection within `seconds`, or has closed it. Frames that
     // come before are dropped.
-    bool Ends(double seconds = 10);
+    bool Ends(double seconds = kPatience);
 
     // The other side reads the end of the stream, while this one still receives.
     void FinishSending();

@@ -5,10 +5,12 @@
 #include <functional>
 #include <thread>
 
+#include "tests/support/Patience.h"
+
 namespace test_support {
 
 // Looks again and again until the condition holds; false when it does not within `seconds`.
-inline bool WaitUntil(const std::function<bool()>& condition, double seconds = 10) {
+inline bool WaitUntil(const std::function<bool()>& condition, double seconds = kPatience) {
     using Clock = std::chrono::steady_clock;
     const auto deadline = Clock::now() + std::chrono::duration<double>(seconds);
     while (!condition()) {

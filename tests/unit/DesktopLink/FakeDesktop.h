@@ -46,14 +46,14 @@ class FakeDesktop {
 
     void Accept() {
         pollfd waiting{listener_->descriptor(), POLLIN, 0};
-        if (poll(&waiting, 1, static_cast<int>(kPatience * 1000)) != 1) {
+        if (poll(&waiting, 1, static_cast<int>(test_support::kPatience * 1000)) != 1) {
             throw std::runtime_error("no client connected");
         }
         client_.emplace(listener_->Accept());
     }
 
     Received Receive() {
-        const auto payload = client_->ReceivePayload(kPatience);
+        const auto payload = client_->ReceivePayload(test_support::kPatience);
         if (!payload) {
             throw std::runtime_error("the client sent no request");
         }
@@ -91,15 +91,13 @@ class FakeDesktop {
     }
 
     // Whether the client has closed the connection, waiting for it if need be.
-    bool ClientHangsUp() { return client_->Ends(kPatience); }
+    bool ClientHangsUp() { return client_->Ends(test_support::kPatience); }
 
     void HangUp() { client_->Close(); }
 
     void StopListening() { listener_.reset(); }
 
   private:
-    static constexpr double kPatience = 5;  // seconds
-
     static local_socket::Listener Listen() {
         std::string problem;
         auto listener = local_socket::Listener::Create(kSocketName, nullptr, &problem);

@@ -16,8 +16,22 @@ class SocketClient : public test_support::SocketPeer {
     SocketClient() : SocketPeer(desktop_link::kSocketName) {}
 
     void SendRequest(std::uint32_t sequence, const Request& request) {
-        SendPayload(desktop_link::MakePayload(desktop_link::FrameKind::request, sequence,
-                                              desktop_link::Encode(request)));
+        EXPECT_TRUE(SendPayload(desktop_link::MakePayload(
+            desktop_link::FrameKind::request, sequence, desktop_link::Encode(request))));
+    }
+
+    // Sends the request under each of the numbers from 0 up to `count`, at one go: the kernel
+    // charges each send for much more than its bytes, and the desktop stops reading from a client
+    // whose answers pile up, so that separate sends could fill the socket.
+    void SendRequests(std::uint32_t count, const Request& request) {
+        const auto message = desktop_link::Encode(request);
+        test_support::Bytes frames;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            const auto frame = test_support::Framed(
+                desktop_link::MakePayload(desktop_link::FrameKind::request, i, message));
+            frames.insert(frames.end(), frame.begin(), frame.end());
+        }
+        EXPECT_TRUE(SendBytes(frames));
     }
 
     struct Received {
@@ -27,7 +41,7 @@ class SocketClient : public test_support::SocketPeer {
     };
 
     // Nothing when none arrived within the time, or the connection ended.
-    std::optional<Received> Receive(double seconds = 5) {
+    std::optional<Received> Receive(double seconds = test_support::kPatience) {
         const auto payload = ReceivePayload(seconds);
         if (!payload) {
             return std::nullopt;
