@@ -62,6 +62,12 @@ std::optional<Reply> Desktop::Answer(const Request& request) {
         case Operation::postEvent:
             tap_.Post(request.event);
             return reply;
+        case Operation::keyState:
+            reply.flag = tap_.IsKeyDown(request.number);
+            return reply;
+        case Operation::buttonState:
+            reply.flag = tap_.IsButtonDown(request.number);
+            return reply;
         case Operation::pointerLocation:
             reply.values.push_back({model_.pointer});
             if (!model_.screens.empty()) {

@@ -30,7 +30,8 @@ constexpr std::array kExitCodes{
                 "the element is there, but the driver's search does not find it"},
     ExitCodeRow{ExitCode::notThere, "not-there", "the application has no such element"},
     ExitCodeRow{ExitCode::unmet, "unmet",
-                "what --expect or wait asks for was not so in time, or was so before"},
+                "what --expect or wait asks for was not so in time, or was so before; after panic "
+                "something is still pressed"},
     ExitCodeRow{ExitCode::companion, "companion",
                 "doctor: the driver's messages do not reach a companion"},
     ExitCodeRow{ExitCode::permission, "permission",

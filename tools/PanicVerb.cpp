@@ -1,10 +1,15 @@
 // The verb that lets mouse buttons and modifier keys go, without the driver.
 #include <ApplicationServices/ApplicationServices.h>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include <algorithm>
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 
 #include "VEKCommon/OwnedReference.h"
+#include "scenes/notation/ValueWriting.h"
 #include "tools/Grammar.h"
 #include "tools/Run.h"
 #include "tools/Session.h"
@@ -12,6 +17,9 @@
 namespace krt9ctl {
 
 namespace {
+
+constexpr std::chrono::seconds kPatience{1};
+constexpr std::chrono::milliseconds kBetweenReads{10};
 
 struct Button {
     std::string_view name;
@@ -61,16 +69,79 @@ std::vector<Event> Releases(CGPoint where) {
     return events;
 }
 
-Json Names() {
-    Json buttons = Json::array();
+// What the session's state holds down. The state of the hardware alone would not have what programs
+// post.
+struct Held {
+    std::vector<std::string_view> buttons;
+    std::vector<std::string_view> keys;
+    bool IsEmpty() const { return buttons.empty() && keys.empty(); }
+};
+
+Held ReadHeld() {
+    Held held;
     for (const Button& button : kButtons) {
-        buttons.push_back(button.name);
+        if (CGEventSourceButtonState(kCGEventSourceStateCombinedSessionState, button.button)) {
+            held.buttons.push_back(button.name);
+        }
     }
-    Json keys = Json::array();
     for (const Key& key : kKeys) {
-        keys.push_back(key.name);
+        if (CGEventSourceKeyState(kCGEventSourceStateCombinedSessionState, key.code)) {
+            held.keys.push_back(key.name);
+        }
     }
-    return {{"buttons", buttons}, {"keys", keys}};
+    return held;
+}
+
+// The system handles posted events when it comes to them.
+Held AwaitRelease() {
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    Held held = ReadHeld();
+    while (!held.IsEmpty() && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(kBetweenReads);
+        held = ReadHeld();
+    }
+    return held;
+}
+
+std::vector<std::string_view> Without(std::vector<std::string_view> names,
+                                      const std::vector<std::string_view>& others) {
+    std::erase_if(names, [&others](std::string_view name) {
+        return std::find(others.begin(), others.end(), name) != others.end();
+    });
+    return names;
+}
+
+// "left button, right button, command"
+std::string Enumerate(const Held& held) {
+    std::vector<std::string> names;
+    for (const std::string_view button : held.buttons) {
+        names.push_back(fmt::format("{} button", button));
+    }
+    names.insert(names.end(), held.keys.begin(), held.keys.end());
+    return fmt::format("{}", fmt::join(names, ", "));
+}
+
+Json ObjectOf(const Held& held) {
+    return {{"buttons", held.buttons}, {"keys", held.keys}};
+}
+
+ExitCode Tell(const Held& released, const Held& held, CGPoint where, Output& output) {
+    Json object = ObjectOf(released);
+    const Json position = scene_notation::WritePosition({where.x, where.y});
+    object["x"] = position[0];
+    object["y"] = position[1];
+    if (!held.IsEmpty()) {
+        object["held"] = ObjectOf(held);
+        output.Problem(ExitCode::unmet,
+                       fmt::format("still pressed: {}{}{}", Enumerate(held),
+                                   released.IsEmpty() ? "" : "; released: ", Enumerate(released)),
+                       object);
+        return ExitCode::unmet;
+    }
+    output.Result(object, released.IsEmpty() ? "no mouse button and no modifier key was pressed"
+                                             : fmt::format("released at {:g},{:g}: {}", where.x,
+                                                           where.y, Enumerate(released)));
+    return ExitCode::ok;
 }
 
 ExitCode ActPanic(const Arguments&, Context& context) {
@@ -82,16 +153,13 @@ ExitCode ActPanic(const Arguments&, Context& context) {
         return ExitCode::accessibility;
     }
     const CGPoint where = CGEventGetLocation(Checked(CGEventCreate(nullptr)).get());
+    const Held before = ReadHeld();
     for (const Event& event : Releases(where)) {
         CGEventPost(kCGHIDEventTap, event.get());
     }
-    Json object = Names();
-    object["x"] = where.x;
-    object["y"] = where.y;
-    context.output.Result(object, fmt::format("mouse buttons released at {:g},{:g}, and the "
-                                              "modifier keys",
-                                              where.x, where.y));
-    return ExitCode::ok;
+    const Held after = AwaitRelease();
+    const Held released{Without(before.buttons, after.buttons), Without(before.keys, after.keys)};
+    return Tell(released, after, where, context.output);
 }
 
 }  // namespace
@@ -103,8 +171,9 @@ std::vector<Verb> PanicVerbs() {
          .summary = "let all mouse buttons and modifier keys go, without the driver",
          .detail = "For a gesture that nobody ended. Posts the events itself, whether a driver "
                    "runs or not: three mouse buttons go up where the pointer is, then command, "
-                   "shift, option and control on both sides. What is not pressed stays as it is. "
-                   "Needs the accessibility permission (exit code 11 without it).",
+                   "shift, option and control on both sides. Prints what the system said was "
+                   "pressed before. Exit code 0: all are up now; 14: the system says that some "
+                   "are still pressed; 11: it needs the accessibility permission.",
          .example = "krt9ctl panic",
          .work = ActPanic},
     };

@@ -104,6 +104,18 @@ std::int64_t Wheel(const Event& event, size_t axis) {
     return axis < event.wheels.size() ? event.wheels[axis] : 0;
 }
 
+bool IsDown(CGEventSourceStateID stateID, desktop_link::Operation operation, std::int64_t number) {
+    if (stateID != kCGEventSourceStateCombinedSessionState) {
+        return false;
+    }
+    desktop_link::Request request;
+    request.operation = operation;
+    request.number = number;
+    const auto reply =
+        desktop_link::CurrentTransport().Exchange(request, desktop_link::kSystemTimeout);
+    return reply && reply->flag;
+}
+
 }  // namespace
 
 CFTypeID CGEventGetTypeID() {
@@ -219,6 +231,14 @@ std::int64_t CGEventGetIntegerValueField(CGEventRef event, CGEventField field) {
             return Wheel(EventOf(event), 2);
     }
     return 0;
+}
+
+bool CGEventSourceKeyState(CGEventSourceStateID stateID, CGKeyCode key) {
+    return IsDown(stateID, desktop_link::Operation::keyState, key);
+}
+
+bool CGEventSourceButtonState(CGEventSourceStateID stateID, CGMouseButton button) {
+    return IsDown(stateID, desktop_link::Operation::buttonState, button);
 }
 
 void CGEventPost(CGEventTapLocation tap, CGEventRef event) {

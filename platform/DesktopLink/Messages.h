@@ -24,6 +24,8 @@ enum class Operation : std::uint8_t {
     setAttribute,       // element, names[0], value
     performAction,      // element, names[0]
     postEvent,          // event
+    keyState,           // number: a key code -> Reply::flag: it is down
+    buttonState,        // number: of a mouse button -> Reply::flag: it is down
     pointerLocation,    // -> a Point, origin at the top left of the first screen, and, when there
                         //    is one, that screen's Rect
     screens,            // -> values, a Rect each, the screen at the origin first, its top left the

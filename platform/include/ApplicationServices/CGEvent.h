@@ -36,6 +36,12 @@ CGEventType CGEventGetType(CGEventRef event);
 CGPoint CGEventGetLocation(CGEventRef event);
 std::int64_t CGEventGetIntegerValueField(CGEventRef event, CGEventField field);
 
+// Whether a key, or a mouse button (0 to 31), is down in the state that all events of the log-in
+// session make. False for every other state: the layer has no hardware, and a private state belongs
+// to its source. Whether keys of a private source count is not documented.
+bool CGEventSourceKeyState(CGEventSourceStateID stateID, CGKeyCode key);
+bool CGEventSourceButtonState(CGEventSourceStateID stateID, CGMouseButton button);
+
 // Doesn't consume the event. Null is ignored; so is an event of a process that is not trusted.
 void CGEventPost(CGEventTapLocation tap, CGEventRef event);
 

@@ -40,6 +40,8 @@ HAS_SIGNATURE(CGEventPost, void(CGEventTapLocation, CGEventRef));
 HAS_SIGNATURE(CGEventGetType, CGEventType(CGEventRef));
 HAS_SIGNATURE(CGEventGetLocation, CGPoint(CGEventRef));
 HAS_SIGNATURE(CGEventGetIntegerValueField, std::int64_t(CGEventRef, CGEventField));
+HAS_SIGNATURE(CGEventSourceKeyState, bool(CGEventSourceStateID, CGKeyCode));
+HAS_SIGNATURE(CGEventSourceButtonState, bool(CGEventSourceStateID, CGMouseButton));
 HAS_SIGNATURE(CGEventGetTypeID, CFTypeID());
 HAS_SIGNATURE(CGEventSourceGetTypeID, CFTypeID());
 

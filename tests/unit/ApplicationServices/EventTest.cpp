@@ -169,6 +169,29 @@ TEST_F(QuartzEvents, SourceKeepsItsStateInItsEvents) {
     }
 }
 
+TEST_F(QuartzEvents, StateOfTheSessionTellsWhatIsPressed) {
+    constexpr auto kSession = kCGEventSourceStateCombinedSessionState;
+    const OwnedEvent key = CGEventCreateKeyboardEvent(nullptr, 58, true);
+    const OwnedEvent button =
+        CGEventCreateMouseEvent(nullptr, kCGEventRightMouseDown, {1, 2}, kCGMouseButtonRight);
+    EXPECT_FALSE(CGEventSourceKeyState(kSession, 58));
+    EXPECT_FALSE(CGEventSourceButtonState(kSession, kCGMouseButtonRight));
+    CGEventPost(kCGHIDEventTap, key);
+    CGEventPost(kCGHIDEventTap, button);
+    EXPECT_TRUE(CGEventSourceKeyState(kSession, 58));
+    EXPECT_FALSE(CGEventSourceKeyState(kSession, 59));
+    EXPECT_TRUE(CGEventSourceButtonState(kSession, kCGMouseButtonRight));
+    EXPECT_FALSE(CGEventSourceButtonState(kSession, kCGMouseButtonLeft));
+}
+
+TEST_F(QuartzEvents, OtherStatesHoldNothing) {
+    const OwnedEvent key = CGEventCreateKeyboardEvent(nullptr, 58, true);
+    CGEventPost(kCGHIDEventTap, key);
+    EXPECT_FALSE(CGEventSourceKeyState(kCGEventSourceStateHIDSystemState, 58));
+    EXPECT_FALSE(CGEventSourceKeyState(kCGEventSourceStatePrivate, 58));
+    EXPECT_FALSE(CGEventSourceButtonState(kCGEventSourceStateHIDSystemState, kCGMouseButtonLeft));
+}
+
 TEST_F(QuartzEvents, FieldThatIsUnknownIsZero) {
     const OwnedEvent event = CGEventCreateKeyboardEvent(nullptr, 12, true);
     EXPECT_EQ(CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode), 12);
@@ -209,6 +232,9 @@ TEST_F(QuartzEvents, WithoutADesktopEventsAreMadeAndPostedIntoNothing) {
     CGEventPost(kCGHIDEventTap, event);
     EXPECT_EQ(CGEventGetLocation(event).x, 0);
     EXPECT_EQ(CGEventGetLocation(event).y, 0);
+    EXPECT_FALSE(CGEventSourceKeyState(kCGEventSourceStateCombinedSessionState, 58));
+    EXPECT_FALSE(
+        CGEventSourceButtonState(kCGEventSourceStateCombinedSessionState, kCGMouseButtonLeft));
     desktop_link::SetTransport(nullptr);
 }
 

@@ -151,6 +151,60 @@ TEST(EventTap, FlagsChangedEventHoldsTheKeyWhoseFlagItCarries) {
     EXPECT_EQ(client.Do({{"command", "state"}})["modifiers"], json::array());
 }
 
+bool IsDown(const Client& client, Operation operation, std::int64_t number) {
+    Request request;
+    request.operation = operation;
+    request.number = number;
+    return client.desktop.Handle(1, request)->flag;
+}
+
+TEST(EventTap, KeyIsDownFromItsKeyDownToItsKeyUp) {
+    Desktop desktop(kEmptyScene);
+    const Client client{desktop};
+    for (const std::int64_t key : {0, 11, 55, 60, 127}) {
+        client.Post(Key(key, true, 0));
+        EXPECT_TRUE(IsDown(client, Operation::keyState, key)) << key;
+        EXPECT_FALSE(IsDown(client, Operation::keyState, key == 0 ? 1 : key - 1)) << key;
+        client.Post(Key(key, false, 0));
+        EXPECT_FALSE(IsDown(client, Operation::keyState, key)) << key;
+    }
+}
+
+TEST(EventTap, ButtonIsDownFromItsPressToItsRelease) {
+    Desktop desktop(kEmptyScene);
+    const Client client{desktop};
+    constexpr struct {
+        std::uint32_t down, up;
+        std::int64_t button;
+    } kButtons[] = {{1, 2, 0}, {3, 4, 1}, {25, 26, 2}, {25, 26, 31}};
+    for (const auto& [down, up, button] : kButtons) {
+        Event event = Mouse(down, 1, 1);
+        event.button = button;
+        client.Post(event);
+        event.type = 6;
+        client.Post(event);
+        EXPECT_TRUE(IsDown(client, Operation::buttonState, button)) << button;
+        EXPECT_FALSE(IsDown(client, Operation::buttonState, button + 1)) << button;
+        event.type = up;
+        client.Post(event);
+        EXPECT_FALSE(IsDown(client, Operation::buttonState, button)) << button;
+    }
+}
+
+TEST(EventTap, KeysAndButtonsOfOtherNumbersAreNeverDown) {
+    Desktop desktop(kEmptyScene);
+    const Client client{desktop};
+    for (const std::int64_t number :
+         {std::int64_t{-1}, std::int64_t{128}, std::numeric_limits<std::int64_t>::max()}) {
+        client.Post(Key(number, true, 0));
+        Event event = Mouse(25, 1, 1);
+        event.button = number;
+        client.Post(event);
+        EXPECT_FALSE(IsDown(client, Operation::keyState, number)) << number;
+        EXPECT_FALSE(IsDown(client, Operation::buttonState, number)) << number;
+    }
+}
+
 Value Pointer(const Client& client) {
     return client.Ask(Operation::pointerLocation)->values.at(0);
 }
