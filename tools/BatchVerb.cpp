@@ -7,11 +7,13 @@
 
 #include "tools/Client.h"
 #include "tools/CommandLine.h"
+#include "tools/Conversation.h"
 #include "tools/InputLines.h"
 #include "tools/Interruption.h"
 #include "tools/RequestVerb.h"
 #include "tools/Run.h"
 #include "tools/Text.h"
+#include "tools/Unreleased.h"
 
 namespace krt9ctl {
 
@@ -99,10 +101,13 @@ class Batch {
     ExitCode CarryOut(const InputLine& line, const std::vector<std::string>& words,
                       KeptOutput& kept);
     void Tell(ExitCode code, const KeptOutput& kept);
+    Answer Send(const Request& request);
+    ExitCode ReleaseWhatIsPressed();
 
     Output& output_;
     double usualTimeout_;
     Client client_{usualTimeout_};
+    Unreleased unreleased_;
     std::size_t number_ = 0;  // of the line, from 1
 };
 
@@ -117,11 +122,40 @@ ExitCode Batch::CarryOut(const InputLine& line, const std::vector<std::string>& 
     try {
         const Errand errand = ErrandOf(verb, Arguments(verb, invocation.given));
         return RunErrand(
-            errand, [this](const Request& request) { return client_.Send(request); },
-            Interruption::Raised, kept);
+            errand, [this](const Request& request) { return Send(request); }, Interruption::Raised,
+            kept);
     } catch (const UsageError& error) {
         throw UsageError(error.what(), verb.name);
     }
+}
+
+Answer Batch::Send(const Request& request) {
+    Answer answer = client_.Send(request);
+    if (answer.status != kPortMissing) {
+        unreleased_.Note(request);
+    }
+    return answer;
+}
+
+// Nobody else would: the lines that should do it will not come.
+ExitCode Batch::ReleaseWhatIsPressed() {
+    const auto releases = unreleased_.Releases();
+    if (releases.empty()) {
+        return ExitCode::ok;
+    }
+    client_.SetTimeout(usualTimeout_);
+    KeptOutput kept;
+    const ExitCode code = Release(
+        releases, [this](const Request& request) { return client_.Send(request); }, kept);
+    if (code == ExitCode::ok) {
+        output_.Remark("the lines ended in the middle of a gesture or a key press: released");
+    } else {
+        output_.Problem(code,
+                        "the lines ended in the middle of a gesture or a key press, which "
+                        "was not released: " +
+                            kept.Failure());
+    }
+    return code;
 }
 
 std::optional<ExitCode> Batch::Obey(const InputLine& line) {
@@ -172,11 +206,12 @@ ExitCode Batch::Run(InputLines& lines, bool stopsAtFailure) {
             break;
         }
     }
+    const ExitCode released = ReleaseWhatIsPressed();
     if (const ExitCode signal = Interruption::Raised(); signal != ExitCode::ok) {
         ReportSignal(signal, output_);
         return signal;
     }
-    return first;
+    return first == ExitCode::ok ? released : first;
 }
 
 ExitCode ActBatch(const Arguments& arguments, Context& context) {
@@ -198,7 +233,9 @@ std::vector<Verb> BatchVerbs() {
                    "begin with # are skipped. Prints one line for each other one: its number and "
                    "the reply, ok, or the name of an exit code and what is wrong. A line that "
                    "fails does not end the batch, whose exit code is that of the first failure. "
-                   "A line may have its own --timeout.",
+                   "A line may have its own --timeout. When the lines end, or are ended by a "
+                   "signal or by --stop, in the middle of a gesture, the button and the modifier "
+                   "keys go up where the pointer is, and so does a key that is still pressed.",
          .example = "krt9ctl batch --stop",
          .parameters = {{.name = "--stop",
                          .kind = ValueKind::flag,

@@ -71,10 +71,12 @@ std::string_view SignalSentence(ExitCode code) {
 
 class Conversation {
   public:
+    // Both functions must outlive it.
     Conversation(const Send& send, const Stopped& stopped, Output& output)
         : send_(send), stopped_(stopped), output_(output) {}
 
     ExitCode Hold(const Plan& plan);
+    ExitCode ReleaseAll(const Plan& releases);
 
   private:
     ExitCode ReasonToStop();
@@ -102,6 +104,17 @@ ExitCode Conversation::Hold(const Plan& plan) {
         } else if (request.releases && last_) {
             Tell(WhereThePointerIs(request));
         }
+    }
+    return result;
+}
+
+ExitCode Conversation::ReleaseAll(const Plan& releases) {
+    ExitCode result = ExitCode::ok;
+    for (const Request& request : releases) {
+        last_ = request;
+        driverReplies_ = result == ExitCode::ok;
+        const ExitCode code = Tell(WhereThePointerIs(request));
+        result = result == ExitCode::ok ? code : result;
     }
     return result;
 }
@@ -163,6 +176,11 @@ void ReportSignal(ExitCode signal, Output& output) {
 
 ExitCode Converse(const Plan& plan, const Send& send, const Stopped& stopped, Output& output) {
     return Conversation(send, stopped, output).Hold(plan);
+}
+
+ExitCode Release(const Plan& releases, const Send& send, Output& output) {
+    const Stopped never = [] { return ExitCode::ok; };
+    return Conversation(send, never, output).ReleaseAll(releases);
 }
 
 }  // namespace krt9ctl

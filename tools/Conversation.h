@@ -21,6 +21,11 @@ using Stopped = std::function<ExitCode()>;
 // where the pointer is: at the end of the gesture, what is being dragged could be dropped.
 ExitCode Converse(const Plan& plan, const Send& send, const Stopped& stopped, Output& output);
 
+// Releases what earlier requests have pressed, with requests as Unreleased makes them: a gesture
+// ends where the pointer is, or where its last step went if the driver does not tell. All are sent.
+// Returns the exit code of the first failure.
+ExitCode Release(const Plan& releases, const Send& send, Output& output);
+
 // ok for a request that the driver replied to; otherwise the exit code of the reported problem.
 ExitCode ReportDelivery(const Request& request, const Answer& answer, Output& output);
 

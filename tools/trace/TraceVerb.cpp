@@ -4,10 +4,13 @@
 #include <algorithm>
 #include <chrono>
 
+#include "VEKCommon/Names.h"
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
 #include "tools/Interruption.h"
 #include "tools/Run.h"
+#include "tools/Session.h"
+#include "tools/doctor/Ports.h"
 #include "tools/trace/SignpostSource.h"
 #include "tools/trace/Timeline.h"
 
@@ -53,10 +56,53 @@ bool IsDone(const Wanted& wanted, Output& output) {
            output.Status() != ExitCode::ok;
 }
 
+// Says when it traces: the driver has noticed it then, and nothing that begins now is missed.
+class Announcement {
+  public:
+    explicit Announcement(Output& output) : output_(output) {
+        if (!doctor::LookAtPort(kDriverPortName).isThere) {
+            Say(fmt::format("tracing the driver once it is started: none runs in {}",
+                            SessionName()));
+        }
+        output_.Progress("waiting for the driver to notice the trace");
+    }
+
+    void SignpostCame() {
+        if (!isMade_) {
+            Say("tracing the driver");
+        }
+    }
+
+    // A driver's ticks have signposts.
+    void TimePasses() {
+        if (!isMade_ && Clock::now() >= latest_) {
+            Say(
+                fmt::format("tracing the driver, which has not noticed it within {} seconds: it "
+                            "may be waiting for an application that hangs",
+                            kPatience.count()));
+        }
+    }
+
+  private:
+    static constexpr std::chrono::seconds kPatience{3};
+
+    void Say(const std::string& sentence) {
+        output_.Remark(sentence);
+        isMade_ = true;
+    }
+
+    Output& output_;
+    bool isMade_ = false;
+    Clock::time_point latest_ = Clock::now() + kPatience;
+};
+
 void Show(const std::vector<std::string>& lines, trace::Timeline& timeline, Wanted& wanted,
-          Output& output) {
+          Announcement& announcement, Output& output) {
     for (const std::string& line : lines) {
         auto signpost = trace::ReadSignpost(line);
+        if (signpost) {
+            announcement.SignpostCame();
+        }
         const auto event = signpost ? timeline.Add(std::move(*signpost)) : std::nullopt;
         if (event && wanted.Includes(*event) && !IsDone(wanted, output)) {
             output.Result(EventObject(*event), DescribeEvent(*event));
@@ -80,7 +126,7 @@ ExitCode ActTrace(const Arguments& arguments, Context& context) {
         context.output.Problem(ExitCode::nameTaken, "another trace runs in this session");
         return ExitCode::nameTaken;
     }
-    context.output.Remark("tracing the driver");
+    Announcement announcement(context.output);
     const auto end =
         arguments.Has("--for")
             ? Clock::now() + std::chrono::duration_cast<Clock::duration>(
@@ -90,7 +136,8 @@ ExitCode ActTrace(const Arguments& arguments, Context& context) {
     while (!IsDone(wanted, context.output) && Clock::now() < end && !source->HasEnded()) {
         const std::chrono::duration<double> left = end - Clock::now();
         Show(source->Read(std::clamp(left.count(), 0.0, kLongestNap)), timeline, wanted,
-             context.output);
+             announcement, context.output);
+        announcement.TimePasses();
     }
     return ExitCode::ok;
 }
@@ -106,7 +153,8 @@ std::vector<Verb> TraceVerbs() {
              "Prints one line for each request with its element, result, exchanges with the "
              "application and duration, for each message, and for each tick that does more than "
              "look at which application is in front. It works while the companion runs, and starts "
-             "nothing in the driver, which notices it within a quarter of a second. Runs until "
+             "nothing in the driver. The standard error stream says when the driver has noticed "
+             "it: what happened before, it may miss. Runs until "
              "SIGINT, SIGTERM or SIGHUP (exit code 0), until nobody reads its output, or to the "
              "limit of --count or --for. On macOS it runs the system's log tool.",
          .example = "krt9ctl trace --slow 20ms",

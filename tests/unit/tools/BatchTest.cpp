@@ -11,6 +11,7 @@
 #include "VEKCommon/MessageCodes.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/Stage.h"
+#include "tests/unit/tools/BatchFixture.h"
 #include "tests/unit/tools/Carried.h"
 #include "tests/unit/tools/FakeDriver.h"
 #include "tools/InputLines.h"
@@ -23,33 +24,6 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::SizeIs;
-
-// A file as the standard input.
-class Input {
-  public:
-    Input(const test_support::SessionFixture& session, const std::string& text)
-        : descriptor_(open(session.Write("input", text).c_str(), O_RDONLY | O_CLOEXEC)) {}
-    ~Input() { close(descriptor_); }
-    Input(const Input&) = delete;
-    Input& operator=(const Input&) = delete;
-
-    int Descriptor() const { return descriptor_; }
-
-  private:
-    int descriptor_;
-};
-
-class BatchVerb : public testing::Test {
-  protected:
-    ExitCode Run(const std::string& lines, std::vector<std::string> options = {}) {
-        const Input input(session_, lines);
-        options.insert(options.begin(), "batch");
-        return RunCommandLine(options, {out_, err_, -1, -1, input.Descriptor()});
-    }
-
-    test_support::SessionFixture session_;
-    std::ostringstream out_, err_;
-};
 
 TEST_F(BatchVerb, CarriesOutEachLineAndPrintsOneForIt) {
     const FakeDriver driver(Always({1, 0, 0, 0}));

@@ -132,7 +132,7 @@ class Trace : public testing::Test {
     std::unique_ptr<test_support::ChildProcess> Begin(std::vector<std::string> words = {}) {
         words.insert(words.begin(), {"trace", "--all"});
         auto trace = Stage::LaunchControl(words);
-        EXPECT_TRUE(trace->WaitForOutput("tick")) << trace->Output();
+        EXPECT_TRUE(trace->WaitForOutput("tracing the driver\n")) << trace->Output();
         return trace;
     }
 
@@ -154,8 +154,8 @@ TEST_F(Trace, ShowsRequestsTicksAndMessagesBesideTheCompanion) {
 
 TEST_F(Trace, ShowsOnlyWhatIsSlow) {
     const auto slow = Stage::LaunchControl({"--json", "trace", "--slow", "150ms", "--count", "1"});
-    ASSERT_TRUE(slow->WaitForOutput("tracing"));
-    // Until the driver has noticed the tracer, and the request has met the desktop that stands.
+    ASSERT_TRUE(slow->WaitForOutput("tracing the driver\n"));
+    // Until the request has met the desktop that stands.
     for (int tries = 0; tries < 50 && slow->StandardOutput().empty(); ++tries) {
         stage_.Stop(Role::desktop);
         const auto value = Stage::LaunchControl({"--timeout", "10", "value", "159"});
@@ -169,6 +169,34 @@ TEST_F(Trace, ShowsOnlyWhatIsSlow) {
     EXPECT_EQ(event["code"], "JElV");
     EXPECT_EQ(event["element"], "_NS:159");
     EXPECT_GE(event["milliseconds"], 150);
+}
+
+TEST_F(Trace, MissesNoRequestOnceItSaysThatItTraces) {
+    for (int times = 0; times < 5; ++times) {
+        const auto trace = Stage::LaunchControl({"trace"});
+        ASSERT_TRUE(trace->WaitForOutput("tracing the driver\n")) << trace->Output();
+        Stage::Control({"value", "159"});
+        EXPECT_TRUE(trace->WaitForOutput("request JElV _NS:159")) << trace->Output();
+        trace->Signal(SIGINT);
+        EXPECT_EQ(trace->WaitForExit(), 0);
+    }
+}
+
+TEST_F(Trace, SaysThatTheDriverHasNotNoticedIt) {
+    stage_.Stop(Role::driver);
+    const auto trace = Stage::LaunchControl({"trace"});
+    EXPECT_TRUE(trace->WaitForOutput("which has not noticed it within 3 seconds"))
+        << trace->Output();
+    stage_.Continue(Role::driver);
+}
+
+TEST_F(Trace, SaysThatNoDriverRuns) {
+    stage_.Kill(Role::driver);
+    const auto trace = Stage::LaunchControl({"trace", "--all"});
+    EXPECT_TRUE(trace->WaitForOutput("once it is started: none runs in the session"))
+        << trace->Output();
+    stage_.StartDriver();
+    EXPECT_TRUE(trace->WaitForOutput("tick")) << trace->Output();
 }
 
 TEST_F(Trace, IsOneInASession) {
