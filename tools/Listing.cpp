@@ -40,7 +40,7 @@ std::variant<Listing, ExitCode> ReadListing(const Arguments& arguments,
         context.output.Remark(fmt::format(
             "{} elements disappeared while they were read, or exceeded the limit", tree.LeftOut()));
     }
-    return Listing{choice->facts, ListElements(tree)};
+    return Listing{choice->facts, ListElements(tree), {}};
 }
 
 std::vector<Parameter> WithSource(std::vector<Parameter> parameters) {

@@ -12,12 +12,14 @@
 #include "tools/ElementList.h"
 #include "tools/FrontApplication.h"
 #include "tools/Run.h"
+#include "tools/SceneObstacles.h"
 
 namespace krt9ctl {
 
 struct Listing {
     ApplicationFacts facts;  // of a scene: as far as it gives them, with pid -1 when it does not
     ElementList elements;
+    SceneObstacles obstacles;  // of a scene only
 };
 
 // The elements of the application in front, or of the one that --application or --pid names; of a

@@ -89,7 +89,8 @@ Listing ListingIn(const std::string& text, const Arguments& arguments) {
     const SceneJson scene = scene_notation::ParseJson(text, "");
     ExpectObject(scene, "");
     const std::size_t chosen = Choose(scene, arguments);
-    return {FactsOf(scene["applications"][chosen]), ListSceneElements(scene, chosen)};
+    return {FactsOf(scene["applications"][chosen]), ListSceneElements(scene, chosen),
+            ObstaclesIn(scene, chosen)};
 }
 
 }  // namespace

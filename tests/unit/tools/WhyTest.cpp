@@ -2,14 +2,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <set>
-#include <sstream>
-
 #include "tests/support/Files.h"
 #include "tests/support/Paths.h"
 #include "tests/support/ScriptedDesktop.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/unit/tools/Carried.h"
+#include "tests/unit/tools/WhyScene.h"
 #include "tools/Reach.h"
 
 namespace krt9ctl {
@@ -19,24 +17,6 @@ using desktop_link::Operation;
 using test_support::ScriptedDesktop;
 using testing::HasSubstr;
 using testing::MatchesRegex;
-
-std::string SceneWith(const std::string& windows) {
-    return R"({"front": "com.apple.FinalCut", "applications": [
-        {"bundleID": "com.apple.FinalCut", "pid": 501, "windows": )" +
-           windows + "}]}";
-}
-
-constexpr char kWindows[] = R"([
-    {"AXRole": "AXWindow", "AXIdentifier": "_NS:1", "AXChildren": [
-      {"AXRole": "AXSlider", "AXIdentifier": "_NS:33"},
-      {"AXRole": "AXTextField", "AXSubrole": "AXSearchField", "AXIdentifier": "_NS:8"},
-      {"AXRole": "AXLayoutArea", "AXIdentifier": "_NS:393"},
-      {"AXRole": "AXTable", "AXIdentifier": "_NS:139", "AXChildren": [
-        {"AXRole": "AXRow", "AXChildren": [
-          {"AXRole": "AXButton", "AXIdentifier": "_NS:171"}]}]}]},
-    {"AXRole": "AXWindow", "AXChildren": [
-      {"AXRole": "AXGroup", "AXChildren": [
-        {"AXRole": "AXImage"}, {"AXRole": "AXCheckBox", "AXIdentifier": "_NS:159"}]}]}])";
 
 struct Answer {
     ExitCode code;
@@ -234,58 +214,6 @@ TEST(Why, LeavesNoControlCharacterInItsSentence) {
                               {"7"});
     EXPECT_THAT(answer.sentence, HasSubstr("AX\\x1b[2J"));
     EXPECT_EQ(answer.object["role"], "AX\x1b[2J");
-}
-
-// Without the exchanges, which are those with an application that runs. Of the identifiers, in
-// their order, every nth is asked for: each reads the file once more.
-void ExpectSameInFile(const std::string& scene, const std::string& role, int nth = 1) {
-    const ScriptedDesktop session(scene);
-    const test_support::TemporaryFolder folder;
-    const std::string file = folder.Write("scene.json", scene).string();
-    std::istringstream lines(Carried({"tree", "--scene", file}, true).out);
-    std::set<std::string> identifiers = {"_NS:4711"};
-    for (std::string line; std::getline(lines, line);) {
-        identifiers.insert(Json::parse(line).value("identifier", "_NS:4711"));
-    }
-    int turn = 0;
-    for (const std::string& identifier : identifiers) {
-        if (turn++ % nth != 0 || !ParseElement(identifier)) {
-            continue;
-        }
-        Json live = Json::parse(Carried({"why", identifier, "--role", role}, true).out);
-        Json ofFile =
-            Json::parse(Carried({"why", identifier, "--role", role, "--scene", file}, true).out);
-        for (const char* name : {"outcome", "path", "role", "element", "application", "error"}) {
-            EXPECT_EQ(live.value(name, ""), ofFile.value(name, "")) << identifier << ' ' << name;
-        }
-        EXPECT_FALSE(ofFile.contains("exchanges"));
-    }
-}
-
-TEST(Why, OfASceneFileIsThatOfTheApplicationWhichTheSceneDescribes) {
-    for (const char* role : {"VEKAXAllRoles", "AXTextField", "AXCheckBox"}) {
-        ExpectSameInFile(SceneWith(kWindows), role);
-    }
-    ExpectSameInFile(test_support::ContentOf(KRT9_SCENES "/editor-10.4.6.json"), "VEKAXAllRoles",
-                     7);
-}
-
-TEST(Why, OfASceneFileNeedsNoSession) {
-    const test_support::TemporaryFolder folder;
-    const std::string file = folder.Write("scene.json", SceneWith(kWindows)).string();
-    const Outcome found = Carried({"why", "159", "--scene", file});
-    EXPECT_EQ(found.code, ExitCode::ok);
-    EXPECT_EQ(found.out, "_NS:159: found at /1/0/1: AXCheckBox\n");
-    const Outcome inside = Carried({"why", "171", "--scene", file});
-    EXPECT_EQ(inside.code, ExitCode::outOfReach);
-    EXPECT_EQ(inside.out,
-              "_NS:171: at /0/3/0/0 it is inside AXTable /0/3, which the driver does "
-              "not search\n");
-    EXPECT_EQ(Carried({"why", "4711", "--scene", file}).code, ExitCode::notThere);
-    const std::string nameless =
-        folder.Write("nameless.json", R"({"applications": [{}]})").string();
-    EXPECT_EQ(Json::parse(Carried({"why", "5", "--scene", nameless}, true).out)["outcome"],
-              "no-bundle-identifier");
 }
 
 TEST(Why, AsksForAnElementLikeEveryVerb) {
