@@ -1,4 +1,4 @@
-// Every example of README.md and docs/, against the real processes.
+// Every example of README.md, CONTRIBUTING.md and docs/, against the real processes.
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <gmock/gmock.h>

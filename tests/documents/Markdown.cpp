@@ -167,7 +167,7 @@ std::filesystem::path Checkout() {
 }
 
 std::vector<Document> AllDocuments() {
-    std::vector<std::string> names = {"README.md"};
+    std::vector<std::string> names = {"CONTRIBUTING.md", "README.md"};
     for (const auto& entry : std::filesystem::directory_iterator(Checkout() / "docs")) {
         if (entry.path().extension() == ".md") {
             names.push_back("docs/" + entry.path().filename().string());

@@ -45,7 +45,7 @@ struct Document {
 
 Document ReadDocument(const std::string& name, const std::string& text);
 
-// README.md and all of docs/.
+// README.md, CONTRIBUTING.md and all of docs/.
 std::vector<Document> AllDocuments();
 
 // The folder of the checkout.
