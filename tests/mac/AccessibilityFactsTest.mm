@@ -131,7 +131,10 @@ TEST_F(EventsOnMac, ReportsWhetherPrivateKeysAreInherited) {
     };
     post(true);
     const bool inherited = sessionFlags() != 0;
+    const bool isTold = CGEventSourceKeyState(kCGEventSourceStateCombinedSessionState, kShift);
     post(false);
+    mac_test::Report("does the session's state tell that a key of a private source is down",
+                     isTold ? "yes, as in the layer" : "no");
     mac_test::Report("do keys of a private source count as held for later events",
                      inherited ? "yes, as in the layer" : "no");
 }

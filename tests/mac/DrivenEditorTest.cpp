@@ -116,6 +116,20 @@ TEST_F(DrivenEditor, ClipAndTimecodeAreReported) {
     EXPECT_TRUE(companion.WaitForOutput("timecode: 01:00:00:00")) << companion.Output();
 }
 
+// What the driver's signposts, the system's log tool and krt9ctl's reader of it make together.
+TEST_F(DrivenEditor, TraceShowsRequestsAndTicks) {
+    ChildProcess trace(kControl, {"trace", "--all"});
+    if (!trace.WaitForOutput("tracing the driver\n", 20)) {
+        GTEST_SKIP() << "needs an administrator, to whom the log tool shows signposts: "
+                     << trace.Output();
+    }
+    EXPECT_TRUE(trace.WaitForOutput(" tick ")) << trace.Output();
+    EXPECT_EQ(Ask({"value", "159"}), "1");
+    EXPECT_TRUE(trace.WaitForOutput("request JElV _NS:159 replied: 1, ")) << trace.Output();
+    trace.Signal(SIGINT);
+    EXPECT_EQ(trace.WaitForExit(), 0);
+}
+
 // From the first line that it prints on, the handler is there.
 TEST(InterruptOnMac, AtAnyMomentEndsTheDriverWithStatusZero) {
     std::mt19937 random(20260101);
