@@ -249,6 +249,10 @@ std::variant<Invocation, Information> Parser::Parse(std::vector<std::string> wor
     try {
         app_.parse(std::move(words));
     } catch (const CLI::CallForHelp&) {
+        // The help of all verbs is no help with one that was mistyped.
+        if (ParsedVerb() == nullptr && !app_.remaining(true).empty()) {
+            throw ComplaintAboutVerb();
+        }
         return Information{app_.help(), false};
     } catch (const CLI::CallForVersion& version) {
         return Information{fmt::format("{}\n", version.what()), true};

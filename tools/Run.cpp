@@ -47,6 +47,11 @@ ExitCode Carry(const Invocation& invocation, Context& context) {
     }
 }
 
+bool IsSignal(ExitCode code) {
+    return code == ExitCode::interrupted || code == ExitCode::terminated ||
+           code == ExitCode::hungUp;
+}
+
 void Inform(const Information& information, std::size_t columns, Output& output) {
     if (!output.IsJson()) {
         output.Document(terminal::Wrapped(information.text, columns));
@@ -85,7 +90,9 @@ ExitCode RunCommandLine(std::vector<std::string> words, const Streams& streams) 
     const std::size_t columns = terminal::Columns(streams.outDescriptor);
     Context context{output, kUsualTimeout, streams.inDescriptor};
     const ExitCode code = Obey(std::move(words), columns, context);
-    return code == ExitCode::ok ? output.Status() : code;
+    // A reader that has gone may have missed the result as well as the failure.
+    const bool isPiped = output.Status() == ExitCode::pipeClosed && !IsSignal(code);
+    return code == ExitCode::ok || isPiped ? output.Status() : code;
 }
 
 }  // namespace krt9ctl

@@ -2,6 +2,8 @@
 // once, when it starts.
 #include <fmt/format.h>
 
+#include <cmath>
+
 #include "VEKCommon/Names.h"
 #include "tools/Session.h"
 #include "tools/doctor/Examination.h"
@@ -44,7 +46,7 @@ Finding CheckCompanion(const Facts& facts) {
                        details);
     }
     const std::chrono::duration<double> after = *port.since - *facts.driverPort.since;
-    details["secondsAfterDriver"] = after.count();
+    details["secondsAfterDriver"] = std::round(after.count() * 1000) / 1000;
     if (after.count() < 0) {
         return Fine(
             kCompanion,

@@ -78,6 +78,15 @@ TEST(ClosedPipe, EndsQuietlyWithAPipesUsualStatus) {
     EXPECT_EQ(result.standardError, "status 141\n");
 }
 
+TEST(ClosedPipe, HidesTheExitCodeOfAnAnswerThatNobodyReads) {
+    const test_support::SessionFixture session;
+    const std::string gate = (session.Path() / "gate").string();
+    const auto result =
+        Shell("mkfifo " + gate + "; { cat " + gate +
+              "; \"$0\" doctor; echo \"status $?\" >&2; } | { exec <&-; : > " + gate + "; }");
+    EXPECT_EQ(result.standardError, "status 141\n");
+}
+
 TEST(ClosedPipe, EndsWatchWithoutAnotherMessage) {
     const test_support::SessionFixture session;
     ChildProcess pipeline(

@@ -20,6 +20,20 @@ TEST(Usage, NumbersOutOfRangeOrNoNumbersAreRefused) {
     }
 }
 
+TEST(Usage, HelpWithAVerbThatIsNoneIsNoHelp) {
+    EXPECT_EQ(ComplaintAbout({"pres", "--help"}), "there is no verb 'pres'; did you mean 'press'?");
+    EXPECT_EQ(ComplaintAbout({"mouse", "strat", "--help"}),
+              "there is no verb 'mouse strat'; did you mean 'mouse start'?");
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"--help"},
+                                                  {"mouse", "--help"},
+                                                  {"press", "--help"},
+                                                  {"--help", "press"},
+                                                  {"--json", "--help"},
+                                                  {"--timeout", "2", "--help"}}) {
+        EXPECT_NO_THROW(ParseCommandLine(TheGrammar(), words));
+    }
+}
+
 TEST(Usage, SetTakesSignedNumbersOnly) {
     EXPECT_EQ(ComplaintAbout({"set", "1", "-2147483648"}), "accepted");
     EXPECT_EQ(ComplaintAbout({"set", "1", "2147483647"}), "accepted");
