@@ -53,7 +53,8 @@ std::int64_t ParseElementArgument(const Parameter& parameter, const std::string&
     const auto element = ParseElement(text);
     if (!element) {
         throw UsageError(fmt::format(
-            "{}: '{}' is not an element: a number from 0 to {}, or _NS: and such a number",
+            "{}: '{}' is not an element: a number from 0 to {}, or _NS: and such a number, which "
+            "krt9ctl find tells",
             parameter.name, Printable(text), kLargestUnsigned32));
     }
     return *element;

@@ -57,6 +57,9 @@ std::optional<ChosenApplication> FindChosenApplication(const Arguments& argument
 }
 
 std::string ExplainNoApplication(const Arguments& arguments) {
+    if (const auto missing = FindMissingFromSession()) {
+        return missing->Explain();
+    }
     return arguments.Has("--application") ? "there is no such application"
                                           : "no application is in front";
 }
@@ -79,6 +82,9 @@ std::variant<AccessibilityTree, AXError> ReadTree(pid_t pid, bool withActions, C
 }
 
 std::string ExplainAccessibility(AXError error) {
+    if (const auto missing = FindMissingFromSession()) {
+        return missing->Explain();
+    }
     switch (error) {
         case kAXErrorAPIDisabled:
             return "this process is not trusted for accessibility (see the system's privacy "

@@ -206,6 +206,10 @@ UsageError Parser::ComplaintAboutWord(const Verb& verb, const std::string& word)
     for (const Parameter& option : CommonOptions()) {
         names.emplace_back(option.name);
     }
+    if (std::find(names.begin(), names.end(), word) != names.end()) {
+        return UsageError(fmt::format("{} stands after --, where there are no options", word),
+                          verb.name);
+    }
     return UsageError(
         fmt::format("there is no option '{}'{}", Printable(word), DidYouMean(word, names)),
         verb.name);

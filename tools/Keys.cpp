@@ -142,14 +142,33 @@ const ModifierRow* FindModifier(std::string_view name) {
     return row == std::end(kModifiers) ? nullptr : row;
 }
 
-std::string UnknownKey(std::string_view name) {
+// What other keyboards and programs call a key.
+constexpr std::pair<std::string_view, std::string_view> kNamesElsewhere[] = {
+    {"backspace", "delete"}, {"del", "forward-delete"}, {"enter", "return"},
+    {"esc", "escape"},       {"pgdn", "page-down"},     {"pgup", "page-up"},
+};
+
+// The key that was probably meant; empty for none.
+std::string NearestKey(const std::string& small) {
     std::vector<std::string> names;
     for (const KeyRow& row : kKeys) {
         names.emplace_back(row.name);
     }
-    const std::string nearest = terminal::Nearest(InSmallLetters(name), names);
-    return fmt::format("there is no key '{}'{}; the verb keys lists them", Printable(name),
-                       nearest.empty() ? "" : fmt::format(": did you mean '{}'?", nearest));
+    for (const auto& [elsewhere, here] : kNamesElsewhere) {
+        if (small == elsewhere) {
+            return std::string(here);
+        }
+    }
+    return terminal::Nearest(small, names);
+}
+
+std::string UnknownKey(std::string_view name) {
+    if (FindModifier(name) != nullptr) {
+        return fmt::format("'{0}' is a modifier: a key follows it, as in {0}+b", Printable(name));
+    }
+    const std::string nearest = NearestKey(InSmallLetters(name));
+    return fmt::format("there is no key '{}'; {}he verb keys lists them", Printable(name),
+                       nearest.empty() ? "t" : fmt::format("did you mean '{}'? T", nearest));
 }
 
 std::variant<KeyChoice, std::string> ParseLoneKey(std::string_view name, bool isCombined) {

@@ -147,9 +147,11 @@ ExitCode Tell(const Held& released, const Held& held, CGPoint where, Output& out
 ExitCode ActPanic(const Arguments&, Context& context) {
     CheckSession();
     if (!AXIsProcessTrustedWithOptions(nullptr)) {
+        const auto missing = FindMissingFromSession();
         context.output.Problem(ExitCode::accessibility,
-                               "this process is not trusted for accessibility: the system would "
-                               "drop the events");
+                               missing ? missing->Explain()
+                                       : "this process is not trusted for accessibility: the "
+                                         "system would drop the events");
         return ExitCode::accessibility;
     }
     const CGPoint where = CGEventGetLocation(Checked(CGEventCreate(nullptr)).get());

@@ -25,13 +25,16 @@ using scene_notation::Place;
 namespace {
 
 std::string ContentOf(const std::string& path) {
-    const std::ifstream file(path);
-    if (!file) {
+    std::ifstream file(path);
+    if (file) {
+        file.peek();  // a folder can be opened, but not read
+    }
+    if (!file && !file.eof()) {
         throw std::runtime_error(
             fmt::format("'{}' cannot be read: {}", Printable(path), std::strerror(errno)));
     }
     std::ostringstream text;
-    text << file.rdbuf();  // of a folder: nothing
+    text << file.rdbuf();
     return text.str();
 }
 

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "scenes/notation/Fields.h"
+#include "scenes/notation/SceneError.h"
 #include "scenes/notation/ValueReading.h"
 
 namespace krt9ctl {
@@ -19,7 +20,7 @@ bool IsTrue(const SceneJson& object, const char* key, bool otherwise) {
     return field != nullptr && field->is_boolean() ? field->get<bool>() : otherwise;
 }
 
-// Nothing for a list.
+// Nothing for a list, and for what no scene can hold: the rest of the file may still be of use.
 std::optional<CallFailure> FailureOfList(const SceneJson& list, const char* attribute,
                                          const std::string& place) {
     if (list.is_array()) {
@@ -28,7 +29,12 @@ std::optional<CallFailure> FailureOfList(const SceneJson& list, const char* attr
     const auto anyElement = [](const std::string&, const std::string&, const std::string&) {
         return desktop_link::ElementReference{};
     };
-    const Answer answer = scene_notation::ReadAnswer(list, attribute, place, anyElement);
+    Answer answer;
+    try {
+        answer = scene_notation::ReadAnswer(list, attribute, place, anyElement);
+    } catch (const scene_notation::SceneError&) {
+        return std::nullopt;
+    }
     if (answer.error != kAXErrorSuccess) {
         return FailureOf(static_cast<AXError>(answer.error));
     }

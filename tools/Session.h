@@ -16,6 +16,18 @@ void CheckSession();
 // The session as messages name it.
 std::string SessionName();
 
+// What a session must have before any application can be in front, and has not.
+struct MissingFromSession {
+    std::string sentence;
+    std::string command;  // that starts it
+
+    // "...; start one with ..."
+    std::string Explain() const { return sentence + "; start one with " + command; }
+};
+
+// Only after a call of a framework, which has found out.
+std::optional<MissingFromSession> FindMissingFromSession();
+
 // A command that starts the driver in it.
 std::string DriverStartCommand();
 

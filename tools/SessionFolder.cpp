@@ -4,6 +4,7 @@
 
 #include "VEKCommon/Names.h"
 #include "platform/DesktopLink/Framing.h"
+#include "platform/DesktopLink/Transport.h"
 #include "platform/LocalSocket/SessionDirectory.h"
 #include "platform/LocalSocket/Socket.h"
 #include "platform/UnifiedLogging/TracerName.h"
@@ -28,6 +29,14 @@ void CheckSession() {
 
 std::string SessionName() {
     return "the session " + local_socket::SessionDirectoryPath();
+}
+
+std::optional<MissingFromSession> FindMissingFromSession() {
+    if (!desktop_link::CurrentTransport().Unreachable()) {
+        return std::nullopt;
+    }
+    return MissingFromSession{"no simulated desktop runs in " + SessionName(),
+                              "krt9-desktop SCENE.json"};
 }
 
 // Where both were built, the driver's bundle is beside krt9ctl.

@@ -9,6 +9,10 @@ std::string SessionName() {
     return "this log-in session";
 }
 
+std::optional<MissingFromSession> FindMissingFromSession() {
+    return std::nullopt;
+}
+
 std::string DriverStartCommand() {
     return "open -a KRT9Background";
 }

@@ -147,7 +147,10 @@ Json ControlsObject(const std::vector<Sighting>& sightings) {
 
 Finding CheckFront(const Facts& facts) {
     if (!facts.front) {
-        return Failing(kFront, ExitCode::front, "no application is in front", kLookLater);
+        const auto missing = FindMissingFromSession();
+        return Failing(kFront, ExitCode::front,
+                       missing ? missing->sentence : "no application is in front",
+                       missing ? missing->command : kLookLater);
     }
     Json details{{"pid", facts.front->pid}};
     if (facts.front->bundleIdentifier) {

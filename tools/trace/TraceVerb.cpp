@@ -60,11 +60,11 @@ bool IsDone(const Wanted& wanted, Output& output) {
 class Announcement {
   public:
     explicit Announcement(Output& output) : output_(output) {
+        output_.Progress("waiting for the driver to notice the trace");
         if (!doctor::LookAtPort(kDriverPortName).isThere) {
             Say(fmt::format("tracing the driver once it is started: none runs in {}",
                             SessionName()));
         }
-        output_.Progress("waiting for the driver to notice the trace");
     }
 
     void SignpostCame() {
@@ -88,6 +88,7 @@ class Announcement {
 
     void Say(const std::string& sentence) {
         output_.Remark(sentence);
+        output_.Progress("tracing");
         isMade_ = true;
     }
 

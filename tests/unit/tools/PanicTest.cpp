@@ -6,6 +6,7 @@
 #include "VEKCommon/OwnedReference.h"
 #include "platform/Variants/Variants.h"
 #include "tests/support/ScriptedDesktop.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/support/Stage.h"
 #include "tests/unit/tools/Carried.h"
 
@@ -129,6 +130,13 @@ TEST(Panic, SaysThatItsEventsWouldBeDropped) {
     EXPECT_EQ(outcome.code, ExitCode::accessibility);
     EXPECT_THAT(outcome.err, HasSubstr("not trusted"));
     EXPECT_EQ(session->Count(desktop_link::Operation::postEvent), 0U);
+}
+
+TEST(Panic, SaysThatThereIsNoDesktop) {
+    const test_support::SessionFixture session;
+    const Outcome outcome = Carried({"panic"});
+    EXPECT_EQ(outcome.code, ExitCode::accessibility);
+    EXPECT_THAT(outcome.err, HasSubstr("no simulated desktop runs in the session "));
 }
 
 TEST(Panic, EndsAGestureThatADriverBeganAndNobodyEnded) {

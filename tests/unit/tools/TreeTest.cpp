@@ -9,6 +9,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Paths.h"
 #include "tests/support/ScriptedDesktop.h"
+#include "tests/support/SessionFixture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/unit/tools/Carried.h"
 #include "tests/unit/tools/OnTerminal.h"
@@ -144,6 +145,22 @@ TEST(Tree, SaysWhyItCannotRead) {
             EXPECT_THAT(outcome.err, HasSubstr(each.sentence)) << each.scene;
             EXPECT_EQ(outcome.out, "");
         }
+    }
+}
+
+TEST(Tree, SaysThatThereIsNoDesktopToRead) {
+    const test_support::SessionFixture session;
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"tree"},
+                                                  {"tree", "--pid", "5"},
+                                                  {"why", "5"},
+                                                  {"dump"},
+                                                  {"profile"},
+                                                  {"view"}}) {
+        const Outcome outcome = Carried(words);
+        EXPECT_EQ(outcome.code, ExitCode::accessibility) << words[0];
+        EXPECT_THAT(outcome.out + outcome.err,
+                    HasSubstr("no simulated desktop runs in the session"))
+            << words[0];
     }
 }
 
@@ -302,7 +319,8 @@ TEST(SceneFile, ThatIsNoSceneIsRefusedInOneLine) {
     EXPECT_EQ(RunCommandLine({"find", "x", "--scene", "/nowhere/a\nb"}, {out, err}),
               ExitCode::failure);
     EXPECT_THAT(err.str(), HasSubstr("'/nowhere/a\\x0ab' cannot be read: No such file"));
-    EXPECT_EQ(RunCommandLine({"find", "x", "--scene", "/"}, {out, err}), ExitCode::failure);
+    EXPECT_EQ(RunCommandLine({"tree", "--scene", "/"}, {out, err}), ExitCode::failure);
+    EXPECT_THAT(err.str(), HasSubstr("'/' cannot be read: Is a directory"));
 }
 
 TEST(SceneFile, OffersEachOfItsApplications) {

@@ -145,6 +145,8 @@ TEST(Usage, TheNearestVerbAndOptionAreNamed) {
               "there is no option '--frobnicate'");
     EXPECT_EQ(ComplaintAbout({"--frobnicate"}), "there is no option '--frobnicate'");
     EXPECT_EQ(ComplaintAbout({"value", "1", "2"}), "unexpected argument '2'");
+    EXPECT_EQ(ComplaintAbout({"set", "87", "--", "-6", "--expect"}),
+              "--expect stands after --, where there are no options");
 }
 
 TEST(Usage, ElementsAreNumbersOrIdentifiers) {
@@ -177,8 +179,12 @@ TEST(Usage, KeysThatAreNotPostedOrNotKnownAreRefusedWithTheReason) {
         {"cmd+a", "KEY: 'a' is key code 0, which the driver never posts"},
         {"0", "KEY: '0' is key code 0, which the driver never posts"},
         {"0x00", "KEY: '0x00' is key code 0, which the driver never posts"},
+        {"Esc", "KEY: there is no key 'Esc'; did you mean 'escape'? The verb keys lists them"},
+        {"cmd+enter",
+         "KEY: there is no key 'enter'; did you mean 'return'? The verb keys lists them"},
+        {"cmd", "KEY: 'cmd' is a modifier: a key follows it, as in cmd+b"},
         {"cmd+1", "KEY: '1' could be the key or the key code: type digit1 or 0x1"},
-        {"sapce", "KEY: there is no key 'sapce': did you mean 'space'?; the verb keys lists them"},
+        {"sapce", "KEY: there is no key 'sapce'; did you mean 'space'? The verb keys lists them"},
         {"frobnicate", "KEY: there is no key 'frobnicate'; the verb keys lists them"},
         {"hyper+b", "KEY: 'hyper' is not a modifier: cmd, shift, opt or ctrl"},
         {"b+cmd", "KEY: 'b' is not a modifier: cmd, shift, opt or ctrl"},
