@@ -1,9 +1,8 @@
 // Recorded sessions of a companion with the driver, one for each version of the editor that has
 // identifiers of its own: what goes in and, byte for byte, what comes out.
 //
-// A recording is a text. Lines that begin with "> " are steps (Session.h) and written by a person,
-// as are empty lines and those that begin with "#". The indented lines after a step are what came
-// of it; they are written by
+// They are in the notation of all recordings (tools/recording/Recording.h), with the steps of
+// Session.h. A person writes the steps and the remarks; the outcomes are written by
 //
 //     KRT9_RECORD_GOLDEN=1 build/bin/golden_streams.app/Contents/MacOS/golden_streams
 //
@@ -26,14 +25,13 @@
 
 namespace {
 
+using recording::kOutcome;
+using recording::kStep;
 using Lines = std::vector<std::string>;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsSupersetOf;
 using testing::UnorderedElementsAreArray;
-
-constexpr std::string_view kStep = "> ";
-constexpr std::string_view kOutcome = "    ";
 
 std::string PathOf(const std::string& version) {
     return KRT9_GOLDEN "/editor-" + version + ".txt";
@@ -114,7 +112,7 @@ struct Content {
 Content::Content(const Lines& recording) {
     std::string code;
     for (const std::string& line : recording) {
-        const std::vector<std::string> words = golden::Words(line);
+        const std::vector<std::string> words = recording::Words(line);
         if (!line.starts_with(kOutcome) || words.size() < 2) {
             continue;
         }

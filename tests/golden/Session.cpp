@@ -21,11 +21,11 @@ namespace {
 
 using platform_testing::AutoreleasePool;
 using platform_testing::LogLine;
+using recording::HexOf;
 using test_support::OwnedObject;
 
 constexpr CFTimeInterval kTickInterval = 0.1;
 constexpr CFTimeInterval kPatience = 10;  // seconds of the test's clock: time-outs of a request
-constexpr std::size_t kStatusWords = 7;
 
 // The process remembers which source of the clip's name it uses. Three looks at a scene in which
 // the first source works set it back to that one, whichever it was.
@@ -70,25 +70,27 @@ std::vector<std::string> Session::Perform(const std::string& step) {
         Report();
         return lines_;
     }
-    Arguments arguments = Words(step);
+    Arguments arguments = recording::Words(step);
     arguments.erase(arguments.begin());
     if (verb == "scene") {
         Scene(Only(arguments, 0));
     } else if (verb == "language") {
         language_ = Only(arguments, 0);
     } else if (verb == "title") {
-        Title(Only(arguments, 0), TextOf(Only(arguments, 1)));
+        Title(Only(arguments, 0), recording::TextOf(Only(arguments, 1)));
     } else if (verb == "start") {
         Start();
     } else if (verb == "ask") {
         Ask(test_support::CodeOf(Only(arguments, 0)),
-            BodyOf({arguments.begin() + 1, arguments.end()}));
+            recording::BodyOf({arguments.begin() + 1, arguments.end()}));
     } else if (verb == "tick") {
         Tick(arguments.empty() ? 1 : std::stoi(arguments[0]));
     } else if (verb == "status") {
         AnswerStatus(arguments);
     } else if (verb == "counts") {
         ReadCounts();
+    } else if (verb == "unheard") {
+        isHeard_ = false;
     } else {
         throw std::invalid_argument("no such step");
     }
@@ -133,13 +135,13 @@ void Session::Ask(SInt32 code, const std::optional<Bytes>& body) {
     OwnedObject<CFDataRef> data =
         body ? CFDataCreate(kCFAllocatorDefault, body->data(), static_cast<CFIndex>(body->size()))
              : nullptr;
-    Add("request", test_support::CodeText(code) + " " + HexOf(body));
+    Add("request", recording::RequestText(test_support::CodeText(code), body));
     const CFAbsoluteTime before = CFAbsoluteTimeGetCurrent();
     const std::optional<Bytes> reply = Exchange(code, data);
     if (CFAbsoluteTimeGetCurrent() != before) {
         throw std::runtime_error("the request took time of the clock");
     }
-    Add("reply", HexOf(reply) + (reply ? " = " + IntegersIn(*reply) : ""));
+    Add("reply", recording::ReplyText(reply));
 }
 
 // Nothing: no reply. The port hands out data without bytes then; no record is that short.
@@ -165,18 +167,7 @@ void Session::Tick(int count) {
 }
 
 void Session::AnswerStatus(const Arguments& words) {
-    if (words.empty()) {
-        companion_.value().reply.reset();
-    } else if (words[0].starts_with('x')) {
-        companion_.value().reply = BytesOf(words[0]);
-    } else {
-        std::vector<unsigned int> status;
-        for (const std::string& word : words) {
-            status.push_back(static_cast<unsigned int>(std::stoul(word, nullptr, 0)));
-        }
-        status.resize(kStatusWords);
-        companion_.value().reply = BigEndian(status);
-    }
+    companion_.value().reply = recording::StatusOf(words);
     Add("answer", HexOf(companion_->reply));
 }
 
@@ -188,8 +179,9 @@ void Session::ReadCounts() {
 void Session::Report() {
     if (driver_) {
         for (const auto& [code, body] : test_support::TakeSent(**driver_, *companion_)) {
-            Add("message", test_support::CodeText(code) + " " + HexOf(body) +
-                               (body.empty() ? "" : " = " + QuotedText(body)));
+            if (isHeard_) {
+                Add("message", recording::MessageText(test_support::CodeText(code), body));
+            }
         }
     }
     if (desktop_) {
@@ -208,9 +200,7 @@ void Session::Report() {
 }
 
 void Session::Add(const char* what, const std::string& text) {
-    std::string line = std::string("    ") + what;
-    line.resize(std::max<std::size_t>(line.size() + 1, 12), ' ');
-    lines_.push_back(line + text);
+    lines_.push_back(recording::OutcomeLine(what, text));
 }
 
 }  // namespace golden

@@ -2,15 +2,9 @@
 // and the driver with its timer are all in this process, over their real ports, and the clock moves
 // only where a step says so.
 //
-//   scene FILE         the desktop; the first step
-//   language TAG       what the user prefers; before `start`
+// Besides the steps of every recording (tools/recording/Recording.h):
+//
 //   title KEY "TEXT"   an entry of that language's table of window titles; after `language`
-//   start              the driver is constructed
-//   ask CODE WORD...   a request, its body as Notation.h says
-//   tick [N]           N tenths of a second pass (1), with a tick of the driver in each
-//   desktop COMMAND    a command to the desktop, as JSON
-//   status WORD...     what the companion answers to a status query from now on: the first of its
-//                      seven words, or x and any bytes, or nothing
 //   counts             asks the driver for the units and channels it was told
 #pragma once
 
@@ -25,14 +19,16 @@
 
 #include "platform/Testing/LogCapture.h"
 #include "platform/Testing/TestClock.h"
-#include "tests/golden/Notation.h"
 #include "tests/support/Companion.h"
 #include "tests/support/HomeFolder.h"
 #include "tests/support/ScriptedDesktop.h"
 #include "tests/support/SessionFixture.h"
 #include "tests/support/TestDriver.h"
+#include "tools/recording/Recording.h"
 
 namespace golden {
+
+using recording::Bytes;
 
 class Session {
   public:
@@ -61,6 +57,7 @@ class Session {
     void Report();
     void Add(const char* what, const std::string& text);
 
+    bool isHeard_ = true;               // until the step `unheard`
     std::vector<std::string> lines_;    // of the step under way
     std::uint64_t desktopEntries_ = 0;  // entries of its log that were reported
     std::string language_ = "en";

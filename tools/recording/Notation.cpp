@@ -1,4 +1,4 @@
-#include "tests/golden/Notation.h"
+#include "tools/recording/Notation.h"
 
 #include <algorithm>
 #include <cctype>
@@ -6,7 +6,7 @@
 
 #include "scenes/notation/Hex.h"
 
-namespace golden {
+namespace recording {
 
 namespace {
 
@@ -79,7 +79,12 @@ Bytes BytesOf(const std::string& word) {
         }
         throw std::invalid_argument("no bytes: " + word);
     }
-    return LittleEndian(static_cast<unsigned int>(std::stoll(word, nullptr, 0)));
+    std::size_t read = 0;
+    const long long number = std::stoll(word, &read, 0);
+    if (read != word.size()) {
+        throw std::invalid_argument("no number: " + word);
+    }
+    return LittleEndian(static_cast<unsigned int>(number));
 }
 
 std::optional<Bytes> BodyOf(const std::vector<std::string>& words) {
@@ -92,6 +97,15 @@ std::optional<Bytes> BodyOf(const std::vector<std::string>& words) {
         body.insert(body.end(), bytes.begin(), bytes.end());
     }
     return body;
+}
+
+std::string WordsOf(const Bytes& body) {
+    constexpr std::size_t kMostIntegers = 6;
+    const bool areIntegers = body.size() % 4 == 0 && body.size() <= 4 * kMostIntegers;
+    if (body.empty()) {
+        return "x";
+    }
+    return areIntegers ? IntegersIn(body) : "x" + scene_notation::FormatHex(body);
 }
 
 std::string HexOf(const std::optional<Bytes>& bytes) {
@@ -107,10 +121,11 @@ std::string HexOf(const std::optional<Bytes>& bytes) {
 std::string IntegersIn(const Bytes& bytes) {
     std::string text;
     for (std::size_t i = 0; i + 4 <= bytes.size(); i += 4) {
-        const UInt32 value =
-            static_cast<UInt32>(bytes[i]) | static_cast<UInt32>(bytes[i + 1]) << 8 |
-            static_cast<UInt32>(bytes[i + 2]) << 16 | static_cast<UInt32>(bytes[i + 3]) << 24;
-        text += (text.empty() ? "" : " ") + std::to_string(static_cast<SInt32>(value));
+        const std::uint32_t value = static_cast<std::uint32_t>(bytes[i]) |
+                                    static_cast<std::uint32_t>(bytes[i + 1]) << 8 |
+                                    static_cast<std::uint32_t>(bytes[i + 2]) << 16 |
+                                    static_cast<std::uint32_t>(bytes[i + 3]) << 24;
+        text += (text.empty() ? "" : " ") + std::to_string(static_cast<std::int32_t>(value));
     }
     return text;
 }
@@ -137,4 +152,4 @@ Bytes BigEndian(const std::vector<unsigned int>& words) {
     return bytes;
 }
 
-}  // namespace golden
+}  // namespace recording

@@ -9,30 +9,32 @@
 // A word that begins with '#' ends the row: what follows is for the reader.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tests/support/Companion.h"
+namespace recording {
 
-namespace golden {
-
-using test_support::Bytes;
+using Bytes = std::vector<std::uint8_t>;
 
 // The words of a line, without the remark at its end.
 std::vector<std::string> Words(std::string_view line);
 
-// Throws std::invalid_argument.
+// Throws std::logic_error for a word that stands for no bytes.
 Bytes BytesOf(const std::string& word);
 // Nothing for no words: a body that is absent, which is not one without bytes.
 std::optional<Bytes> BodyOf(const std::vector<std::string>& words);
 // The text between the quotation marks of a word; throws std::invalid_argument.
 std::string TextOf(const std::string& word);
 
+// A body in words that BodyOf reads: as integers where it can consist of a few of them.
+std::string WordsOf(const Bytes& body);
+
 // Two digits a byte; "(none)" and "(empty)" for what has none.
 std::string HexOf(const std::optional<Bytes>& bytes);
-// What a reply says: its integers.
+// The integers in a reply or body; a rest of fewer than 4 bytes is left out.
 std::string IntegersIn(const Bytes& bytes);
 // What a message says: the text before its 0 byte, what is not ASCII as \xNN.
 std::string QuotedText(const Bytes& bytes);
@@ -40,4 +42,4 @@ std::string QuotedText(const Bytes& bytes);
 // Most significant byte first, as the companion answers a status query.
 Bytes BigEndian(const std::vector<unsigned int>& words);
 
-}  // namespace golden
+}  // namespace recording
