@@ -5,6 +5,7 @@
 #include <iomanip>
 #include <sstream>
 
+#include "tools/Batch.h"
 #include "tools/Client.h"
 #include "tools/CommandLine.h"
 #include "tools/Conversation.h"
@@ -91,7 +92,8 @@ Invocation InvocationOf(const std::vector<std::string>& words) {
 
 class Batch {
   public:
-    explicit Batch(Context& context) : output_(context.output), usualTimeout_(context.timeout) {}
+    Batch(Context& context, const Carrier& carrier)
+        : output_(context.output), carrier_(carrier), usualTimeout_(context.timeout) {}
 
     ExitCode Run(InputLines& lines, bool stopsAtFailure);
 
@@ -102,9 +104,11 @@ class Batch {
                       KeptOutput& kept);
     void Tell(ExitCode code, const KeptOutput& kept);
     Answer Send(const Request& request);
+    Answer Carry(const Request& request);
     ExitCode ReleaseWhatIsPressed();
 
     Output& output_;
+    const Carrier& carrier_;
     double usualTimeout_;
     Client client_{usualTimeout_};
     Unreleased unreleased_;
@@ -130,11 +134,15 @@ ExitCode Batch::CarryOut(const InputLine& line, const std::vector<std::string>& 
 }
 
 Answer Batch::Send(const Request& request) {
-    Answer answer = client_.Send(request);
+    Answer answer = Carry(request);
     if (answer.status != kPortMissing) {
         unreleased_.Note(request);
     }
     return answer;
+}
+
+Answer Batch::Carry(const Request& request) {
+    return carrier_(request, [this](const Request& each) { return client_.Send(each); });
 }
 
 // Nobody else would: the lines that should do it will not come.
@@ -146,7 +154,7 @@ ExitCode Batch::ReleaseWhatIsPressed() {
     client_.SetTimeout(usualTimeout_);
     KeptOutput kept;
     const ExitCode code = Release(
-        releases, [this](const Request& request) { return client_.Send(request); }, kept);
+        releases, [this](const Request& request) { return Carry(request); }, kept);
     if (code == ExitCode::ok) {
         output_.Remark("the lines ended in the middle of a gesture or a key press: released");
     } else {
@@ -216,11 +224,16 @@ ExitCode Batch::Run(InputLines& lines, bool stopsAtFailure) {
 
 ExitCode ActBatch(const Arguments& arguments, Context& context) {
     const Interruption interruption;
-    InputLines lines(context.inDescriptor);
-    return Batch(context).Run(lines, arguments.Has("--stop"));
+    return RunBatch(context, arguments.Has("--stop"),
+                    [](const Request& request, const Send& send) { return send(request); });
 }
 
 }  // namespace
+
+ExitCode RunBatch(Context& context, bool stopsAtFailure, const Carrier& carrier) {
+    InputLines lines(context.inDescriptor);
+    return Batch(context, carrier).Run(lines, stopsAtFailure);
+}
 
 std::vector<Verb> BatchVerbs() {
     return {

@@ -32,6 +32,10 @@ constexpr std::array kExitCodes{
     ExitCodeRow{ExitCode::unmet, "unmet",
                 "what --expect or wait asks for was not so in time, or was so before; after panic "
                 "something is still pressed"},
+    ExitCodeRow{ExitCode::differs, "differs",
+                "replay: replies or messages are not as they were recorded"},
+    ExitCodeRow{ExitCode::badReport, "bad-report",
+                "replay: the file is no report or recording that can be replayed"},
     ExitCodeRow{ExitCode::companion, "companion",
                 "doctor: the driver's messages do not reach a companion"},
     ExitCodeRow{ExitCode::permission, "permission",

@@ -23,6 +23,8 @@ enum class ExitCode : int {
     outOfReach = 12,
     notThere = 13,
     unmet = 14,
+    differs = 15,
+    badReport = 16,
     // Of doctor.
     companion = 20,
     permission = 21,

@@ -36,6 +36,9 @@ Grammar MakeGrammar() {
     Append(grammar.verbs, ProfileVerbs());
     Append(grammar.verbs, DiffVerbs());
     Append(grammar.verbs, TraceVerbs());
+    Append(grammar.verbs, RecordVerbs());
+    Append(grammar.verbs, ReportVerbs());
+    Append(grammar.verbs, ReplayVerbs());
     Append(grammar.verbs, KeyVerbs());
     Append(grammar.verbs, GrammarVerbs());
     Append(grammar.verbs, DesktopVerbs());

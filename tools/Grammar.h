@@ -78,6 +78,9 @@ std::vector<Verb> ViewVerbs();
 std::vector<Verb> ProfileVerbs();
 std::vector<Verb> DiffVerbs();
 std::vector<Verb> TraceVerbs();
+std::vector<Verb> RecordVerbs();
+std::vector<Verb> ReportVerbs();
+std::vector<Verb> ReplayVerbs();
 std::vector<Verb> GrammarVerbs();
 std::vector<Verb> KeyVerbs();
 

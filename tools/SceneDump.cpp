@@ -26,8 +26,8 @@ constexpr std::uint64_t kNotInTree = std::numeric_limits<std::uint64_t>::max();
 // Elements are named by their places in the tree.
 class SceneWriter {
   public:
-    explicit SceneWriter(const AccessibilityTree& tree)
-        : tree_(tree), mainWindow_(MainWindow(tree)) {}
+    SceneWriter(const AccessibilityTree& tree, const ChangeAnswer& change)
+        : tree_(tree), change_(change), mainWindow_(MainWindow(tree)) {}
 
     SceneDump Write(const ApplicationFacts& facts, bool isFront);
 
@@ -44,8 +44,10 @@ class SceneWriter {
                       Members& members);
     void AddMain(std::size_t place, Members& members) const;
     Json Describe(std::uint64_t id) const;
+    std::string Changed(const std::string& name) const;
 
     const AccessibilityTree& tree_;
+    const ChangeAnswer& change_;
     std::optional<std::size_t> mainWindow_;
     std::size_t leftOutValues_ = 0;
 };
@@ -71,7 +73,7 @@ Members SceneWriter::MembersOf(const ApplicationFacts& facts) const {
     const auto title = At(0).attributes.find("AXTitle");
     const auto name = title == At(0).attributes.end() ? std::nullopt : Utf8Of(title->second.get());
     if (name) {
-        members.Add("name", *name);
+        members.Add("name", Changed(*name));
     }
     members.Add("pid", facts.pid);
     Json info = Json::object();
@@ -118,15 +120,26 @@ void SceneWriter::AddAttribute(std::size_t place, const std::string& name, CFTyp
         members.Add(name, *At(place).selectedRows);
         return;
     }
-    const auto answer = AnswerOf(
+    auto answer = AnswerOf(
         value, [this](CFTypeRef element) { return tree_.Find(element).value_or(kNotInTree); });
     if (!answer || !scene_notation::IsAttributeName(name)) {
         ++leftOutValues_;
         return;
     }
+    if (change_) {
+        change_(At(place), name, *answer);
+    }
     members.Add(name, scene_notation::WriteAnswer(*answer, name, [this](const auto& reference) {
                     return Describe(reference.id);
                 }));
+}
+
+std::string SceneWriter::Changed(const std::string& name) const {
+    auto answer = scene_notation::Answer::Of({name});
+    if (change_) {
+        change_(At(0), "AXTitle", answer);
+    }
+    return std::get<std::string>(answer.value.content);
 }
 
 // One window of an application is its main one. If none is, the first one says so, since a scene
@@ -152,8 +165,9 @@ Json SceneWriter::Describe(std::uint64_t id) const {
 
 }  // namespace
 
-SceneDump WriteScene(const AccessibilityTree& tree, const ApplicationFacts& facts, bool isFront) {
-    return SceneWriter(tree).Write(facts, isFront);
+SceneDump WriteScene(const AccessibilityTree& tree, const ApplicationFacts& facts, bool isFront,
+                     const ChangeAnswer& change) {
+    return SceneWriter(tree, change).Write(facts, isFront);
 }
 
 }  // namespace krt9ctl

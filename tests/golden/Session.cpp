@@ -7,7 +7,6 @@
 #include "VEKCommon/MessageCodes.h"
 #include "frontapplication/FrontApplication.h"
 #include "platform/Testing/LiveObjects.h"
-#include "tests/support/Codes.h"
 #include "tests/support/DriverInspector.h"
 #include "tests/support/Files.h"
 #include "tests/support/LeakAllowance.h"
@@ -25,6 +24,7 @@ using recording::HexOf;
 using test_support::OwnedObject;
 
 constexpr CFTimeInterval kTickInterval = 0.1;
+constexpr std::size_t kStatusWords = 7;
 constexpr CFTimeInterval kPatience = 10;  // seconds of the test's clock: time-outs of a request
 
 // The process remembers which source of the clip's name it uses. Three looks at a scene in which
@@ -81,7 +81,7 @@ std::vector<std::string> Session::Perform(const std::string& step) {
     } else if (verb == "start") {
         Start();
     } else if (verb == "ask") {
-        Ask(test_support::CodeOf(Only(arguments, 0)),
+        Ask(recording::CodeOf(Only(arguments, 0)),
             recording::BodyOf({arguments.begin() + 1, arguments.end()}));
     } else if (verb == "tick") {
         Tick(arguments.empty() ? 1 : std::stoi(arguments[0]));
@@ -135,7 +135,7 @@ void Session::Ask(SInt32 code, const std::optional<Bytes>& body) {
     OwnedObject<CFDataRef> data =
         body ? CFDataCreate(kCFAllocatorDefault, body->data(), static_cast<CFIndex>(body->size()))
              : nullptr;
-    Add("request", recording::RequestText(test_support::CodeText(code), body));
+    Add("request", recording::RequestText(code, body));
     const CFAbsoluteTime before = CFAbsoluteTimeGetCurrent();
     const std::optional<Bytes> reply = Exchange(code, data);
     if (CFAbsoluteTimeGetCurrent() != before) {
@@ -167,7 +167,18 @@ void Session::Tick(int count) {
 }
 
 void Session::AnswerStatus(const Arguments& words) {
-    companion_.value().reply = recording::StatusOf(words);
+    if (words.empty()) {
+        companion_.value().reply.reset();
+    } else if (words[0].starts_with('x')) {
+        companion_.value().reply = recording::BytesOf(words[0]);
+    } else {
+        std::vector<unsigned int> status;
+        for (const std::string& word : words) {
+            status.push_back(static_cast<unsigned int>(std::stoul(word, nullptr, 0)));
+        }
+        status.resize(kStatusWords);
+        companion_.value().reply = recording::BigEndian(status);
+    }
     Add("answer", HexOf(companion_->reply));
 }
 
@@ -180,7 +191,7 @@ void Session::Report() {
     if (driver_) {
         for (const auto& [code, body] : test_support::TakeSent(**driver_, *companion_)) {
             if (isHeard_) {
-                Add("message", recording::MessageText(test_support::CodeText(code), body));
+                Add("message", recording::MessageText(code, body));
             }
         }
     }

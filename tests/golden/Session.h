@@ -5,6 +5,8 @@
 // Besides the steps of every recording (tools/recording/Recording.h):
 //
 //   title KEY "TEXT"   an entry of that language's table of window titles; after `language`
+//   status WORD...     what the companion answers to a status query from now on: the first of its
+//                      seven words, or x and any bytes, or nothing
 //   counts             asks the driver for the units and channels it was told
 #pragma once
 

@@ -6,18 +6,17 @@
 
 #include "tools/Arguments.h"
 #include "tools/Grammar.h"
+#include "tools/Interruption.h"
 #include "tools/doctor/Examination.h"
 
 namespace krt9ctl {
 
-namespace {
-
 // The run loop must run for the process to learn what comes to the front.
-void Wait(double seconds, Output& output) {
+void doctor::WaitForTheFront(double seconds, Output& output) {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::duration<double>(seconds);
     output.Progress("waiting before the first look");
-    while (Clock::now() < end) {
+    while (Clock::now() < end && Interruption::Raised() == ExitCode::ok) {
         CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
         std::this_thread::sleep_for(std::min<Clock::duration>(
             std::chrono::milliseconds(100),
@@ -26,9 +25,11 @@ void Wait(double seconds, Output& output) {
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
 }
 
+namespace {
+
 ExitCode ActDoctor(const Arguments& arguments, Context& context) {
     if (arguments.Has("--after")) {
-        Wait(arguments.SecondsOr("--after", 0), context.output);
+        doctor::WaitForTheFront(arguments.SecondsOr("--after", 0), context.output);
     }
     ExitCode code = ExitCode::ok;
     for (const doctor::Finding& finding : doctor::Examine(context)) {

@@ -41,4 +41,8 @@ Finding CheckTranslations();
 
 std::vector<Finding> Examine(Context& context);
 
+// Leaves time, in seconds, to bring another application to the front; ends early when a signal has
+// arrived (Interruption.h).
+void WaitForTheFront(double seconds, Output& output);
+
 }  // namespace krt9ctl::doctor

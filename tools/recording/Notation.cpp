@@ -57,6 +57,30 @@ std::vector<std::string> Words(std::string_view line) {
     }
 }
 
+std::string CodeWord(std::int32_t code) {
+    const Bytes bytes = BigEndian({static_cast<unsigned int>(code)});
+    const bool isWord = std::all_of(bytes.begin(), bytes.end(), [](unsigned char character) {
+        return character < 0x80 && std::isalnum(character) != 0;
+    });
+    return isWord ? std::string(bytes.begin(), bytes.end())
+                  : "x" + scene_notation::FormatHex(bytes);
+}
+
+std::int32_t CodeOf(const std::string& word) {
+    Bytes bytes(word.begin(), word.end());
+    if (word.size() == 9 && IsHex(word)) {
+        bytes = BytesOf(word);
+    }
+    if (bytes.size() != 4) {
+        throw std::invalid_argument("no code: " + word);
+    }
+    std::uint32_t code = 0;
+    for (const unsigned char byte : bytes) {
+        code = code << 8 | byte;
+    }
+    return static_cast<std::int32_t>(code);
+}
+
 std::string TextOf(const std::string& word) {
     const std::size_t opening = word.find('"');
     if (opening == std::string::npos || word.size() < opening + 2) {

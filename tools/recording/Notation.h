@@ -22,6 +22,11 @@ using Bytes = std::vector<std::uint8_t>;
 // The words of a line, without the remark at its end.
 std::vector<std::string> Words(std::string_view line);
 
+// A message's code: its four characters, the first one in the most significant byte, or x and the
+// hex digits of four that are not all letters and digits. CodeOf throws std::invalid_argument.
+std::string CodeWord(std::int32_t code);
+std::int32_t CodeOf(const std::string& word);
+
 // Throws std::logic_error for a word that stands for no bytes.
 Bytes BytesOf(const std::string& word);
 // Nothing for no words: a body that is absent, which is not one without bytes.

@@ -7,8 +7,6 @@ namespace recording {
 
 namespace {
 
-constexpr std::size_t kStatusWords = 7;
-
 std::string_view WithoutLeadingBlanks(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
     return text;
@@ -62,31 +60,16 @@ std::string OutcomeLine(std::string_view what, std::string_view text) {
     return line + std::string(text);
 }
 
-std::string RequestText(const std::string& code, const std::optional<Bytes>& body) {
-    return code + " " + HexOf(body);
+std::string RequestText(std::int32_t code, const std::optional<Bytes>& body) {
+    return CodeWord(code) + " " + HexOf(body);
 }
 
 std::string ReplyText(const std::optional<Bytes>& reply) {
     return HexOf(reply) + (reply ? " = " + IntegersIn(*reply) : "");
 }
 
-std::string MessageText(const std::string& code, const Bytes& body) {
-    return code + " " + HexOf(body) + (body.empty() ? "" : " = " + QuotedText(body));
-}
-
-std::optional<Bytes> StatusOf(const std::vector<std::string>& words) {
-    if (words.empty()) {
-        return std::nullopt;
-    }
-    if (words[0].starts_with('x')) {
-        return BytesOf(words[0]);
-    }
-    std::vector<unsigned int> status;
-    for (const std::string& word : words) {
-        status.push_back(static_cast<unsigned int>(std::stoul(word, nullptr, 0)));
-    }
-    status.resize(kStatusWords);
-    return BigEndian(status);
+std::string MessageText(std::int32_t code, const Bytes& body) {
+    return CodeWord(code) + " " + HexOf(body) + (body.empty() ? "" : " = " + QuotedText(body));
 }
 
 }  // namespace recording

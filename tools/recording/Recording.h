@@ -15,7 +15,6 @@
 //   start              the driver starts
 //   ask CODE WORD...   a request, its body as Notation.h says; without words an absent body
 //   tick [N]           N tenths of a second pass (1)
-//   status WORD...     what the companion answers to a status query from now on
 //   desktop COMMAND    a command to the desktop, as JSON
 //   unheard            messages of the driver are not recorded from now on: another process has the
 //                      companion's port
@@ -57,12 +56,8 @@ std::string StepLine(std::string_view step);
 std::string OutcomeLine(std::string_view what, std::string_view text);
 
 // The texts of outcomes: "request", "reply" (nothing: there was none) and "message".
-std::string RequestText(const std::string& code, const std::optional<Bytes>& body);
+std::string RequestText(std::int32_t code, const std::optional<Bytes>& body);
 std::string ReplyText(const std::optional<Bytes>& reply);
-std::string MessageText(const std::string& code, const Bytes& body);
-
-// What the companion answers, from the words of a step `status`: the first of its seven integers,
-// most significant byte first, or x and any bytes. Nothing without words. Throws std::logic_error.
-std::optional<Bytes> StatusOf(const std::vector<std::string>& words);
+std::string MessageText(std::int32_t code, const Bytes& body);
 
 }  // namespace recording
