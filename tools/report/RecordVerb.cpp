@@ -19,6 +19,8 @@ namespace krt9ctl {
 
 namespace {
 
+constexpr double kLastLook = 0.2;  // seconds, for messages that are under way
+
 void RemarkOnMessages(const Listener* listener, bool driverWasFirst, Output& output) {
     if (listener == nullptr) {
         output.Remark(
@@ -54,9 +56,7 @@ ExitCode ActRecord(const Arguments& arguments, Context& context) {
     const ExitCode code = RunBatch(
         context, arguments.Has("--stop"),
         [&](const Request& request, const Send& send) { return recorder.Carry(request, send); });
-    if (code == ExitCode::ok && arguments.Has("--for")) {
-        Interruption::Pause(arguments.SecondsOr("--for", 0));
-    }
+    Interruption::Pause(arguments.SecondsOr("--for", kLastLook));
     recorder.CatchUp();
     errno = 0;
     file << recorder.Text({}) << std::flush;
@@ -91,7 +91,7 @@ std::vector<Verb> RecordVerbs() {
                          .help = "end with the first line that fails"},
                         {.name = "--for",
                          .kind = ValueKind::seconds,
-                         .help = "go on to record messages after the last line",
+                         .help = "how long to record messages after the last line (default 0.2)",
                          .placeholder = "SECONDS"}},
          .work = ActRecord},
     };
