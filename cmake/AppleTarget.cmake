@@ -42,6 +42,7 @@ list(JOIN krt9_flags " " krt9_flags)
 set(CMAKE_CXX_FLAGS_INIT "${krt9_flags}")
 set(CMAKE_OBJCXX_FLAGS_INIT "${krt9_flags}")
 
-# Debian packages that describe themselves in a folder that CMake does not look into here.
+# Debian packages that CMake does not find in their folder here.
 set(fmt_DIR /usr/lib/${krt9_multiarch}/cmake/fmt)
 set(GTest_DIR /usr/lib/${krt9_multiarch}/cmake/GTest)
+set(LibArchive_LIBRARY /usr/lib/${krt9_multiarch}/libarchive.so)

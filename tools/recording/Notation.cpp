@@ -157,7 +157,7 @@ std::string IntegersIn(const Bytes& bytes) {
 std::string QuotedText(const Bytes& bytes) {
     std::string text;
     for (auto byte = bytes.begin(); byte != bytes.end() && *byte != 0; ++byte) {
-        if (std::isprint(*byte) != 0) {
+        if (*byte >= 0x20 && *byte <= 0x7E) {
             text += static_cast<char>(*byte);
         } else {
             text += "\\x" + scene_notation::FormatHex({&*byte, 1});

@@ -3,9 +3,11 @@
 #include <archive.h>
 #include <archive_entry.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <array>
-#include <ctime>
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -41,7 +43,8 @@ void WriteMember(archive* writer, const ArchiveMember& member) {
     archive_entry_set_size(entry.get(), static_cast<la_int64_t>(member.content.size()));
     archive_entry_set_filetype(entry.get(), AE_IFREG);
     archive_entry_set_perm(entry.get(), 0644);
-    archive_entry_set_mtime(entry.get(), std::time(nullptr), 0);
+    archive_entry_set_mtime(
+        entry.get(), std::chrono::system_clock::to_time_t(std::chrono::system_clock::now()), 0);
     Check(archive_write_header(writer, entry.get()), writer);
     std::string_view rest = member.content;
     while (!rest.empty()) {
@@ -65,14 +68,15 @@ void WriteMembers(const std::string& path, const std::vector<ArchiveMember>& mem
 }
 
 bool LeadsOutside(std::string_view name) {
-    const std::filesystem::path path(name);
-    if (path.is_absolute()) {
+    if (name.starts_with('/')) {
         return true;
     }
-    for (const auto& step : path) {
+    while (!name.empty()) {
+        const std::string_view step = name.substr(0, name.find('/'));
         if (step == "..") {
             return true;
         }
+        name.remove_prefix(std::min(step.size() + 1, name.size()));
     }
     return false;
 }
@@ -110,7 +114,7 @@ void WriteArchive(const std::string& path, const std::vector<ArchiveMember>& mem
     } catch (const std::runtime_error& error) {
         std::error_code ignored;
         if (std::filesystem::is_regular_file(path, ignored)) {
-            std::filesystem::remove(path, ignored);
+            unlink(path.c_str());
         }
         throw std::runtime_error(
             fmt::format("'{}' cannot be written: {}", Printable(path), error.what()));

@@ -24,19 +24,24 @@ bool Listener::Start() {
     sigset_t before;
     sigfillset(&all);
     pthread_sigmask(SIG_BLOCK, &all, &before);
-    std::promise<bool> isOpen;
-    thread_ = std::thread([this, &isOpen] { Listen(isOpen); });
+    thread_ = std::thread([this] { Listen(); });
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return isOpen.get_future().get();
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return state_ != State::starts; });
+    return state_ == State::listens;
 }
 
 // The port is opened, served and closed on one thread.
-void Listener::Listen(std::promise<bool>& isOpen) {
+void Listener::Listen() {
     const auto port = krt9::CompanionPort::Open({}, [this](const krt9::Message& message) {
         const std::lock_guard lock(mutex_);
         heard_.push_back(message);
     });
-    isOpen.set_value(port != nullptr);
+    {
+        const std::lock_guard lock(mutex_);
+        state_ = port ? State::listens : State::failed;
+    }
+    changed_.notify_one();
     while (port && !isOver_) {
         CFRunLoopRunInMode(kCFRunLoopDefaultMode, kLongestNap, false);
     }

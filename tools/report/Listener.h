@@ -3,7 +3,7 @@
 #pragma once
 
 #include <atomic>
-#include <future>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -29,10 +29,14 @@ class Listener {
   private:
     Listener() = default;
     bool Start();
-    void Listen(std::promise<bool>& isOpen);
+    void Listen();
 
-    std::mutex mutex_;
-    std::vector<krt9::Message> heard_;  // guarded by mutex_
+    enum class State { starts, listens, failed };
+
+    std::mutex mutex_;  // guards the next three
+    std::condition_variable changed_;
+    State state_ = State::starts;
+    std::vector<krt9::Message> heard_;
     std::atomic<bool> isOver_{false};
     std::thread thread_;
 };

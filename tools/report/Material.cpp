@@ -21,18 +21,20 @@ constexpr std::size_t kMostSteps = 20000;
 
 // Throws UnfitMaterial for anything but a file of at most that size.
 std::string ContentOf(const std::string& path) {
-    std::error_code problem;
-    if (!std::filesystem::is_regular_file(path, problem)) {
-        throw UnfitMaterial(problem ? problem.message() : "it is no file");
-    }
-    if (std::filesystem::file_size(path, problem) > kLargestMember) {
-        throw UnfitMaterial(fmt::format("it has more than {} MiB", kLargestMember >> 20));
-    }
     errno = 0;
     std::ifstream file(path, std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (!file) {
         throw UnfitMaterial(std::strerror(errno));
+    }
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) {
+        throw UnfitMaterial("it is no file");
+    }
+    std::string content(kLargestMember + 1, '\0');
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    content.resize(static_cast<std::size_t>(file.gcount()));
+    if (content.size() > kLargestMember) {
+        throw UnfitMaterial(fmt::format("it has more than {} MiB", kLargestMember >> 20));
     }
     return content;
 }

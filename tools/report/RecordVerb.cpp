@@ -50,7 +50,8 @@ ExitCode ActRecord(const Arguments& arguments, Context& context) {
     const std::string& path = arguments.Text("FILE");
     std::ofstream file = Create(path);
     const bool driverWasFirst = doctor::LookAtPort(kDriverPortName).isThere;
-    const auto listener = Listener::Open();
+    const bool isTaken = doctor::LookAtPort(kCompanionPortName).isThere;
+    const auto listener = isTaken ? nullptr : Listener::Open();
     RemarkOnMessages(listener.get(), driverWasFirst, context.output);
     Recorder recorder(driverWasFirst ? nullptr : listener.get());
     const ExitCode code = RunBatch(

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <regex>
 #include <variant>
 
 #include "companion/KRT9Companion.h"
@@ -69,11 +68,30 @@ std::optional<std::string> Numbered(std::string form, std::size_t number) {
     return number == 0 ? std::optional(form) : std::nullopt;
 }
 
+constexpr std::string_view kDigits = "0123456789";
+
+// Removes so many of these characters at most; how many there were.
+std::size_t TakeAny(std::string_view& text, std::string_view characters, std::size_t most) {
+    const std::size_t count = std::min({text.find_first_not_of(characters), text.size(), most});
+    text.remove_prefix(count);
+    return count;
+}
+
 }  // namespace
 
 bool IsNumberText(std::string_view text) {
-    static const std::regex number(R"( *[-+]?[0-9]{1,10}([.,][0-9]{1,6})? *)");
-    return std::regex_match(text.begin(), text.end(), number);
+    constexpr std::size_t kMostDigits = 10;
+    constexpr std::size_t kMostDecimals = 6;
+    TakeAny(text, " ", text.size());
+    TakeAny(text, "+-", 1);
+    if (TakeAny(text, kDigits, kMostDigits) == 0) {
+        return false;
+    }
+    if (TakeAny(text, ".,", 1) == 1 && TakeAny(text, kDigits, kMostDecimals) == 0) {
+        return false;
+    }
+    TakeAny(text, " ", text.size());
+    return text.empty();
 }
 
 std::string Redactor::Replaced(const std::string& text) {
@@ -85,7 +103,7 @@ std::string Redactor::Replaced(const std::string& text) {
     std::size_t& number = next_[form];
     const auto numbered = Numbered(form, number);
     number += numbered ? 1 : 0;
-    return replaced_[text] = numbered.value_or(form);
+    return replaced_[text] = numbered ? *numbered : form;
 }
 
 void Redactor::Redact(std::string_view role, const std::string& attribute,

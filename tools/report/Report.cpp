@@ -59,7 +59,7 @@ void LeaveHomeOut(Json& json) {
 }
 
 std::string Now() {
-    const std::time_t time = std::time(nullptr);
+    const std::time_t time = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
     std::tm utc = {};
     gmtime_r(&time, &utc);
     return fmt::format("{:%Y-%m-%dT%H:%M:%S}Z", utc);

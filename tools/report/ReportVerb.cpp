@@ -2,6 +2,8 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <chrono>
 #include <ctime>
 
 #include "tools/Arguments.h"
@@ -20,7 +22,7 @@ namespace {
 constexpr double kUsualTrace = 2;  // seconds
 
 std::string UsualName() {
-    const std::time_t time = std::time(nullptr);
+    const std::time_t time = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
     std::tm local = {};
     localtime_r(&time, &local);
     return fmt::format("krt9-report-{:%Y%m%d-%H%M%S}.zip", local);
