@@ -17,7 +17,7 @@ else
 ## demo: a session with the driver, shown to a person
 demo: packages
 	@cmake --preset linux >/dev/null
-	@cmake --build --preset linux --target KRT9Background krt9-desktop krt9ctl krt9-follow-editor
+	@cmake --build --preset linux --target KRT9Background krt9-desktop krt9ctl
 	@scripts/demo
 
 ## check: every test; the last line counts them

@@ -155,9 +155,14 @@ json ParseJson(std::string_view text, const std::string& place) {
     try {
         return json::parse(text);
     } catch (const json::exception& error) {
+        constexpr std::size_t kLongestProblem = 200;
         // "[json.exception.parse_error.101] parse error at line 1, column 2: ..." without its tag.
         std::string problem = error.what();
         problem.erase(0, problem.find("] ") + 2);
+        if (problem.size() > kLongestProblem) {  // it quotes the text, which may be long
+            problem.resize(kLongestProblem);
+            problem += "...";
+        }
         throw SceneError(place, problem);
     }
 }

@@ -82,6 +82,9 @@ TEST(Fields, HavePlacesOfReadableLength) {
 
 TEST(Fields, ProblemsAreOneLineWhateverTheTextsHold) {
     EXPECT_EQ(std::string(SceneError("a\nb", "c\x7F").what()), "a?b: c?");
+    const std::string unfinished = "{\"" + std::string(100000, 'a');
+    EXPECT_THAT(ProblemOf([&] { ParseJson(unfinished, "there"); }),
+                AllOf(testing::EndsWith("aaa..."), testing::SizeIs(testing::Lt(250))));
     EXPECT_THAT(ProblemOf([] { ParseJson("{\n]", "there"); }),
                 testing::StartsWith("there: parse error at line 2"));
 }
