@@ -11,6 +11,7 @@
 #include "tools/Conversation.h"
 #include "tools/InputLines.h"
 #include "tools/Interruption.h"
+#include "tools/KeptOutput.h"
 #include "tools/RequestVerb.h"
 #include "tools/Run.h"
 #include "tools/Text.h"
@@ -19,39 +20,6 @@
 namespace krt9ctl {
 
 namespace {
-
-// What one line of the input prints, kept to become one line of the output.
-class KeptOutput : public Output {
-  public:
-    KeptOutput() : Output({nowhere_, nowhere_}, true) {}
-
-    void Result(const Json& object, const std::string& sentence) override {
-        objects_.push_back(object);
-        if (!sentence.empty()) {
-            sentences_.push_back(sentence);
-        }
-    }
-
-    const Json& Objects() const { return objects_; }
-    const std::vector<std::string>& Sentences() const { return sentences_; }
-    const std::string& Failure() const { return failure_; }  // the first one
-
-  protected:
-    void Fail(ExitCode /*code*/, const std::string& sentence, Json object) override {
-        if (failure_.empty()) {
-            failure_ = sentence;
-        }
-        if (!object.empty()) {
-            objects_.push_back(std::move(object));
-        }
-    }
-
-  private:
-    std::ostringstream nowhere_;
-    Json objects_ = Json::array();
-    std::vector<std::string> sentences_;
-    std::string failure_;
-};
 
 std::vector<std::string> WordsOf(const std::string& line) {
     if (line.find('\0') != std::string::npos) {
@@ -160,7 +128,7 @@ ExitCode Batch::ReleaseWhatIsPressed() {
     } else {
         output_.Problem(code,
                         "the lines ended in the middle of a gesture or a key press, which "
-                        "was not released: " +
+                        "krt9ctl panic releases, since the driver did not: " +
                             kept.Failure());
     }
     return code;

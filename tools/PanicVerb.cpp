@@ -1,4 +1,4 @@
-// The verb that lets mouse buttons and modifier keys go, without the driver.
+// The verb that lets mouse buttons and keys go, without the driver.
 #include <ApplicationServices/ApplicationServices.h>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -11,6 +11,7 @@
 #include "VEKCommon/OwnedReference.h"
 #include "scenes/notation/ValueWriting.h"
 #include "tools/Grammar.h"
+#include "tools/Keys.h"
 #include "tools/Run.h"
 #include "tools/Session.h"
 
@@ -33,13 +34,13 @@ constexpr Button kButtons[] = {
     {"center", kCGEventOtherMouseUp, kCGMouseButtonCenter},
 };
 
-struct Key {
+struct Modifier {
     std::string_view name;
     CGKeyCode code;
 };
 
 // The driver presses those on the left.
-constexpr Key kKeys[] = {
+constexpr Modifier kModifierKeys[] = {
     {"command", 55},       {"shift", 56},       {"option", 58},       {"control", 59},
     {"right command", 54}, {"right shift", 60}, {"right option", 61}, {"right control", 62},
 };
@@ -52,21 +53,6 @@ Event Checked(CGEventRef created) {
         throw std::runtime_error("the system does not create the events");
     }
     return event;
-}
-
-std::vector<Event> Releases(CGPoint where) {
-    std::vector<Event> events;
-    for (const Button& button : kButtons) {
-        events.push_back(
-            Checked(CGEventCreateMouseEvent(nullptr, button.up, where, button.button)));
-    }
-    for (const Key& key : kKeys) {
-        events.push_back(Checked(CGEventCreateKeyboardEvent(nullptr, key.code, false)));
-    }
-    for (const Event& event : events) {
-        CGEventSetFlags(event.get(), 0);
-    }
-    return events;
 }
 
 // What the session's state holds down. The state of the hardware alone would not have what programs
@@ -84,12 +70,44 @@ Held ReadHeld() {
             held.buttons.push_back(button.name);
         }
     }
-    for (const Key& key : kKeys) {
-        if (CGEventSourceKeyState(kCGEventSourceStateCombinedSessionState, key.code)) {
-            held.keys.push_back(key.name);
+    const auto read = [&held](std::string_view name, CGKeyCode code) {
+        if (CGEventSourceKeyState(kCGEventSourceStateCombinedSessionState, code)) {
+            held.keys.push_back(name);
         }
+    };
+    for (const Modifier& key : kModifierKeys) {
+        read(key.name, key.code);
+    }
+    for (const KeyRow& key : Keys()) {
+        read(key.name, key.code);
     }
     return held;
+}
+
+bool Contains(const std::vector<std::string_view>& names, std::string_view name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// Buttons and modifier keys in any case, since the system may not tell that they are down; other
+// keys when they are.
+std::vector<Event> Releases(CGPoint where, const Held& held) {
+    std::vector<Event> events;
+    for (const Button& button : kButtons) {
+        events.push_back(
+            Checked(CGEventCreateMouseEvent(nullptr, button.up, where, button.button)));
+    }
+    for (const Modifier& key : kModifierKeys) {
+        events.push_back(Checked(CGEventCreateKeyboardEvent(nullptr, key.code, false)));
+    }
+    for (const KeyRow& key : Keys()) {
+        if (Contains(held.keys, key.name)) {
+            events.push_back(Checked(CGEventCreateKeyboardEvent(nullptr, key.code, false)));
+        }
+    }
+    for (const Event& event : events) {
+        CGEventSetFlags(event.get(), 0);
+    }
+    return events;
 }
 
 // The system handles posted events when it comes to them.
@@ -105,9 +123,7 @@ Held AwaitRelease() {
 
 std::vector<std::string_view> Without(std::vector<std::string_view> names,
                                       const std::vector<std::string_view>& others) {
-    std::erase_if(names, [&others](std::string_view name) {
-        return std::find(others.begin(), others.end(), name) != others.end();
-    });
+    std::erase_if(names, [&others](std::string_view name) { return Contains(others, name); });
     return names;
 }
 
@@ -138,7 +154,7 @@ ExitCode Tell(const Held& released, const Held& held, CGPoint where, Output& out
                        object);
         return ExitCode::unmet;
     }
-    output.Result(object, released.IsEmpty() ? "no mouse button and no modifier key was pressed"
+    output.Result(object, released.IsEmpty() ? "no mouse button and no key was pressed"
                                              : fmt::format("released at {:g},{:g}: {}", where.x,
                                                            where.y, Enumerate(released)));
     return ExitCode::ok;
@@ -156,7 +172,7 @@ ExitCode ActPanic(const Arguments&, Context& context) {
     }
     const CGPoint where = CGEventGetLocation(Checked(CGEventCreate(nullptr)).get());
     const Held before = ReadHeld();
-    for (const Event& event : Releases(where)) {
+    for (const Event& event : Releases(where, before)) {
         CGEventPost(kCGHIDEventTap, event.get());
     }
     const Held after = AwaitRelease();
@@ -170,10 +186,11 @@ std::vector<Verb> PanicVerbs() {
     return {
         {.name = "panic",
          .requests = "",
-         .summary = "let all mouse buttons and modifier keys go, without the driver",
+         .summary = "let all mouse buttons and keys go, without the driver",
          .detail = "For a gesture that nobody ended. Posts the events itself, whether a driver "
                    "runs or not: three mouse buttons go up where the pointer is, then command, "
-                   "shift, option and control on both sides. Prints what the system said was "
+                   "shift, option and control on both sides, and each other key that is down. "
+                   "Prints what the system said was "
                    "pressed before. Exit code 0: all are up now; 14: the system says that some "
                    "are still pressed; 11: it needs the accessibility permission.",
          .example = "krt9ctl panic",

@@ -73,7 +73,8 @@ TEST_F(BatchVerb, SaysThatItCouldNotReleaseWhatIsPressed) {
     });
     running = &driver;
     EXPECT_EQ(Run("mouse start 1,2\nmouse continue 1,2\n"), ExitCode::transport);
-    EXPECT_THAT(err_.str(), HasSubstr("which was not released: 'JPME': no driver runs"));
+    EXPECT_THAT(err_.str(),
+                HasSubstr("krt9ctl panic releases, since the driver did not: 'JPME': no driver"));
 }
 
 TEST(Batch, ThatASignalEndsInAGestureReleasesButtonAndModifierKeys) {
