@@ -8,12 +8,16 @@ if(KRT9_SANITIZE)
     add_link_options(${krt9_sanitizers})
 endif()
 
-# KRT9_FUZZ=ON, together with KRT9_SANITIZE, builds the fuzz targets of fuzz/. KRT9_COVERAGE=ON
-# builds the tests, or the fuzz targets without sanitizers, to measure what they reach.
+# KRT9_FUZZ=ON, together with KRT9_SANITIZE, adds the fuzz targets of fuzz/: they run the libraries
+# that the tests run. KRT9_COVERAGE=ON builds the tests, or the fuzz targets without sanitizers, to
+# measure what they reach.
 option(KRT9_FUZZ "Build the fuzz targets" OFF)
 option(KRT9_COVERAGE "Build for the measurement of coverage" OFF)
 
+# For what no fuzz target runs, so that it compiles quickly.
+set(krt9_not_fuzzed)
 if(KRT9_FUZZ)
+    set(krt9_not_fuzzed -O0 -fno-sanitize=fuzzer-no-link)
     add_compile_options(-O1)
     if(NOT KRT9_COVERAGE)
         add_compile_options(-fsanitize=fuzzer-no-link)
@@ -55,4 +59,14 @@ function(krt9_compile_options target)
     else()
         target_compile_options(${target} PRIVATE "$<$<COMPILE_LANGUAGE:OBJCXX>:${krt9_objcxx_flags}>")
     endif()
+endfunction()
+
+# krt9_precompile(TARGET header...): headers that most C++ sources of the target get to read. On a
+# Mac, and by `make lint`, each source is read as it stands, so that a missing include is noticed.
+function(krt9_precompile target)
+    if(APPLE)
+        return()
+    endif()
+    list(TRANSFORM ARGN REPLACE "(.+)" "$<$<COMPILE_LANGUAGE:CXX>:<\\1$<ANGLE-R>>")
+    target_precompile_headers(${target} PRIVATE ${ARGN})
 endfunction()

@@ -19,7 +19,7 @@ configure_file(${CMAKE_SOURCE_DIR}/tests/support/Paths.h.in
                ${KRT9_GENERATED}/tests/support/Paths.h @ONLY)
 
 # Tests run once and briefly: most of their cost is compilation.
-set(krt9_test_options -O0 -g1)
+set(krt9_test_options -O0 -g1 ${krt9_not_fuzzed})
 
 # The headers that nearly every test includes are precompiled once. They serve only code that is
 # compiled with the same options, so they and the programs are never position-independent, not even
@@ -35,6 +35,15 @@ function(krt9_precompile_test_headers)
         <gmock/gmock.h> <gtest/gtest.h> <functional> <map> <memory> <optional> <string> <vector>)
 endfunction()
 krt9_precompile_test_headers()
+
+function(krt9_test_sources target libraries)
+    target_sources(${target} PRIVATE ${ARGN})
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+    krt9_compile_options(${target})
+    target_compile_options(${target} PRIVATE ${krt9_test_options})
+    target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR} ${KRT9_GENERATED})
+    target_link_libraries(${target} PRIVATE ${libraries} GTest::gmock GTest::gtest)
+endfunction()
 
 function(krt9_add_test name)
     cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${CMAKE_SOURCE_DIR}/tests
@@ -59,15 +68,21 @@ function(krt9_add_test name)
     if(KRT9_COVERAGE)
         math(EXPR arg_TIMEOUT "3 * ${arg_TIMEOUT}")  # counting takes its time
     endif()
-    add_executable(${name} ${sources})
-    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
-    krt9_compile_options(${name})
+    # The precompiled headers serve C++ alone, so sources in Objective-C++ are a target of their own.
+    set(objective_c ${sources})
+    list(FILTER objective_c INCLUDE REGEX "\\.mm$")
+    list(FILTER sources EXCLUDE REGEX "\\.mm$")
+    add_executable(${name})
+    krt9_test_sources(${name} "${arg_LIBRARIES}" ${sources})
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
     krt9_link_frameworks(${name})
-    target_compile_options(${name} PRIVATE ${krt9_test_options})
-    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR} ${KRT9_GENERATED})
-    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
-    if(NOT "${sources}" MATCHES "\\.mm")
+    if(sources)
         target_precompile_headers(${name} REUSE_FROM krt9_test_headers)
+    endif()
+    if(objective_c)
+        add_library(${name}_objective_c OBJECT)
+        krt9_test_sources(${name}_objective_c "${arg_LIBRARIES}" ${objective_c})
+        target_link_libraries(${name} PRIVATE ${name}_objective_c)
     endif()
     add_test(NAME ${name} COMMAND ${name} --gtest_output=json:${KRT9_TEST_RESULTS}/${name}.json)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT})
