@@ -60,7 +60,7 @@ endurance: build
 ## fuzz: every fuzz target for SECONDS seconds (30)
 SECONDS ?= 30
 fuzz: packages
-	@cmake --preset fuzz >/dev/null
+	@cmake --preset sanitize >/dev/null
 	@cmake --build --preset fuzz
 	@scripts/fuzz $(SECONDS)
 
@@ -87,5 +87,5 @@ endif
 
 ## clean: removes every build folder
 clean:
-	rm -rf build build-sanitize build-coverage build-fuzz build-fuzz-coverage build-apple \
+	rm -rf build build-sanitize build-coverage build-fuzz-coverage build-apple \
 	    build-libcxx
