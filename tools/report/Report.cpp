@@ -35,7 +35,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kFormat = 1;
-constexpr double kNotice = 0.5;  // seconds, in which a driver notices that it is traced
+constexpr double kNotice = 1;  // seconds, in which a driver notices that it is traced
 
 // Paths of the user's own folder would tell the user's name.
 std::string WithoutHome(std::string text) {
@@ -87,6 +87,9 @@ class Tracing {
     // Waits for so long, less when a signal arrives.
     void Read(double seconds);
 
+    // Waits until the driver has noticed that it is traced: its ticks have signposts.
+    void AwaitDriver(double seconds);
+
     const std::string& Problem() const { return problem_; }
     const std::string& Lines() const { return lines_; }
     std::size_t Count() const { return count_; }
@@ -99,11 +102,13 @@ class Tracing {
     trace::Timeline timeline_;
     std::string lines_;
     std::size_t count_ = 0;
+    bool isNoticed_ = false;
 };
 
 void Tracing::Take(const std::vector<std::string>& signposts) {
     for (const std::string& line : signposts) {
         auto signpost = trace::ReadSignpost(line);
+        isNoticed_ = isNoticed_ || signpost;
         const auto event = signpost ? timeline_.Add(std::move(*signpost)) : std::nullopt;
         if (event && !event->IsIdle()) {
             lines_ += OneLine(EventObject(*event)) + "\n";
@@ -122,6 +127,15 @@ void Tracing::Read(double seconds) {
         }
         Take(source_->Read(std::clamp(left.count(), 0.0, kLongestNap)));
     } while (Clock::now() < end && Interruption::Raised() == ExitCode::ok);
+}
+
+void Tracing::AwaitDriver(double seconds) {
+    constexpr double kStep = 0.02;
+    const auto end = Clock::now() + std::chrono::duration<double>(seconds);
+    while (problem_.empty() && !isNoticed_ && Clock::now() < end &&
+           Interruption::Raised() == ExitCode::ok) {
+        Read(kStep);
+    }
 }
 
 class Collection {
@@ -253,7 +267,9 @@ Json Collection::About() const {
 
 Report Collection::Collect() {
     const auto end = Clock::now() + std::chrono::duration<double>(seconds_);
-    tracing_.Read(std::min(kNotice, seconds_));
+    if (doctor::LookAtPort(kDriverPortName).isThere) {
+        tracing_.AwaitDriver(kNotice);
+    }
     Examine();
     Dump();
     const std::chrono::duration<double> left = end - Clock::now();
