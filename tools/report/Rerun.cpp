@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "VEKCommon/MessageCodes.h"
+#include "scenes/notation/Fields.h"
 #include "tools/Client.h"
 #include "tools/Interruption.h"
 #include "tools/Text.h"
@@ -21,11 +22,12 @@ using Clock = std::chrono::steady_clock;
 using recording::Outcome;
 using recording::Step;
 
-constexpr double kPatience = 5;      // seconds, for a message that is recorded
-constexpr double kAfterwards = 0.5;  // seconds, for messages that are not
-constexpr double kLongestTick = 1;   // seconds
-constexpr double kLongestIdle = 30;  // seconds, of all steps in which nothing is awaited
-constexpr double kLook = 0.02;       // seconds
+constexpr double kPatience = 5;          // seconds, for a message that is recorded
+constexpr double kAfterwards = 0.5;      // seconds, for messages that are not
+constexpr double kLongestTick = 1;       // seconds
+constexpr double kLongestIdle = 30;      // seconds, of all steps in which nothing is awaited
+constexpr std::size_t kMostShown = 100;  // bytes of a step
+constexpr double kLook = 0.02;           // seconds
 
 struct RecordedMessage {
     std::size_t line;
@@ -62,8 +64,8 @@ class Performance {
     bool HasHeardAll();
     void CompareMessages();
     [[noreturn]] static void Refuse(const Step& step, std::string_view why) {
-        throw UnfitMaterial(
-            fmt::format("line {} of the recording: {}: {}", step.line, Printable(step.text), why));
+        throw UnfitMaterial(fmt::format("line {} of the recording: {}: {}", step.line,
+                                        Printable(step.text.substr(0, kMostShown)), why));
     }
 
     const Material& material_;
@@ -138,9 +140,18 @@ void Performance::Tick(const Step& step) {
     }
 }
 
+// What nests too deep for the functions that write JSON is refused.
 void Performance::Command(const Step& step) {
-    const Json command = Json::parse(step.Rest(), nullptr, false);
-    const auto answer = command.is_object() ? session_.Ask(command) : std::nullopt;
+    Json command;
+    try {
+        const nlohmann::json read = scene_notation::ParseJson(step.Rest(), "");
+        scene_notation::ExpectObject(read, "");
+        scene_notation::ExpectShallow(read, "");
+        command = read;
+    } catch (const std::runtime_error& error) {
+        Refuse(step, Printable(error.what()));
+    }
+    const auto answer = session_.Ask(command);
     if (!answer) {
         Refuse(step, "the simulated desktop does not reply");
     }

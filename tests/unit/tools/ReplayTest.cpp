@@ -281,6 +281,14 @@ TEST_F(Replay, RefusesArchivesThatAreHostile) {
                   "recording.txt has more than 32 MiB");
     ExpectRefused(Pack(Path("h.zip"), std::vector<Hostile>(1001, {"x", "y"})),
                   "more than 1000 members");
+    const std::string deep(1 << 20, '[');
+    ExpectRefused(Report(kScene, "> start\n> desktop {\"command\": " + deep + "\n> ask JPth\n"),
+                  "line 2 of the recording: ");
+    ExpectRefused(Report(kScene, "> start\n> desktop {\"command\": " + deep +
+                                     std::string(1 << 20, ']') + "}\n> ask JPth\n"),
+                  "line 2 of the recording: ");
+    WriteArchive(Path("h.zip"), {{member::kReport, "{\"missing\": " + deep}});
+    ExpectRefused(Path("h.zip"), "the report has no scene.json");
     std::string steps = "> start\n";
     for (int i = 0; i < 20001; ++i) {
         steps += "> ask JPth\n";

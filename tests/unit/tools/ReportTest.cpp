@@ -175,6 +175,12 @@ TEST_F(ReportTest, FailsWhereItCannotWriteAndLeavesNoHalfFile) {
     const ProcessResult missing =
         Stage::Control({"report", (folder_.Path() / "no" / "file").string(), "--for", "0.1"});
     EXPECT_EQ(missing.status, 1);
+    const ProcessResult half = test_support::RunProcess(
+        "/bin/sh", {"-c", "trap '' XFSZ; ulimit -f 1; exec \"$0\" report \"$1\" --for 0.1",
+                    Stage::ControlPath(), File()});
+    EXPECT_EQ(half.status, 1);
+    EXPECT_THAT(half.standardError, HasSubstr("cannot be written: "));
+    EXPECT_FALSE(std::filesystem::exists(File()));
     const ProcessResult output = test_support::RunProcess(
         "/bin/sh",
         {"-c", "\"$0\" report \"$1\" --for 0.1 > /dev/full", Stage::ControlPath(), File()});
