@@ -164,7 +164,10 @@ TEST(HostileCodec, TextThatIsNotUtf8IsRefused) {
 
 TEST(HostileCodec, OperationOutsideTheTableIsRefused) {
     ByteVector bytes = Encode(Request{});
-    for (const unsigned operation : {0u, 16u, 127u}) {
+    const auto last = static_cast<unsigned>(Operation::script);
+    bytes[1] = static_cast<std::uint8_t>(last);
+    EXPECT_TRUE(DecodeRequest(bytes.data(), bytes.size()));
+    for (const unsigned operation : {0u, last + 1, 127u}) {
         bytes[1] = static_cast<std::uint8_t>(operation);
         EXPECT_FALSE(DecodeRequest(bytes.data(), bytes.size())) << operation;
     }
