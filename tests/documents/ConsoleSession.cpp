@@ -23,9 +23,8 @@ namespace documents {
 namespace {
 
 using test_support::ChildProcess;
+using test_support::kPatience;
 using test_support::Stage;
-
-constexpr double kPatience = 30;  // seconds; passes only when an example fails
 
 struct Program {
     const char* name;
@@ -101,9 +100,9 @@ ConsoleSession::ConsoleSession(const Setting& setting) : setting_(setting) {
 bool ConsoleSession::HasTicked() {
     switch (setting_.companion) {
         case Setting::Companion::none:
-            return driver_->WaitForOutput("SendMessage no remote port", kPatience);
+            return driver_->WaitForOutput("SendMessage no remote port");
         case Setting::Companion::watch:
-            return stage_.Companion().WaitForOutput("JSLg", kPatience);
+            return stage_.Companion().WaitForOutput("JSLg");
         case Setting::Companion::here:
             return test_support::RunLoopUntil([this] { return !companion_->received.empty(); },
                                               kPatience);
@@ -155,7 +154,7 @@ CommandResult ConsoleSession::Run(const std::string& command) {
         status = process.WaitForExit(kStep);
         return status != -1;
     };
-    test_support::WaitUntil(hasEnded, kPatience);
+    test_support::WaitUntil(hasEnded);
     CommandResult read{status, test_support::LinesOf(process.StandardOutput())};
     const auto errors = test_support::LinesOf(process.StandardError());
     read.lines.insert(read.lines.end(), errors.begin(), errors.end());
@@ -169,7 +168,7 @@ ChildProcess& ConsoleSession::RunInBackground(const std::string& command) {
     }
     processes_.push_back(std::make_unique<ChildProcess>("/bin/sh", ShellWords("exec " + command)));
     ChildProcess& process = *processes_.back();
-    if (!process.WaitForOutput(ready, kPatience)) {
+    if (!process.WaitForOutput(ready)) {
         throw std::runtime_error(command + " did not start: " + process.Output());
     }
     if (command.starts_with("KRT9Background")) {
@@ -197,11 +196,11 @@ std::string ConsoleSession::PlayStep(const Step& step) {
         case StepKind::message:
             return AwaitMessage(step);
         case StepKind::desktop:
-            return stage_.Desktop().WaitForOutput(step.text, kPatience)
+            return stage_.Desktop().WaitForOutput(step.text)
                        ? ""
                        : "the desktop logged " + stage_.Desktop().StandardOutput();
         case StepKind::driver:
-            return driver_->WaitForOutput(step.text, kPatience)
+            return driver_->WaitForOutput(step.text)
                        ? ""
                        : "the driver logged " + driver_->StandardError();
     }
@@ -267,7 +266,7 @@ std::string ConsoleSession::AwaitMessage(const Step& step) {
             return message.code == code && message.body == step.body;
         });
     };
-    if (!test_support::RunLoopUntil([&] { return arrived() != received.end(); }, kPatience)) {
+    if (!test_support::RunLoopUntil([&] { return arrived() != received.end(); })) {
         std::string seen;
         for (const auto& message : received) {
             seen +=
@@ -296,7 +295,7 @@ std::string ConsoleSession::CheckBackground() {
             process.WaitForOutput("waited for, and printed by nobody", kStep);
             return std::all_of(expected.begin(), expected.end(), isPrinted);
         };
-        if (!test_support::WaitUntil(areAllPrinted, kPatience)) {
+        if (!test_support::WaitUntil(areAllPrinted)) {
             return fmt::format("line {}: {}", background.step.line,
                                WrongOutput(expected, test_support::LinesOf(process.Output())));
         }

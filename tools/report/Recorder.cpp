@@ -39,13 +39,15 @@ void Recorder::AddOutcome(std::string_view what, std::string_view text) {
 }
 
 void Recorder::CatchUp() {
+    if (listener_ == nullptr) {
+        return;
+    }
     const std::chrono::duration<double> passed = Clock::now() - last_;
     if (const long tenths = std::lround(passed.count() * 10); tenths > 0) {
         text_ += recording::StepLine(fmt::format("tick {}", tenths)) + "\n";
         last_ = Clock::now();
     }
-    const auto heard = listener_ == nullptr ? std::vector<krt9::Message>() : listener_->Take();
-    for (const krt9::Message& message : heard) {
+    for (const krt9::Message& message : listener_->Take()) {
         ++messages_;
         AddOutcome("message", recording::MessageText(message.code, message.body));
         if (message.kind == krt9::MessageKind::language && IsWord(message.text)) {

@@ -18,7 +18,8 @@ class Recorder {
     // Sends the request and records it with its reply, or with the reason why there is none.
     Answer Carry(const Request& request, const Send& send);
 
-    // Records what was heard until now, with the time that has passed.
+    // Records what was heard until now, with the time that has passed. Time without messages is not
+    // recorded: nothing is awaited in it, and a slow computer's report would be slow to replay.
     void CatchUp();
 
     // The recording. `steps` are put before all others.
